@@ -1,0 +1,70 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "norvex/interfaces/Conf/IDataHelper.h"
+#include "norvex/interfaces/Conf/MediaType.h"
+#include "norvex/interfaces/Conf/SampleFmtRecord.h"
+
+namespace Norvex::Conf {
+
+/// Base of the codec helpers: asks the running FFmpeg what the encoder of its codec declares, turns that into rules
+/// and constraints, and applies presets and corrects streams by whatever the concrete helper allows. A build
+/// without the encoder is a normal situation, in which the hand-written rules stand alone.
+class NORVEX_API DataHelperCodecFFMPEG : public IDataHelper {
+public:
+    /// Shared by every helper that has no narrower range: 100000 to IFormatCodecVideo::MAX_VIDEO_BITRATE bits per
+    /// second.
+    static const SP<IPropertyConstraint> s_defaultVideoBitrateConstraint;
+    /// 1 to IFormatCodec::MAX_QUALITY.
+    static const SP<IPropertyConstraint> s_defaultQualityConstraint;
+
+    /// Asks the encoder. Throws boost::bad_rational for an encoder that declares a frame rate without denominator.
+    DataHelperCodecFFMPEG(const std::string& codecId, MediaType type);
+
+    const std::string& GetCodecID() const { return m_codecId; }
+
+    /// The codec's section with the codec id alone.
+    Core::Property GetDefaults() const override;
+    /// Adds nothing.
+    void GetRequiredObjects(ObjectList& objects) const override;
+    /// A rule for each list that the encoder declares: the frame rate; or sample rate, sample format and layout, in
+    /// this order. A helper that extends this calls it first, so that the encoder's rules stand ahead.
+    void GetValidationRules(RuleList& rules) const override;
+    /// The frame rate of a video codec whose encoder declares a list.
+    void GetConstraints(ConstraintMap& constraints) const override;
+
+    /// Both trees are flat: the preset's codec section and the stream's node. Video needs width, height and, where
+    /// the preset has none, the frame rate in the stream. Throws HelperException for a preset of another codec, of
+    /// an unknown bitrate mode, or in the VBR mode without a quality for video, and Core::PropertyException for
+    /// what is missing; the stream may then be partly written.
+    void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
+    /// Merges the encoder options: the preset's own win, and the defaults fill what it left out.
+    void ApplyPresetEncodeOptions(const Core::Property& preset, Core::Property& stream) const;
+
+    /// Corrects the flat node of one stream. Throws HelperException for a helper that is neither video nor audio.
+    void CorrectFormatCodec(Core::Property& tree) const override;
+    /// Mode, bitrate and quality: what cannot be made legal, or has no constraint, is replaced by the default, if
+    /// there is one.
+    void CorrectBitrate(Core::Property& tree) const;
+    /// Sample rate, sample format and layout, each by the first rule about it. Throws std::logic_error for a value
+    /// that cannot be made legal, and Core::PropertyException where one of the three is missing.
+    void CorrectAudioResamplerSettings(Core::Property& tree) const;
+
+    /// Asks the encoder again. The constructor is the only caller.
+    void Load();
+
+protected:
+    const std::string m_codecId;
+    const MediaType m_mediaType;
+    /// The section of a preset under which this codec's settings stand.
+    const std::string m_presetKey;
+    std::vector<SampleFormats> m_sampleFormats;
+    std::vector<std::pair<std::string, long long>> m_sampleRates;  ///< Hz, from 11025 on
+    std::vector<std::pair<std::string, std::string>> m_channelLayouts;
+    std::vector<std::pair<std::string, Core::Ratio>> m_frameRates;  ///< frames per second
+};
+
+}  // namespace Norvex::Conf

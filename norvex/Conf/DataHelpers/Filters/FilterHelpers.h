@@ -1,0 +1,72 @@
+#pragma once
+
+#include "norvex/interfaces/Conf/IDataHelper.h"
+
+/// The filter helpers. Keys of their constraints are relative to the filter's node.
+
+namespace Norvex::Conf {
+
+/// A filter helper that says nothing but its defaults, unless it overrides more.
+class NORVEX_API FilterHelper : public RefCounted<IDataHelper> {
+public:
+    void GetRequiredObjects(ObjectList& objects) const override;
+    void GetValidationRules(RuleList& rules) const override;
+    void GetConstraints(ConstraintMap& constraints) const override;
+    void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
+    void CorrectFormatCodec(Core::Property& tree) const override;
+};
+
+/// The filter that cuts sound into packets.
+class NORVEX_API DataHelperAudioFormatter final : public FilterHelper {
+public:
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+/// The resampler, where sample rate, layout and sample format of an audio stream stand. The rate -1 and the unknown
+/// layout keep what the source has.
+class NORVEX_API DataHelperAudioResample final : public FilterHelper {
+public:
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    void GetConstraints(ConstraintMap& constraints) const override;
+    /// Rate and layout, which the preset must have, go to the stream's own children, which must exist. A sample
+    /// format is optional, and brings the bits per sample with it.
+    void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
+};
+
+class NORVEX_API DataHelperAudioVolume final : public FilterHelper {
+public:
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    void GetConstraints(ConstraintMap& constraints) const override;
+};
+
+/// The frame rate filter.
+class NORVEX_API DataHelperVideoResample final : public FilterHelper {
+public:
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    void GetConstraints(ConstraintMap& constraints) const override;
+    /// The rate goes to the stream's own child, which must exist, unless it is the mark that keeps the source's.
+    void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
+};
+
+/// The resizer.
+class NORVEX_API DataHelperVideoResize final : public FilterHelper {
+public:
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    /// Two rules without a condition: width and height are even.
+    void GetValidationRules(RuleList& rules) const override;
+    void GetConstraints(ConstraintMap& constraints) const override;
+    /// Replaces width, height and aspect of the stream, which must exist, by what the resizer makes of them.
+    void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
+};
+
+}  // namespace Norvex::Conf

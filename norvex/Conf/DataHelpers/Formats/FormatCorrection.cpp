@@ -1,0 +1,57 @@
+// Correction of DataHelperFormatBase.
+
+#include "norvex/Conf/DataHelpers/Constraints/FakeConstraintConsumer.h"
+#include "norvex/Conf/DataHelpers/Formats/DataHelperFormatBase.h"
+#include "norvex/Conf/DataHelpers/Words.h"
+#include "norvex/interfaces/Conf/IFormatCodecAudio.h"
+#include "norvex/interfaces/Conf/IFormatCodecVideo.h"
+
+namespace Norvex::Conf {
+
+namespace {
+
+using Core::Property;
+using A = IFormatCodecAudio;
+using V = IFormatCodecVideo;
+
+/// A boolean set corrects nothing by itself; where it lists one value only, there is no doubt which is meant.
+void TakeOnlyValue(const IPropertyConstraint& constraint, Property& value) {
+    const SP<IConstraintConsumer> consumer = FakeConstraintConsumer::Create();
+    constraint.FillValueList(consumer);
+    const Property values = consumer->GetValue();
+    if (values.Count() == 1) value.CopyDataFrom(values[0]);
+}
+
+/// Applies to one value, in order, every rule that ties it to the codec. The rules speak in paths of a preset.
+void CorrectProperty(Property& value, const std::string& codecIdPath, const std::string& rulePath,
+                     const Property& codecId, const RuleList& rules) {
+    for (const auto& [key, rule] : rules) {
+        if (rule->GetFirstPath() != codecIdPath || rule->GetSecondPath() != rulePath) continue;
+        if (!rule->GetFirstConstraint()->IsValid(codecId)) continue;
+        const SP<IPropertyConstraint> constraint = rule->GetSecondConstraint();
+        if (constraint->IsValid(value) || constraint->Fixup(value)) continue;
+        TakeOnlyValue(*constraint, value);
+    }
+}
+
+}  // namespace
+
+void DataHelperFormatBase::CorrectFormatCodec(Property& formatCodec) const {
+    RuleList rules;
+    GetValidationRules(rules);
+    const Property& codecId = formatCodec[V::TAG_CODEC_ID];
+    const auto correct = [&](const std::string& path, const std::string& codecIdPath, const std::string& rulePath) {
+        if (!formatCodec.ChildExists(path)) return;
+        CorrectProperty(formatCodec[path], codecIdPath, rulePath, codecId, rules);
+    };
+    if (formatCodec.GetName() == V::TAG_FORMAT_CODEC_VIDEO) {
+        correct(V::TAG_FPS, VideoCodecIdPath(), FrameRatePath());
+        correct(V::TAG_COVER_FLAG, VideoCodecIdPath(), CoverFlagPath());
+        correct(ProfileKey(), VideoCodecIdPath(), FormatProfilePath());
+    } else if (formatCodec.GetName() == A::TAG_FORMAT_CODEC_AUDIO) {
+        correct(A::TAG_SAMPLE_RATE, AudioCodecIdPath(), SampleRatePath());
+        correct(A::TAG_LAYOUT, AudioCodecIdPath(), LayoutPath());
+    }
+}
+
+}  // namespace Norvex::Conf

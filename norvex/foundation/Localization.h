@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+#include "norvex/foundation/Export.h"
+
+namespace Norvex::Core {
+
+/// Translates messages through gettext. A host binds the catalogue of a domain with bindtextdomain and sets the
+/// locale; a message without a translation comes back as it is.
+class NORVEX_API LocalizationManager {
+public:
+    std::string Translate(const std::string& message, const std::string& domain) const;
+};
+
+/// The manager and the gettext domain to ask it about.
+struct LocalizationDomain {
+    const LocalizationManager& manager;
+    std::string domain;
+};
+
+NORVEX_API LocalizationDomain GetLocalizationManagerForDomain(const std::string& domain);
+
+}  // namespace Norvex::Core

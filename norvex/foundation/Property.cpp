@@ -1,0 +1,245 @@
+#include "norvex/foundation/Property.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace Norvex::Core {
+
+const std::string Property::SEPARATOR = "/";
+
+namespace {
+
+PropertyException Failure(const Property& property, const char* method) {
+    PropertyException exception;
+    exception << PropertyException::TagPropertyName(property.GetName())
+              << PropertyException::TagPropertyType(property.GetType()) << PropertyException::TagMethodName(method);
+    return exception;
+}
+
+PropertyException ConversionFailure(const Property& property, const char* method) {
+    PropertyException exception = Failure(property, method);
+    exception << TagDescription("The value cannot be read as the type asked for");
+    return exception;
+}
+
+PropertyException MissingChild(const Property& property, const char* method, const std::string& path) {
+    PropertyException exception = Failure(property, method);
+    exception << TagDescription("There is no such child") << TagDetails(path);
+    return exception;
+}
+
+long long Truncate(double value) noexcept {
+    constexpr double bound = 9223372036854775808.0;  // 2^63, the first double past the range
+    if (value >= bound || std::isnan(value)) return std::numeric_limits<long long>::max();
+    if (value < -bound) return std::numeric_limits<long long>::min();
+    return static_cast<long long>(value);
+}
+
+template <class Number>
+std::string NumberText(Number value) {
+    std::array<char, 32> text{};
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value);
+    return std::string(text.data(), error == std::errc() ? end : text.data());
+}
+
+template <class Number>
+bool ParseNumber(std::string_view text, Number& value) noexcept {
+    const char* const end = text.data() + text.size();
+    const auto [last, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc() && last == end;
+}
+
+}  // namespace
+
+Property::Property(std::string name) : m_name(std::move(name)), m_value(Node{}) {}
+
+Property& Property::operator=(const Property& other) {
+    Property copy(other);
+    return *this = std::move(copy);
+}
+
+Property& Property::operator=(Property&& other) noexcept {
+    // By way of a third node: `other` may be a child, which dies with this node's own children.
+    Property taken(std::move(other));
+    m_name.swap(taken.m_name);
+    m_value.swap(taken.m_value);
+    m_children.swap(taken.m_children);
+    return *this;
+}
+
+void Property::AssignValue(Value&& value) {
+    m_value = std::move(value);
+    m_children.clear();
+}
+
+void Property::CopyDataFrom(const Property& other) {
+    Value value(other.m_value);
+    Children children(other.m_children);
+    m_value.swap(value);
+    m_children.swap(children);
+}
+
+bool Property::IsEmpty() const noexcept {
+    return GetType() == PT_NONE || (GetType() == PT_NODE && m_name.empty() && m_children.empty());
+}
+
+template <class T>
+const T& Property::Get(const char* method) const {
+    const T* const value = std::get_if<T>(&m_value);
+    if (value == nullptr) NORVEX_THROW(ConversionFailure(*this, method));
+    return *value;
+}
+
+bool Property::GetBool() const {
+    return Get<bool>("GetBool");
+}
+
+double Property::GetDouble() const {
+    if (const auto* number = std::get_if<long long>(&m_value)) return static_cast<double>(*number);
+    return Get<double>("GetDouble");
+}
+
+long long Property::GetInt64() const {
+    if (const auto* number = std::get_if<double>(&m_value)) return Truncate(*number);
+    return Get<long long>("GetInt64");
+}
+
+Ratio Property::GetRatio() const {
+    if (const auto* text = std::get_if<std::string>(&m_value)) {
+        const std::optional<Ratio> ratio = ParseRatio(*text);
+        if (!ratio) NORVEX_THROW(ConversionFailure(*this, "GetRatio"));
+        return *ratio;
+    }
+    return Get<Ratio>("GetRatio");
+}
+
+const std::string& Property::GetString() const {
+    return Get<std::string>("GetString");
+}
+
+const Property& Property::operator[](std::size_t index) const {
+    if (index >= m_children.size()) NORVEX_THROW(MissingChild(*this, "operator[]", NumberText(index)));
+    return *std::next(m_children.begin(), static_cast<Children::difference_type>(index));
+}
+
+Property& Property::operator[](std::size_t index) {
+    return const_cast<Property&>(std::as_const(*this)[index]);
+}
+
+Property& Property::operator[](const std::string& path) {
+    return const_cast<Property&>(ChildByPath(path));
+}
+
+const Property& Property::ChildByPath(const std::string& path) const {
+    const Property* const child = Find(path);
+    if (child == nullptr) NORVEX_THROW(MissingChild(*this, "ChildByPath", path));
+    return *child;
+}
+
+const Property* Property::Find(std::string_view path) const noexcept {
+    const Property* node = this;
+    for (;;) {
+        const std::size_t stepEnd = path.find(SEPARATOR);
+        const std::string_view step = path.substr(0, stepEnd);
+        if (step.empty()) return nullptr;
+        const const_iterator child = node->FindChild(step);
+        if (child == node->end()) return nullptr;
+        node = &*child;
+        if (stepEnd == std::string_view::npos) return node;
+        path.remove_prefix(stepEnd + SEPARATOR.size());
+    }
+}
+
+Property::const_iterator Property::FindChild(std::string_view name) const noexcept {
+    return std::find_if(begin(), end(), [name](const Property& child) { return child.m_name == name; });
+}
+
+Property::iterator Property::FindChild(std::string_view name) noexcept {
+    return std::find_if(begin(), end(), [name](const Property& child) { return child.m_name == name; });
+}
+
+Property& Property::SetChild(const std::string& name) {
+    RequireNode("SetChild", NORVEX_HERE);
+    const iterator child = FindChild(name);
+    return child != m_children.end() ? *child : m_children.emplace_back(name);
+}
+
+Property& Property::SetChild(const std::string& name, const Property& value) {
+    RequireNode("SetChild", NORVEX_HERE);
+    Property copy(name);
+    copy.CopyDataFrom(value);
+    if (const iterator child = FindChild(name); child != m_children.end()) return *child = std::move(copy);
+    return m_children.emplace_back(std::move(copy));
+}
+
+Property& Property::AddNamed(const Property& child) {
+    RequireNode("AddNamed", NORVEX_HERE);
+    // Copied before it is added: `child` may be this node.
+    return m_children.emplace_back(Property(child));
+}
+
+void Property::RemoveChild(std::string_view name) {
+    if (const iterator child = FindChild(name); child != m_children.end()) m_children.erase(child);
+}
+
+bool Property::operator==(const Property& other) const {
+    const auto sameChild = [](const Property& one, const Property& two) {
+        return one.m_name == two.m_name && one == two;
+    };
+    return m_value == other.m_value && std::equal(begin(), end(), other.begin(), other.end(), sameChild);
+}
+
+void Property::RequireNode(const char* method, const boost::source_location& where) const {
+    if (GetType() == PT_NODE) return;
+    MethodIsNotApplicable exception;
+    exception << PropertyException::TagPropertyName(m_name) << PropertyException::TagPropertyType(GetType())
+              << PropertyException::TagMethodName(method);
+    boost::throw_exception(AddStack(exception), where);
+}
+
+std::string PropertyValueToString(const Property& property) {
+    switch (property.GetType()) {
+        case PT_NONE:
+            return {};
+        case PT_BOOL:
+            return property.GetBool() ? "true" : "false";
+        case PT_DOUBLE:
+            return NumberText(property.GetDouble());
+        case PT_INT64:
+            return NumberText(property.GetInt64());
+        case PT_STRING:
+            return property.GetString();
+        case PT_RATIO: {
+            const Ratio ratio = property.GetRatio();
+            return NumberText(ratio.numerator()) + '/' + NumberText(ratio.denominator());
+        }
+        case PT_NODE:
+            break;
+    }
+    std::string text = "{";
+    for (const Property& child : property) {
+        if (text.size() > 1) text += ", ";
+        text += child.GetName() + ": " + PropertyValueToString(child);
+    }
+    return text + '}';
+}
+
+std::optional<Ratio> ParseRatio(std::string_view text) noexcept {
+    const std::size_t slash = text.find('/');
+    long long numerator = 0;
+    // Unsigned, so that a sign in front of the denominator is refused; read as one type, held as the other.
+    unsigned long long denominator = 1;
+    if (!ParseNumber(text.substr(0, slash), numerator)) return std::nullopt;
+    if (slash != std::string_view::npos && !ParseNumber(text.substr(slash + 1), denominator)) return std::nullopt;
+    constexpr long long largest = std::numeric_limits<long long>::max();
+    // The smallest number has no opposite, which reducing a ratio needs.
+    if (denominator == 0 || denominator > static_cast<unsigned long long>(largest) || numerator < -largest) {
+        return std::nullopt;
+    }
+    return Ratio(numerator, static_cast<long long>(denominator));
+}
+
+}  // namespace Norvex::Core

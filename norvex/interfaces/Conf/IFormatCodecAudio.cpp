@@ -1,0 +1,78 @@
+#include "norvex/interfaces/Conf/IFormatCodecAudio.h"
+
+namespace Norvex::Conf {
+
+const std::string IFormatCodecAudio::CODEC_ID_AAC = "aac";
+const std::string IFormatCodecAudio::CODEC_ID_AC3 = "ac3";
+const std::string IFormatCodecAudio::CODEC_ID_ALAC = "alac";
+const std::string IFormatCodecAudio::CODEC_ID_AMR_NB = "amr_nb";
+const std::string IFormatCodecAudio::CODEC_ID_DTS = "dts";
+const std::string IFormatCodecAudio::CODEC_ID_EAC3 = "eac3";
+const std::string IFormatCodecAudio::CODEC_ID_FLAC = "flac";
+const std::string IFormatCodecAudio::CODEC_ID_MP2 = "mp2";
+const std::string IFormatCodecAudio::CODEC_ID_MP3 = "mp3";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_BLURAY = "pcm_bluray";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_S16BE = "pcm_s16be";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_S16LE = "pcm_s16le";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_S24BE = "pcm_s24be";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_S24LE = "pcm_s24le";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_S32BE = "pcm_s32be";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_S32LE = "pcm_s32le";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_S8 = "pcm_s8";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_U16BE = "pcm_u16be";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_U16LE = "pcm_u16le";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_U24BE = "pcm_u24be";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_U24LE = "pcm_u24le";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_U32BE = "pcm_u32be";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_U32LE = "pcm_u32le";
+const std::string IFormatCodecAudio::CODEC_ID_PCM_U8 = "pcm_u8";
+const std::string IFormatCodecAudio::CODEC_ID_TRUEHD = "truehd";
+const std::string IFormatCodecAudio::CODEC_ID_VORBIS = "vorbis";
+const std::string IFormatCodecAudio::CODEC_ID_WMAV2 = "wmav2";
+
+const std::string IFormatCodecAudio::TAG_SAMPLE_RATE = "sample_rate";
+const std::string IFormatCodecAudio::TAG_SAMPLE_FORMAT = "sample_format";
+const std::string IFormatCodecAudio::TAG_LAYOUT = "channel_layout";
+const std::string IFormatCodecAudio::TAG_BITS_PER_SAMPLE = "bits_per_sample";
+const std::string IFormatCodecAudio::TAG_FORMAT_CODEC_AUDIO = "format_codec_audio";
+
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_2POINT1 = "2.1";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_2_1 = "3.0(back)";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_2_2 = "quad(side)";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_3POINT1 = "3.1";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_4POINT0 = "4.0";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_4POINT1 = "4.1";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_5POINT0 = "5.0(side)";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_5POINT0_BACK = "5.0";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_5POINT1 = "5.1(side)";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_5POINT1_BACK = "5.1";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_6POINT0 = "6.0";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_6POINT0_FRONT = "6.0(front)";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_6POINT1 = "6.1";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_6POINT1_BACK = "6.1(back)";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_6POINT1_FRONT = "6.1(front)";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_7POINT0 = "7.0";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_7POINT0_FRONT = "7.0(front)";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_7POINT1 = "7.1";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_7POINT1_WIDE = "7.1(wide-side)";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_7POINT1_WIDE_BACK = "7.1(wide)";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_22POINT2 = "22.2";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_HEXADECAGONAL = "hexadecagonal";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_HEXAGONAL = "hexagonal";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_MONO = "mono";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_OCTAGONAL = "octagonal";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_QUAD = "quad";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_STEREO = "stereo";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_STEREO_DOWNMIX = "downmix";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_SURROUND = "3.0";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_UNKNOWN = "unknown";
+
+const std::string IFormatCodecAudio::TAG_AAC_PROFILE_ELD = "aac_eld";
+const std::string IFormatCodecAudio::TAG_AAC_PROFILE_HE = "aac_he";
+const std::string IFormatCodecAudio::TAG_AAC_PROFILE_HE_V2 = "aac_he_v2";
+const std::string IFormatCodecAudio::TAG_AAC_PROFILE_LD = "aac_ld";
+const std::string IFormatCodecAudio::TAG_AAC_PROFILE_LOW = "aac_low";
+const std::string IFormatCodecAudio::TAG_AAC_PROFILE_LTP = "aac_ltp";
+const std::string IFormatCodecAudio::TAG_AAC_PROFILE_SSR = "aac_ssr";
+
+}  // namespace Norvex::Conf

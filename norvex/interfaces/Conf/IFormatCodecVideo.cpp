@@ -1,0 +1,112 @@
+#include "norvex/interfaces/Conf/IFormatCodecVideo.h"
+
+namespace Norvex::Conf {
+
+const std::string IFormatCodecVideo::CODEC_ID_APNG = "apng";
+const std::string IFormatCodecVideo::CODEC_ID_AV1 = "av1";
+const std::string IFormatCodecVideo::CODEC_ID_BMP = "bmp";
+const std::string IFormatCodecVideo::CODEC_ID_DPX = "dpx";
+const std::string IFormatCodecVideo::CODEC_ID_DVVIDEO = "dvvideo";
+const std::string IFormatCodecVideo::CODEC_ID_FLV1 = "flv1";
+const std::string IFormatCodecVideo::CODEC_ID_GIF = "gif";
+const std::string IFormatCodecVideo::CODEC_ID_H263 = "h263";
+const std::string IFormatCodecVideo::CODEC_ID_H264 = "h264";
+const std::string IFormatCodecVideo::CODEC_ID_H265 = "hevc";
+const std::string IFormatCodecVideo::CODEC_ID_HAP = "hap";
+const std::string IFormatCodecVideo::CODEC_ID_JPEG2000 = "jpeg2000";
+const std::string IFormatCodecVideo::CODEC_ID_JPEGLS = "jpegls";
+const std::string IFormatCodecVideo::CODEC_ID_MJPEG = "mjpeg";
+const std::string IFormatCodecVideo::CODEC_ID_MPEG1VIDEO = "mpeg1video";
+const std::string IFormatCodecVideo::CODEC_ID_MPEG2VIDEO = "mpeg2video";
+const std::string IFormatCodecVideo::CODEC_ID_MPEG4 = "mpeg4";
+const std::string IFormatCodecVideo::CODEC_ID_PAM = "pam";
+const std::string IFormatCodecVideo::CODEC_ID_PBM = "pbm";
+const std::string IFormatCodecVideo::CODEC_ID_PCX = "pcx";
+const std::string IFormatCodecVideo::CODEC_ID_PGM = "pgm";
+const std::string IFormatCodecVideo::CODEC_ID_PGMYUV = "pgmyuv";
+const std::string IFormatCodecVideo::CODEC_ID_PNG = "png";
+const std::string IFormatCodecVideo::CODEC_ID_PPM = "ppm";
+const std::string IFormatCodecVideo::CODEC_ID_PRORES = "prores";
+const std::string IFormatCodecVideo::CODEC_ID_QTRLE = "qtrle";
+const std::string IFormatCodecVideo::CODEC_ID_SGI = "sgi";
+const std::string IFormatCodecVideo::CODEC_ID_TARGA = "targa";
+const std::string IFormatCodecVideo::CODEC_ID_THEORA = "theora";
+const std::string IFormatCodecVideo::CODEC_ID_TIFF = "tiff";
+const std::string IFormatCodecVideo::CODEC_ID_UTVIDEO = "utvideo";
+const std::string IFormatCodecVideo::CODEC_ID_VC1 = "vc1";
+const std::string IFormatCodecVideo::CODEC_ID_VP8 = "vp8";
+const std::string IFormatCodecVideo::CODEC_ID_VP9 = "vp9";
+const std::string IFormatCodecVideo::CODEC_ID_WMV2 = "wmv2";
+const std::string IFormatCodecVideo::CODEC_ID_WMV3 = "wmv3";
+const std::string IFormatCodecVideo::CODEC_ID_XBM = "xbm";
+const std::string IFormatCodecVideo::CODEC_ID_XWD = "xwd";
+
+const std::string IFormatCodecVideo::TAG_WIDTH = "width";
+const std::string IFormatCodecVideo::TAG_HEIGHT = "height";
+const std::string IFormatCodecVideo::TAG_ASPECTX = "aspect_x";
+const std::string IFormatCodecVideo::TAG_ASPECTY = "aspect_y";
+const std::string IFormatCodecVideo::TAG_FPS = "frame_rate";
+const std::string IFormatCodecVideo::TAG_BITS_PER_PIXEL = "bits_per_pixel";
+const std::string IFormatCodecVideo::TAG_MAX_B_FRAME_SEQUENCE = "max_b_frames";
+const std::string IFormatCodecVideo::TAG_MAX_I_FRAME_INTERVAL = "key_frame_interval";
+const std::string IFormatCodecVideo::TAG_MULTIPASS_ENCODING = "passes";
+const std::string IFormatCodecVideo::TAG_ONE_PASS_MODE = "one_pass";
+const std::string IFormatCodecVideo::TAG_TWO_PASS_MODE = "two_pass";
+const std::string IFormatCodecVideo::TAG_APPROVED_VBR_MODE_ONLY = "approved_vbr_only";
+const std::string IFormatCodecVideo::TAG_COVER_FLAG = "cover";
+const std::string IFormatCodecVideo::TAG_DISABLE_TRANSPARENCY = "disable_transparency";
+const std::string IFormatCodecVideo::TAG_USE_HW_CONTEXT = "use_hw_context";
+const std::string IFormatCodecVideo::TAG_FORMAT_CODEC_VIDEO = "format_codec_video";
+
+const std::string IFormatCodecVideo::TAG_X264_PRESET_FAST = "fast";
+const std::string IFormatCodecVideo::TAG_X264_PRESET_FASTER = "faster";
+const std::string IFormatCodecVideo::TAG_X264_PRESET_MEDIUM = "medium";
+const std::string IFormatCodecVideo::TAG_X264_PRESET_PLACEBO = "placebo";
+const std::string IFormatCodecVideo::TAG_X264_PRESET_SLOW = "slow";
+const std::string IFormatCodecVideo::TAG_X264_PRESET_SLOWER = "slower";
+const std::string IFormatCodecVideo::TAG_X264_PRESET_SUPERFAST = "superfast";
+const std::string IFormatCodecVideo::TAG_X264_PRESET_ULTRAFAST = "ultrafast";
+const std::string IFormatCodecVideo::TAG_X264_PRESET_VERYFAST = "veryfast";
+const std::string IFormatCodecVideo::TAG_X264_PRESET_VERYSLOW = "veryslow";
+const std::string IFormatCodecVideo::TAG_X264_PROFILE_BASELINE = "baseline";
+const std::string IFormatCodecVideo::TAG_X264_PROFILE_HIGH = "high";
+const std::string IFormatCodecVideo::TAG_X264_PROFILE_HIGH10 = "high10";
+const std::string IFormatCodecVideo::TAG_X264_PROFILE_HIGH422 = "high422";
+const std::string IFormatCodecVideo::TAG_X264_PROFILE_HIGH444 = "high444";
+const std::string IFormatCodecVideo::TAG_X264_PROFILE_MAIN = "main";
+const std::string IFormatCodecVideo::TAG_X264_TUNE = "tune";
+const std::string IFormatCodecVideo::TAG_X264_TUNE_ANIMATION = "animation";
+const std::string IFormatCodecVideo::TAG_X264_TUNE_FASTDECODE = "fastdecode";
+const std::string IFormatCodecVideo::TAG_X264_TUNE_FILM = "film";
+const std::string IFormatCodecVideo::TAG_X264_TUNE_GRAIN = "grain";
+const std::string IFormatCodecVideo::TAG_X264_TUNE_PSNR = "psnr";
+const std::string IFormatCodecVideo::TAG_X264_TUNE_SSIM = "ssim";
+const std::string IFormatCodecVideo::TAG_X264_TUNE_STILLIMAGE = "stillimage";
+const std::string IFormatCodecVideo::TAG_X264_TUNE_ZEROLATENCY = "zerolatency";
+
+const std::string IFormatCodecVideo::TAG_X265_PRESET_FAST = "fast";
+const std::string IFormatCodecVideo::TAG_X265_PRESET_FASTER = "faster";
+const std::string IFormatCodecVideo::TAG_X265_PRESET_MEDIUM = "medium";
+const std::string IFormatCodecVideo::TAG_X265_PRESET_PLACEBO = "placebo";
+const std::string IFormatCodecVideo::TAG_X265_PRESET_SLOW = "slow";
+const std::string IFormatCodecVideo::TAG_X265_PRESET_SLOWER = "slower";
+const std::string IFormatCodecVideo::TAG_X265_PRESET_SUPERFAST = "superfast";
+const std::string IFormatCodecVideo::TAG_X265_PRESET_ULTRAFAST = "ultrafast";
+const std::string IFormatCodecVideo::TAG_X265_PRESET_VERYFAST = "veryfast";
+const std::string IFormatCodecVideo::TAG_X265_PRESET_VERYSLOW = "veryslow";
+const std::string IFormatCodecVideo::TAG_X265_PROFILE_MAIN = "main";
+const std::string IFormatCodecVideo::TAG_X265_PROFILE_MAIN10 = "main10";
+
+const std::string IFormatCodecVideo::TAG_AV1_PRESET_FASTER = "faster";
+const std::string IFormatCodecVideo::TAG_AV1_PROFILE_MAIN = "main";
+const std::string IFormatCodecVideo::TAG_FORMAT_HAP = "hap";
+const std::string IFormatCodecVideo::TAG_FORMAT_HAP_ALPHA = "hap_alpha";
+const std::string IFormatCodecVideo::TAG_FORMAT_HAP_Q = "hap_q";
+const std::string IFormatCodecVideo::TAG_MPEG4_PROFILE_ADVANCED_SIMPLE = "advanced_simple";
+const std::string IFormatCodecVideo::TAG_MPEG4_PROFILE_CORE_SCALABLE = "core_scalable";
+const std::string IFormatCodecVideo::TAG_MPEG4_PROFILE_MAIN = "main";
+const std::string IFormatCodecVideo::TAG_MPEG4_PROFILE_SIMPLE = "simple";
+const std::string IFormatCodecVideo::TAG_PRORES_PROFILE_422 = "422";
+const std::string IFormatCodecVideo::TAG_VP9_PROFILE_0 = "profile0";
+
+}  // namespace Norvex::Conf

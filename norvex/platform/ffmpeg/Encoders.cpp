@@ -1,0 +1,78 @@
+// What an encoder of the running build declares. Nothing else of the library looks at encoders, so that a test can
+// put a build of its own making in the place of this file.
+
+#include "norvex/interfaces/Proc/FFmpegLayer.h"
+#include "norvex/interfaces/Proc/Settings.h"
+
+namespace Norvex::Proc {
+
+namespace {
+
+#if LIBAVCODEC_VERSION_INT >= AV_VERSION_INT(61, 13, 100)
+
+template <class Entry>
+const Entry* SupportedConfig(const AVCodec* codec, AVCodecConfig config) {
+    const void* list = nullptr;
+    const int result = avcodec_get_supported_config(nullptr, codec, config, 0, &list, nullptr);
+    return result >= 0 ? static_cast<const Entry*>(list) : nullptr;
+}
+
+const AVRational* FrameRates(const AVCodec* c) {
+    return SupportedConfig<AVRational>(c, AV_CODEC_CONFIG_FRAME_RATE);
+}
+const AVSampleFormat* SampleFormatsOf(const AVCodec* c) {
+    return SupportedConfig<AVSampleFormat>(c, AV_CODEC_CONFIG_SAMPLE_FORMAT);
+}
+const int* SampleRates(const AVCodec* c) {
+    return SupportedConfig<int>(c, AV_CODEC_CONFIG_SAMPLE_RATE);
+}
+const AVChannelLayout* ChannelLayouts(const AVCodec* c) {
+    return SupportedConfig<AVChannelLayout>(c, AV_CODEC_CONFIG_CHANNEL_LAYOUT);
+}
+
+#else
+
+const AVRational* FrameRates(const AVCodec* c) {
+    return c->supported_framerates;
+}
+const AVSampleFormat* SampleFormatsOf(const AVCodec* c) {
+    return c->sample_fmts;
+}
+const int* SampleRates(const AVCodec* c) {
+    return c->supported_samplerates;
+}
+const AVChannelLayout* ChannelLayouts(const AVCodec* c) {
+    return c->ch_layouts;
+}
+
+#endif
+
+}  // namespace
+
+SafeEncoderCodec FindEncoder(const std::string& codecId, const std::string& implName) {
+    if (implName != ImplNames::FFMPEG) return {};
+    return SafeEncoderCodec(avcodec_find_encoder(CodecIDFromTextID(codecId)));
+}
+
+std::vector<AVRational> SafeEncoderCodec::GetSupportedFrameRates() const {
+    std::vector<AVRational> rates;
+    // The entry that ends the list is 0/0.
+    for (const AVRational* rate = FrameRates(m_codec); rate != nullptr && (rate->num != 0 || rate->den != 0); ++rate) {
+        rates.push_back(*rate);
+    }
+    return rates;
+}
+
+const AVSampleFormat* SafeEncoderCodec::GetSupportedSampleFormats() const {
+    return SampleFormatsOf(m_codec);
+}
+
+const int* SafeEncoderCodec::GetSupportedSampleRates() const {
+    return SampleRates(m_codec);
+}
+
+const AVChannelLayout* SafeEncoderCodec::GetSupportedChannelLayouts() const {
+    return ChannelLayouts(m_codec);
+}
+
+}  // namespace Norvex::Proc
