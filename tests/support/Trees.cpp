@@ -1,0 +1,127 @@
+#include "support/Trees.h"
+
+#include <iterator>
+
+namespace NorvexTest {
+
+using namespace Norvex;
+using Core::Property;
+
+namespace {
+
+std::string Leaf(const Property& node) {
+    static const char* const types[] = {"none", "bool", "double", "int", "string", "ratio", "node"};
+    const std::string type = types[node.GetType()];
+    return node.GetType() == PT_NODE || node.GetType() == PT_NONE ? type
+                                                                  : type + ' ' + Core::PropertyValueToString(node);
+}
+
+void Diff(const Property& expected, const Property& actual, const std::string& path, std::string& out) {
+    const auto differs = [&](const std::string& one, const std::string& two) {
+        if (one != two) out += path + ": expected " + one + ", got " + two + '\n';
+    };
+    differs("name '" + expected.GetName() + "'", "name '" + actual.GetName() + "'");
+    differs(Leaf(expected), Leaf(actual));
+    auto two = actual.begin();
+    for (const Property& one : expected) {
+        const std::string below = path + Property::SEPARATOR + one.GetName();
+        if (two == actual.end()) {
+            out += below + ": missing\n";
+            continue;
+        }
+        Diff(one, *two, below, out);
+        ++two;
+    }
+    for (; two != actual.end(); ++two) out += path + Property::SEPARATOR + two->GetName() + ": unexpected\n";
+}
+
+void DumpInto(const Property& node, const std::string& path, std::string& out) {
+    if (node.Count() == 0) out += path + ": " + Leaf(node) + '\n';
+    for (const Property& child : node) DumpInto(child, path + Property::SEPARATOR + child.GetName(), out);
+}
+
+class RecordingConsumer final : public RefCounted<Conf::IConstraintConsumer> {
+public:
+    void Reset() override { calls.emplace_back("reset"); }
+    void AddValue(const std::string& name, const Property& value) override {
+        calls.push_back("add " + name + '=' + Core::PropertyValueToString(value));
+        names.push_back(name);
+    }
+    void EndValues() override { calls.emplace_back("end"); }
+    void SetMaxValue(double value) override { Record("max", std::to_string(value), max); }
+    void SetMaxValue(long long value) override { Record("max", std::to_string(value), max); }
+    void SetMinValue(double value) override { Record("min", std::to_string(value), min); }
+    void SetMinValue(long long value) override { Record("min", std::to_string(value), min); }
+    void SetStep(double value) override { Record("step", std::to_string(value), step); }
+    void SetStep(long long value) override { Record("step", std::to_string(value), step); }
+    Property GetValue() const override { return {}; }
+    void SetValue(const Property& /*value*/) override { calls.emplace_back("set"); }
+
+    std::vector<std::string> calls;
+    std::vector<std::string> names;
+    std::string min;
+    std::string max;
+    std::string step;
+
+private:
+    void Record(const char* call, const std::string& value, std::string& field) {
+        calls.push_back(std::string(call) + ' ' + value);
+        field = value;
+    }
+};
+
+SP<RecordingConsumer> Fill(const Conf::IPropertyConstraint& constraint) {
+    SP<RecordingConsumer> consumer(new RecordingConsumer);
+    constraint.FillValueList(consumer);
+    return consumer;
+}
+
+}  // namespace
+
+std::string TreeDiff(const Property& expected, const Property& actual) {
+    std::string out;
+    Diff(expected, actual, expected.GetName(), out);
+    return out;
+}
+
+std::string Dump(const Property& tree) {
+    std::string out;
+    DumpInto(tree, tree.GetName(), out);
+    return out;
+}
+
+std::vector<std::string> CallsOf(const Conf::IPropertyConstraint& constraint) {
+    return Fill(constraint)->calls;
+}
+
+std::string ListOf(const Conf::IPropertyConstraint& constraint) {
+    const SP<RecordingConsumer> consumer = Fill(constraint);
+    if (!consumer->min.empty()) {
+        return consumer->min + ".." + consumer->max + (consumer->step.empty() ? "" : "/" + consumer->step);
+    }
+    std::string list;
+    for (const std::string& name : consumer->names) list += (list.empty() ? "" : ", ") + name;
+    return list;
+}
+
+std::vector<std::string> RulesOf(const Conf::IDataHelper& helper) {
+    Conf::RuleList rules;
+    helper.GetValidationRules(rules);
+    std::vector<std::string> lines;
+    for (const auto& [key, rule] : rules) {
+        const auto first = rule->GetFirstConstraint();
+        lines.push_back((first ? rule->GetFirstPath() + " in " + ListOf(*first) : std::string("always")) + " -> " +
+                        rule->GetSecondPath() + " in " + ListOf(*rule->GetSecondConstraint()));
+    }
+    return lines;
+}
+
+std::vector<std::string> ConstraintsOf(const Conf::IDataHelper& helper) {
+    Conf::ConstraintMap constraints;
+    helper.GetConstraints(constraints);
+    std::vector<std::string> lines;
+    for (const auto& [path, constraint] : constraints) lines.push_back(path + " in " + ListOf(*constraint));
+    return lines;
+}
+
+}  // namespace NorvexTest
