@@ -4,6 +4,7 @@
 #include <boost/current_function.hpp>
 #include <boost/exception/error_info.hpp>
 #include <boost/exception/exception.hpp>
+#include <boost/exception/get_error_info.hpp>
 #include <boost/exception/info.hpp>
 #include <boost/throw_exception.hpp>
 #include <exception>

@@ -56,7 +56,8 @@ std::int32_t ReadInt32(const Property& section, const std::string& tag) {
 /// The nearest even size that a frame can have.
 std::int32_t EvenSize(double size) {
     constexpr double largest = std::numeric_limits<std::int32_t>::max() - 1;
-    return static_cast<std::int32_t>(std::clamp(2 * std::round(size / 2), 2.0, largest));
+    if (!(size > 2)) return 2;  // NaN included
+    return static_cast<std::int32_t>(std::min(2 * std::round(size / 2), largest));
 }
 
 FrameInfo Scaled(const FrameInfo& input, double factor) {

@@ -55,9 +55,10 @@ Core::Ratio FrameRate(const Property& preset, const Property& stream) {
 
 /// A bitrate that stands beside a quality counts only where the options approve of it.
 bool HasApprovedBitrate(const Property& preset) {
-    if (!preset.ChildExists(V::TAG_CODEC_OPTIONS_ENCODE) || !preset.ChildExists(V::TAG_BITRATE)) return false;
+    if (!preset.ChildExists(V::TAG_CODEC_OPTIONS_ENCODE)) return false;
     const Property& options = preset[V::TAG_CODEC_OPTIONS_ENCODE];
-    return options.ChildExists(V::TAG_APPROVED_VBR_MODE_ONLY) && options[V::TAG_APPROVED_VBR_MODE_ONLY].GetBool();
+    return options.ChildExists(V::TAG_APPROVED_VBR_MODE_ONLY) && options[V::TAG_APPROVED_VBR_MODE_ONLY].GetBool() &&
+           preset.ChildExists(V::TAG_BITRATE);
 }
 
 int ToInt(long long number) {

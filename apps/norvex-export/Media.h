@@ -1,0 +1,140 @@
+/// The part of the example host that touches media: it reads what an input holds, and decodes, filters,
+/// encodes and muxes with FFmpeg. It knows nothing of the rule book: it is given settings that are legal
+/// already, and says plainly what failed where they turn out not to work.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace NorvexExport {
+
+/// A failure that the user of the program can act on; what() is one plain sentence without a line feed.
+class MediaError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A fraction as FFmpeg counts frame rates and aspects.
+struct Fraction {
+    int numerator = 0;
+    int denominator = 1;
+};
+
+/// The picture stream that an export takes from its input.
+struct VideoSource {
+    int streamIndex = -1;
+    std::string codecId;             ///< FFmpeg's name of the codec, such as "h264"
+    int width = 0;                   ///< pixels
+    int height = 0;                  ///< pixels
+    Fraction sampleAspect;           ///< shape of one pixel, 1/1 where the input does not say
+    Fraction frameRate;              ///< frames per second, 25/1 where the input does not say
+    std::string pixelFormat;         ///< FFmpeg's name, empty where unknown
+    bool isAttachedPicture = false;  ///< a cover picture: one frame, taken only where there is no other stream
+};
+
+/// The sound stream that an export takes from its input.
+struct AudioSource {
+    int streamIndex = -1;
+    std::string codecId;  ///< FFmpeg's name of the codec, such as "aac"
+    int sampleRate = 0;   ///< Hz
+    int channels = 0;
+    /// FFmpeg's name of the layout, such as "5.1(side)"; the default one of the count where the input only counts.
+    std::string layout;
+    std::string sampleFormat;  ///< FFmpeg's name, such as "fltp"; empty where unknown
+};
+
+struct InputInfo {
+    std::string path;
+    std::string container;  ///< FFmpeg's name of the demuxer
+    double duration = 0;    ///< seconds, 0 where unknown
+    std::optional<VideoSource> video;
+    std::optional<AudioSource> audio;
+};
+
+/// How a picture is brought to a size of another shape.
+enum class Fit { Stretch, Letterbox, Crop };
+
+/// How the encoder is told to spend bits.
+enum class RateControl {
+    Bitrate,  ///< hold `bitrate`
+    Quality,  ///< hold `quality` where the encoder can, and heed no bitrate; else as Bitrate
+};
+
+struct VideoJob {
+    int streamIndex = -1;
+    std::string codecId;    ///< FFmpeg's name; FFmpeg's own choice of an encoder for it is taken
+    int width = 0;          ///< pixels
+    int height = 0;         ///< pixels
+    Fraction sampleAspect;  ///< shape of one pixel, taken for 1/1 where it is not positive
+    Fraction frameRate;     ///< frames per second; frames are repeated or left out to meet it
+    Fit fit = Fit::Stretch;
+    std::string scaler;  ///< "neighbor", "fast_bilinear", "bilinear" or "bicubic", which is taken where it is empty
+    RateControl rateControl = RateControl::Bitrate;
+    long long bitrate = 0;  ///< bits per second, 0 leaves it to the encoder
+    int quality = 0;        ///< quantiser, 1 best to 51; what lies past the encoder's own range goes to its end
+    bool twoPass = false;   ///< done where the encoder can, and where it is a bitrate that it holds
+    std::optional<int> maxBFrames;
+    std::optional<int> keyFrameInterval;  ///< frames
+    int threads = 0;                      ///< 0 leaves it to the encoder
+    /// Encoder options by FFmpeg's names ("preset", "profile", "tune"). Profiles of H.264 and H.265 that stand for
+    /// a pixel format set it; without one it is the encoder's format nearest to the source's.
+    std::vector<std::pair<std::string, std::string>> options;
+};
+
+struct AudioJob {
+    int streamIndex = -1;
+    std::string codecId;       ///< FFmpeg's name; FFmpeg's own choice of an encoder for it is taken
+    int sampleRate = 0;        ///< Hz
+    std::string layout;        ///< FFmpeg's name
+    std::string sampleFormat;  ///< FFmpeg's name; one the encoder takes is chosen where it is empty
+    RateControl rateControl = RateControl::Bitrate;
+    long long bitrate = 0;  ///< bits per second, 0 leaves it to the encoder
+    int quality = 0;        ///< quantiser, 1 is best; what lies past the encoder's own range goes to its end
+    std::vector<std::pair<std::string, std::string>> options;  ///< encoder options by FFmpeg's names ("profile")
+};
+
+struct ExportJob {
+    std::string inputPath;
+    std::string outputPath;
+    std::string muxer;          ///< FFmpeg's short name of the muxer
+    bool globalHeader = false;  ///< the container keeps codec headers out of the packets
+    std::optional<VideoJob> video;
+    std::optional<AudioJob> audio;
+};
+
+struct Progress {
+    double secondsDone = 0;   ///< of the output's own time line, over all passes
+    double secondsTotal = 0;  ///< over all passes, 0 where unknown
+    int pass = 1;
+    int passes = 1;
+};
+
+struct ExportResult {
+    long long videoFrames = 0;
+    long long audioSamples = 0;  ///< of one channel
+    double duration = 0;         ///< seconds, of the longer stream
+    std::uintmax_t bytes = 0;    ///< size of the output
+};
+
+/// Reads what `path` holds. Throws MediaError for a file that is missing, unreadable or no media.
+InputInfo Probe(const std::string& path);
+
+/// Carries the job out, from the beginning of the input to its end. The output begins at 0, whenever the input
+/// does, and its streams stay in step. Damaged packets of the input are passed over.
+///
+/// The output appears under its own name only when it is complete: until then it is written beside it under
+/// another name, which is removed on every failure, and a file that the output replaces is kept. The input cannot
+/// be its own output.
+///
+/// `onProgress` may be empty. It is called from the calling thread, some ten times per second and once more when
+/// all is done but for the output's name. What it throws ends the export as a failure does, and is passed on.
+///
+/// Throws MediaError, also where an encoder does not know an option, or where nothing of a stream can be decoded.
+ExportResult RunExport(const ExportJob& job, const std::function<void(const Progress&)>& onProgress);
+
+}  // namespace NorvexExport
