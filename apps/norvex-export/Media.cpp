@@ -61,6 +61,13 @@ int Check(int result, const char* what) {
     return result;
 }
 
+/// The options that something was given, for the message that it failed with them; empty without options.
+std::string WithOptions(const Options& options) {
+    std::string text;
+    for (const auto& [name, value] : options) text += (text.empty() ? " with " : ", ") + name + "=" + value;
+    return text;
+}
+
 // --------------------------------------------------------------------------------------------- ownership
 
 struct Release {
@@ -550,7 +557,7 @@ private:
             if (result < 0) Fail("the filter " + name + " does not take " + key + "=" + value, result);
         }
         const int result = avfilter_init_str(filter, nullptr);
-        if (result < 0) Fail("cannot set up the filter " + name, result);
+        if (result < 0) Fail("cannot set up the filter " + name + WithOptions(options), result);
         if (m_last != nullptr) Check(avfilter_link(m_last, 0, filter, 0), "cannot connect the filters");
         m_last = filter;
     }
@@ -661,11 +668,14 @@ std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParamet
     return steps;
 }
 
-/// `firstSample` is the time of the output at which the graph begins.
-std::vector<FilterStep> AudioSteps(const AVCodecContext& encoder, std::int64_t firstSample) {
+/// `firstSample` is the sample of the output at which the graph begins.
+std::vector<FilterStep> AudioSteps(const AVBufferSrcParameters& source, const AVCodecContext& encoder,
+                                   std::int64_t firstSample) {
     const std::string rate = std::to_string(encoder.sample_rate);
+    // The resampler counts the samples of its source.
+    const std::int64_t begin = av_rescale(firstSample, source.sample_rate, encoder.sample_rate);
     // "async" fills gaps and trims overlaps by the timestamps and does not stretch.
-    return {{"aresample", {{"sample_rate", rate}, {"async", "1"}, {"first_pts", std::to_string(firstSample)}}},
+    return {{"aresample", {{"sample_rate", rate}, {"async", "1"}, {"first_pts", std::to_string(begin)}}},
             {"aformat",
              {{"sample_fmts", av_get_sample_fmt_name(encoder.sample_fmt)},
               {"sample_rates", rate},
@@ -1027,12 +1037,10 @@ void RequireSound(const AVCodec& codec, int sampleRate, const ChannelLayout& lay
 
 void OpenEncoder(AVCodecContext& encoder, const Options& options) {
     for (const auto& [name, value] : options) SetOption(encoder, name, value);
+    const std::string codec = Quoted(encoder.codec->name);  // a failure takes the codec from the context
     const int result = avcodec_open2(&encoder, encoder.codec, nullptr);
-    if (result >= 0) return;
     // Encoders judge the values of many options only here, and FFmpeg does not tell which one was wrong.
-    std::string given;
-    for (const auto& [name, value] : options) given += (given.empty() ? " with " : ", ") + name + "=" + value;
-    Fail("cannot open the encoder " + Quoted(encoder.codec->name) + given, result);
+    if (result < 0) Fail("cannot open the encoder " + codec + WithOptions(options), result);
 }
 
 Owned<AVCodecContext> NewEncoder(const AVCodec& codec, bool globalHeader) {
@@ -1402,7 +1410,8 @@ private:
     }
 
     std::unique_ptr<FilterGraph> MakeGraph(AVBufferSrcParameters& source) const override {
-        auto graph = std::make_unique<FilterGraph>(AVMEDIA_TYPE_AUDIO, source, AudioSteps(EncoderContext(), NextPts()));
+        auto graph =
+            std::make_unique<FilterGraph>(AVMEDIA_TYPE_AUDIO, source, AudioSteps(source, EncoderContext(), NextPts()));
         graph->SetFrameSize(EncoderFrameSize());
         return graph;
     }

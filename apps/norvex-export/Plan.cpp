@@ -199,6 +199,13 @@ const Choice* FindChoice(const std::vector<Choice>& choices, const std::string& 
     return choice != choices.end() ? &*choice : nullptr;
 }
 
+/// What a message calls a value: the option that it came from, where one did, or else the rule book's path.
+std::string NameFor(const Demand& demand, const Choice* choice) {
+    if (choice != nullptr) return choice->option;
+    if (demand.tag == V::TAG_WIDTH || demand.tag == V::TAG_HEIGHT) return "--size";
+    return demand.path;
+}
+
 /// Brings one stream from its preset to legal settings.
 class StreamSettler {
 public:
@@ -226,7 +233,12 @@ public:
         StreamPlan plan;
         plan.asked = stream;
         for (const Demand& demand : BrokenDemands(helpers, m_codec, m_formatTree, m_codecKey, stream)) {
-            plan.broken.push_back(Describe(demand, stream));
+            // A constraint and a rule often say the same of a value.
+            const Violation violation = Describe(demand, stream);
+            const bool known = std::any_of(plan.broken.begin(), plan.broken.end(), [&violation](const Violation& v) {
+                return v.value == violation.value && v.allowed == violation.allowed;
+            });
+            if (!known) plan.broken.push_back(violation);
         }
         Correct(plan, stream, "format", *m_format);
         Correct(plan, stream, "codec", *m_codec);
@@ -270,9 +282,8 @@ private:
         const auto left = BrokenDemands(helpers, m_codec, m_formatTree, m_codecKey, stream);
         if (left.empty()) return;
         const Demand& demand = left.front();
-        const Choice* const choice = FindChoice(m_choices, demand.tag);
         const Violation violation = Describe(demand, stream);
-        throw RequestError((choice != nullptr ? choice->option : demand.path) + ": '" + violation.value +
+        throw RequestError(NameFor(demand, FindChoice(m_choices, demand.tag)) + ": '" + violation.value +
                            "' is not legal here; allowed: " + violation.allowed);
     }
 
@@ -452,8 +463,9 @@ std::string FpsText(const Core::Ratio& rate) {
     return text.substr(0, text.find('.') + 3);
 }
 
-Property VideoStreamOf(const VideoSource& source) {
+Property VideoStreamOf(const VideoSource& source, const std::string& codecId) {
     Property stream(V::TAG_FORMAT_CODEC_VIDEO);
+    stream.SetChildT(C::TAG_CODEC_ID, codecId);
     stream.SetChildT(V::TAG_WIDTH, source.width);
     stream.SetChildT(V::TAG_HEIGHT, source.height);
     stream.SetChildT(V::TAG_ASPECTX, source.sampleAspect.numerator);
@@ -462,8 +474,9 @@ Property VideoStreamOf(const VideoSource& source) {
     return stream;
 }
 
-Property AudioStreamOf(const AudioSource& source) {
+Property AudioStreamOf(const AudioSource& source, const std::string& codecId) {
     Property stream(A::TAG_FORMAT_CODEC_AUDIO);
+    stream.SetChildT(C::TAG_CODEC_ID, codecId);
     stream.SetChildT(A::TAG_SAMPLE_RATE, source.sampleRate);
     stream.SetChildT(A::TAG_SAMPLE_FORMAT, source.sampleFormat);
     stream.SetChildT(A::TAG_LAYOUT, source.layout);
@@ -508,11 +521,11 @@ void PlanVideo(Plan& plan, const Helper& format, const Property& formatTree) {
         return;
     }
     const VideoSource& source = *plan.input.video;
-    const Helper codec = FindCodec(*format, plan.formatId, P::KEY_FILTER_VIDEO_CODEC, P::STREAM_TYPE_VIDEO,
-                                   CodecOf(*stream, P::KEY_FILTER_VIDEO_CODEC, request.videoCodec));
+    const std::string codecId = CodecOf(*stream, P::KEY_FILTER_VIDEO_CODEC, request.videoCodec);
+    const Helper codec = FindCodec(*format, plan.formatId, P::KEY_FILTER_VIDEO_CODEC, P::STREAM_TYPE_VIDEO, codecId);
     const Property resize = ResizeSection(request, source);
     StreamSettler settler(format, formatTree, codec, P::KEY_FILTER_VIDEO_CODEC, request.video);
-    StreamPlan settled = settler.Settle(VideoStreamOf(source), {resize, FrameRateSection(request)});
+    StreamPlan settled = settler.Settle(VideoStreamOf(source, codecId), {resize, FrameRateSection(request)});
     settled.isVideo = true;
     settled.source = source.codecId + ", " + std::to_string(source.width) + "x" + std::to_string(source.height) + ", " +
                      FpsText({source.frameRate.numerator, source.frameRate.denominator}) + " fps";
@@ -531,10 +544,10 @@ void PlanAudio(Plan& plan, const Helper& format, const Property& formatTree) {
         return;
     }
     const AudioSource& source = *plan.input.audio;
-    const Helper codec = FindCodec(*format, plan.formatId, P::KEY_FILTER_AUDIO_CODEC, P::STREAM_TYPE_AUDIO,
-                                   CodecOf(*stream, P::KEY_FILTER_AUDIO_CODEC, request.audioCodec));
+    const std::string codecId = CodecOf(*stream, P::KEY_FILTER_AUDIO_CODEC, request.audioCodec);
+    const Helper codec = FindCodec(*format, plan.formatId, P::KEY_FILTER_AUDIO_CODEC, P::STREAM_TYPE_AUDIO, codecId);
     StreamSettler settler(format, formatTree, codec, P::KEY_FILTER_AUDIO_CODEC, request.audio);
-    StreamPlan settled = settler.Settle(AudioStreamOf(source), {ResampleSection(request)});
+    StreamPlan settled = settler.Settle(AudioStreamOf(source, codecId), {ResampleSection(request)});
     settled.source = source.codecId + ", " + std::to_string(source.sampleRate) + " Hz, " + source.layout;
     plan.job.audio = MakeAudioJob(settled.settled, source);
     plan.streams.push_back(std::move(settled));
