@@ -8,6 +8,8 @@ endif()
 add_library(norvex_options INTERFACE)
 target_compile_options(norvex_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    # A product and a sum fused into one rounding would break ties between distances differently from machine to machine.
+    -ffp-contract=off
     # What a thrown exception says of its file stays the same wherever it was built.
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(NORVEX_WERROR)

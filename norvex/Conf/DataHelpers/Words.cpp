@@ -6,6 +6,8 @@
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IPreset.h"
+#include "norvex/interfaces/Conf/LayoutRecord.h"
+#include "norvex/interfaces/Conf/SampleFmtRecord.h"
 #include "norvex/interfaces/Proc/IFilterFrameRate.h"
 #include "norvex/interfaces/Proc/IFilterResample.h"
 
@@ -40,6 +42,13 @@ Core::Property Tree(const std::string& name, std::initializer_list<Branch> branc
     Core::Property root(name);
     AddAll(root, branches);
     return root;
+}
+
+SP<IPropertyConstraint> OneOf(const long long* begin, const long long* end) {
+    PairList<long long> list;
+    list.reserve(static_cast<std::size_t>(end - begin));
+    for (; begin != end; ++begin) list.push_back(Pair(*begin));
+    return ConstraintSet::Create(list);
 }
 
 SP<IPropertyConstraint> Only(bool value) {
@@ -113,9 +122,30 @@ void AddRule(RuleList& rules, const std::string& firstPath, SP<IPropertyConstrai
                                                                              secondPath, std::move(secondConstraint)));
 }
 
+namespace {
+
+template <class Rules>
+auto FindRule(Rules& rules, const std::string& secondPath) {
+    return std::find_if(rules.begin(), rules.end(),
+                        [&secondPath](const auto& rule) { return rule.second->GetSecondPath() == secondPath; });
+}
+
+}  // namespace
+
 bool Speaks(const RuleList& rules, const std::string& secondPath) {
-    return std::any_of(rules.begin(), rules.end(),
-                       [&secondPath](const auto& rule) { return rule.second->GetSecondPath() == secondPath; });
+    return FindRule(rules, secondPath) != rules.end();
+}
+
+void Silence(RuleList& rules, const std::string& secondPath) {
+    if (const auto rule = FindRule(rules, secondPath); rule != rules.end()) rules.erase(rule);
+}
+
+int ChannelsOf(const Core::Property& stream) {
+    return LayoutRecord::Find(stream[A::TAG_LAYOUT].GetString()).channels;
+}
+
+int BitsPerSampleOf(const Core::Property& stream) {
+    return SampleFmtRecord::Find(stream[A::TAG_SAMPLE_FORMAT].GetString()).bits;
 }
 
 }  // namespace Norvex::Conf

@@ -58,9 +58,10 @@ SP<IPropertyConstraint> OneOf(const Name (&names)[N]) {
     for (const std::string& name : names) list.emplace_back(name, name);
     return ConstraintSet::Create(list);
 }
+SP<IPropertyConstraint> OneOf(const long long* begin, const long long* end);
 template <std::size_t N>
 SP<IPropertyConstraint> OneOf(const long long (&numbers)[N]) {
-    return ConstraintSet::Create(CreatePairValueList(numbers));
+    return OneOf(numbers, numbers + N);
 }
 /// The one boolean that is allowed.
 SP<IPropertyConstraint> Only(bool value);
@@ -103,5 +104,13 @@ void AddRule(RuleList& rules, const std::string& firstPath, SP<IPropertyConstrai
 /// Whether a rule of the list has that second path. A hand-written list that is only a fallback asks this after the
 /// encoder's rules have been added.
 bool Speaks(const RuleList& rules, const std::string& secondPath);
+
+/// Erases the first rule of the list that has that second path, if there is one. A hand-written list that overrules
+/// the encoder calls this before it adds its own rule.
+void Silence(RuleList& rules, const std::string& secondPath);
+
+/// What an audio stream's tree names, as numbers. Throw FormatException for a name without a record.
+int ChannelsOf(const Core::Property& stream);
+int BitsPerSampleOf(const Core::Property& stream);
 
 }  // namespace Norvex::Conf

@@ -1,23 +1,13 @@
 #pragma once
 
-#include "norvex/interfaces/Conf/IDataHelper.h"
+#include "norvex/Conf/DataHelpers/PlainHelper.h"
 
 /// The filter helpers. Keys of their constraints are relative to the filter's node.
 
 namespace Norvex::Conf {
 
-/// A filter helper that says nothing but its defaults, unless it overrides more.
-class NORVEX_API FilterHelper : public RefCounted<IDataHelper> {
-public:
-    void GetRequiredObjects(ObjectList& objects) const override;
-    void GetValidationRules(RuleList& rules) const override;
-    void GetConstraints(ConstraintMap& constraints) const override;
-    void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
-    void CorrectFormatCodec(Core::Property& tree) const override;
-};
-
 /// The filter that cuts sound into packets.
-class NORVEX_API DataHelperAudioFormatter final : public FilterHelper {
+class NORVEX_API DataHelperAudioFormatter final : public PlainHelper {
 public:
     static SP<IDataHelper> Create();
 
@@ -26,7 +16,7 @@ public:
 
 /// The resampler, where sample rate, layout and sample format of an audio stream stand. The rate -1 and the unknown
 /// layout keep what the source has.
-class NORVEX_API DataHelperAudioResample final : public FilterHelper {
+class NORVEX_API DataHelperAudioResample final : public PlainHelper {
 public:
     static SP<IDataHelper> Create();
 
@@ -37,7 +27,7 @@ public:
     void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
 };
 
-class NORVEX_API DataHelperAudioVolume final : public FilterHelper {
+class NORVEX_API DataHelperAudioVolume final : public PlainHelper {
 public:
     static SP<IDataHelper> Create();
 
@@ -46,7 +36,7 @@ public:
 };
 
 /// The frame rate filter.
-class NORVEX_API DataHelperVideoResample final : public FilterHelper {
+class NORVEX_API DataHelperVideoResample final : public PlainHelper {
 public:
     static SP<IDataHelper> Create();
 
@@ -57,7 +47,7 @@ public:
 };
 
 /// The resizer.
-class NORVEX_API DataHelperVideoResize final : public FilterHelper {
+class NORVEX_API DataHelperVideoResize final : public PlainHelper {
 public:
     static SP<IDataHelper> Create();
 

@@ -29,7 +29,32 @@ using Table = IDataHelper::DataHelperMap;
 // clang-format off
 Table AudioCodecs() {
     return {
-        {A::CODEC_ID_AAC, DataHelperAudioCodecAac::Create()},
+        {A::CODEC_ID_AUTO,       DataHelperAudioCodecEmpty::Create(A::CODEC_ID_AUTO)},
+        {A::CODEC_ID_AAC,        DataHelperAudioCodecAac::Create()},
+        {A::CODEC_ID_AC3,        DataHelperAudioCodecAc3::Create()},
+        {A::CODEC_ID_DTS,        DataHelperAudioCodecDTS::Create()},
+        {A::CODEC_ID_MP3,        DataHelperAudioCodecMp3::Create()},
+        {A::CODEC_ID_FLAC,       DataHelperAudioCodecFlac::Create()},
+        {A::CODEC_ID_ALAC,       DataHelperAudioCodecAlac::Create()},
+        {A::CODEC_ID_AMR_NB,     DataHelperAudioCodecAmrNB::Create()},
+        {A::CODEC_ID_WMAV2,      DataHelperAudioCodecWmav2::Create()},
+        {A::CODEC_ID_MP2,        DataHelperAudioCodecMp2::Create()},
+        {A::CODEC_ID_VORBIS,     DataHelperAudioCodecVorbis::Create()},
+        {A::CODEC_ID_PCM_U16BE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_U16BE)},
+        {A::CODEC_ID_PCM_U16LE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_U16LE)},
+        {A::CODEC_ID_PCM_U24BE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_U24BE)},
+        {A::CODEC_ID_PCM_U24LE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_U24LE)},
+        {A::CODEC_ID_PCM_U8,     DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_U8)},
+        {A::CODEC_ID_PCM_U32BE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_U32BE)},
+        {A::CODEC_ID_PCM_U32LE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_U32LE)},
+        {A::CODEC_ID_PCM_S16BE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_S16BE)},
+        {A::CODEC_ID_PCM_S16LE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_S16LE)},
+        {A::CODEC_ID_PCM_S24BE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_S24BE)},
+        {A::CODEC_ID_PCM_S24LE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_S24LE)},
+        {A::CODEC_ID_PCM_S8,     DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_S8)},
+        {A::CODEC_ID_PCM_S32BE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_S32BE)},
+        {A::CODEC_ID_PCM_S32LE,  DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_S32LE)},
+        {A::CODEC_ID_PCM_BLURAY, DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_BLURAY)},
     };
 }
 
