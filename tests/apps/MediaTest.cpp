@@ -1,0 +1,1442 @@
+#include "apps/norvex-export/Media.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <random>
+#include <set>
+#include <sstream>
+
+#include "support/MadeClip.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/pixdesc.h>
+}
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define NORVEX_HAS_LEAK_CHECK
+#endif
+#elif defined(__SANITIZE_ADDRESS__)
+#define NORVEX_HAS_LEAK_CHECK
+#endif
+
+#ifdef NORVEX_HAS_LEAK_CHECK
+/// x265 itself frees neither its copies of parameters nor what they hold.
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() {
+    return "leak:libx265\n";
+}
+#endif
+
+namespace {
+
+using namespace NorvexExport;
+using NorvexTest::ClipSpec;
+using NorvexTest::MakeClip;
+using testing::AllOf;
+using testing::Contains;
+using testing::Each;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace fs = std::filesystem;
+
+// ------------------------------------------------------------------------------------- reading an output
+
+struct Picture {
+    double time = 0;  ///< seconds
+    char type = '?';  ///< 'I', 'P' or 'B'
+    int width = 0;
+    int height = 0;
+    std::vector<int> luma;  ///< of 255, line by line
+
+    int At(int x, int y) const { return luma.at(static_cast<std::size_t>(y * width + x)); }
+    /// Mean over the lines from `first` to before `last` of one column.
+    double Column(int x, int first, int last) const {
+        double sum = 0;
+        for (int y = first; y < last; ++y) sum += At(x, y);
+        return sum / (last - first);
+    }
+    double Column(int x) const { return Column(x, 0, height); }
+    double Row(int y) const {
+        double sum = 0;
+        for (int x = 0; x < width; ++x) sum += At(x, y);
+        return sum / width;
+    }
+    double Mean() const {
+        double sum = 0;
+        for (const int value : luma) sum += value;
+        return sum / static_cast<double>(luma.size());
+    }
+};
+
+/// What a file holds, decoded without anything of the code that the tests are about.
+struct Content {
+    std::vector<Picture> pictures;
+    int sampleRate = 0;
+    double soundBegin = 0;      ///< seconds
+    std::vector<double> sound;  ///< of the first channel, -1 to 1
+    int extradataSize = 0;      ///< of the first stream, as the container gives it
+    int profile = -1;           ///< of the first stream
+    long long videoBytes = 0;
+    long long audioBytes = 0;
+
+    /// Seconds at which the pictures turn white, -1 where they never do.
+    double PictureMark() const {
+        for (const Picture& picture : pictures) {
+            if (picture.Column(picture.width / 2, picture.height / 4, picture.height * 3 / 4) > 190)
+                return picture.time;
+        }
+        return -1;
+    }
+    /// Seconds at which the sound turns loud.
+    double SoundMark() const {
+        for (std::size_t i = 0; i < sound.size(); ++i) {
+            if (std::abs(sound[i]) > 0.2) return soundBegin + static_cast<double>(i) / sampleRate;
+        }
+        return -1;
+    }
+    double SoundSeconds() const { return static_cast<double>(sound.size()) / sampleRate; }
+};
+
+struct Release {
+    void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
+    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+};
+
+double SampleAt(const AVFrame& frame, int index) {
+    const std::uint8_t* const data = frame.extended_data[0];
+    const auto format = static_cast<AVSampleFormat>(frame.format);
+    const int place = av_sample_fmt_is_planar(format) != 0 ? index : index * frame.ch_layout.nb_channels;
+    switch (av_get_packed_sample_fmt(format)) {
+        case AV_SAMPLE_FMT_FLT:
+            return static_cast<double>(reinterpret_cast<const float*>(data)[place]);
+        case AV_SAMPLE_FMT_S16:
+            return reinterpret_cast<const std::int16_t*>(data)[place] / 32768.0;
+        default:
+            throw std::runtime_error("a sample format that the tests do not read");
+    }
+}
+
+void AddSound(Content& content, const AVFrame& frame, double time) {
+    if (content.sound.empty()) content.soundBegin = time;
+    content.sampleRate = frame.sample_rate;
+    for (int i = 0; i < frame.nb_samples; ++i) content.sound.push_back(SampleAt(frame, i));
+}
+
+void AddPicture(Content& content, const AVFrame& frame, double time) {
+    const AVPixFmtDescriptor& descriptor = *av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+    Picture picture;
+    picture.time = time;
+    picture.type = av_get_picture_type_char(frame.pict_type);
+    picture.width = frame.width;
+    picture.height = frame.height;
+    std::vector<std::uint16_t> line(static_cast<std::size_t>(frame.width));
+    for (int y = 0; y < frame.height; ++y) {
+        av_read_image_line(line.data(), const_cast<const std::uint8_t**>(frame.data), frame.linesize, &descriptor, 0, y,
+                           0, frame.width, 0);
+        for (const std::uint16_t value : line) picture.luma.push_back(value >> (descriptor.comp[0].depth - 8));
+    }
+    content.pictures.push_back(std::move(picture));
+}
+
+Content ReadContent(const std::string& path) {
+    AVFormatContext* opened = nullptr;
+    if (avformat_open_input(&opened, path.c_str(), nullptr, nullptr) < 0) throw std::runtime_error("cannot open it");
+    const std::unique_ptr<AVFormatContext, Release> input(opened);
+    Content content;
+    if (input->nb_streams > 0) content.extradataSize = input->streams[0]->codecpar->extradata_size;
+    if (avformat_find_stream_info(input.get(), nullptr) < 0) throw std::runtime_error("cannot read it");
+    if (input->nb_streams > 0) content.profile = input->streams[0]->codecpar->profile;
+
+    std::vector<std::unique_ptr<AVCodecContext, Release>> decoders;
+    for (unsigned i = 0; i < input->nb_streams; ++i) {
+        const AVStream& stream = *input->streams[i];
+        const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
+        decoders.emplace_back(avcodec_alloc_context3(codec));
+        avcodec_parameters_to_context(decoders.back().get(), stream.codecpar);
+        decoders.back()->pkt_timebase = stream.time_base;
+        if (avcodec_open2(decoders.back().get(), codec, nullptr) < 0) throw std::runtime_error("cannot decode it");
+    }
+    const std::unique_ptr<AVFrame, Release> frame(av_frame_alloc());
+    const auto decode = [&](unsigned index, const AVPacket* packet) {
+        if (avcodec_send_packet(decoders[index].get(), packet) < 0) throw std::runtime_error("cannot decode it");
+        while (avcodec_receive_frame(decoders[index].get(), frame.get()) >= 0) {
+            const AVStream& stream = *input->streams[index];
+            const double time = static_cast<double>(frame->best_effort_timestamp) * av_q2d(stream.time_base);
+            const bool isVideo = stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
+            isVideo ? AddPicture(content, *frame, time) : AddSound(content, *frame, time);
+        }
+    };
+    const std::unique_ptr<AVPacket, Release> packet(av_packet_alloc());
+    while (av_read_frame(input.get(), packet.get()) >= 0) {
+        const auto index = static_cast<unsigned>(packet->stream_index);
+        const bool isVideo = input->streams[index]->codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
+        (isVideo ? content.videoBytes : content.audioBytes) += packet->size;
+        decode(index, packet.get());
+        av_packet_unref(packet.get());
+    }
+    for (unsigned i = 0; i < input->nb_streams; ++i) decode(i, nullptr);
+    return content;
+}
+
+// ------------------------------------------------------------------------------------------------ helpers
+
+void WriteFile(const std::string& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string ReadFile(const std::string& path) {
+    std::ostringstream bytes;
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
+    return bytes.str();
+}
+
+std::string RandomBytes(std::size_t count) {
+    std::mt19937 random(7);
+    std::string bytes;
+    while (bytes.size() < count) bytes += static_cast<char>(random() & 0xff);
+    return bytes;
+}
+
+void Ignore(const Progress& progress) {
+    (void)progress;
+}
+
+/// The message of the MediaError that `operation` throws; empty, with a failure of the test, if it throws none.
+template <class Operation>
+std::string MessageOf(Operation&& operation) {
+    try {
+        operation();
+    } catch (const MediaError& error) {
+        EXPECT_THAT(error.what(), Not(HasSubstr("\n")));
+        return error.what();
+    }
+    ADD_FAILURE() << "nothing was thrown";
+    return "";
+}
+
+/// Each test has a folder of its own, in which FFmpeg's and our own temporary files are made as well.
+class Media : public testing::Test {
+protected:
+    Media() {
+        std::string pattern = (fs::temp_directory_path() / "media-test-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("cannot make a folder");
+        m_folder = pattern;
+        fs::create_directory(m_folder / "temporary");
+        if (const char* const old = std::getenv("TMPDIR")) m_oldTemporary = old;
+        setenv("TMPDIR", (m_folder / "temporary").c_str(), 1);
+        av_log_set_level(AV_LOG_QUIET);
+    }
+    ~Media() override {
+        m_oldTemporary ? setenv("TMPDIR", m_oldTemporary->c_str(), 1) : unsetenv("TMPDIR");
+        std::error_code ignored;
+        fs::remove_all(m_folder, ignored);
+    }
+
+    std::string Path(const std::string& name) const { return (m_folder / name).string(); }
+
+    std::string Clip(const ClipSpec& spec = ClipSpec(), const std::string& name = "in.nut") const {
+        return MakeClip(Path(name), spec);
+    }
+
+    /// All files of the test's folder, temporary ones included.
+    std::set<std::string> Files() const {
+        std::set<std::string> files;
+        for (const auto& entry : fs::recursive_directory_iterator(m_folder)) {
+            if (!entry.is_directory() || entry.path().parent_path() != m_folder) files.insert(entry.path().string());
+        }
+        return files;
+    }
+
+    /// Both streams of the input as they are, to H.264 and AAC in MP4.
+    ExportJob JobFor(const std::string& input) const {
+        const InputInfo info = Probe(input);
+        ExportJob job;
+        job.inputPath = input;
+        job.outputPath = Path("out");
+        job.muxer = "mp4";
+        if (info.video) {
+            VideoJob& video = job.video.emplace();
+            video.streamIndex = info.video->streamIndex;
+            video.codecId = "h264";
+            video.width = info.video->width;
+            video.height = info.video->height;
+            video.sampleAspect = info.video->sampleAspect;
+            video.frameRate = info.video->frameRate;
+            video.scaler = "bicubic";
+            video.bitrate = 200000;
+            video.options = {{"preset", "ultrafast"}};
+        }
+        if (info.audio) {
+            AudioJob& audio = job.audio.emplace();
+            audio.streamIndex = info.audio->streamIndex;
+            audio.codecId = "aac";
+            audio.sampleRate = info.audio->sampleRate;
+            audio.layout = info.audio->layout;
+            audio.bitrate = 96000;
+        }
+        return job;
+    }
+
+    /// The same with the pictures only.
+    ExportJob VideoJobFor(const std::string& input, const std::string& codec, const std::string& muxer) const {
+        ExportJob job = JobFor(input);
+        job.audio.reset();
+        job.muxer = muxer;
+        job.video->codecId = codec;
+        if (codec != "h264" && codec != "hevc") job.video->options.clear();
+        return job;
+    }
+
+    /// The same with the sound only.
+    ExportJob AudioJobFor(const std::string& input, const std::string& codec, const std::string& muxer) const {
+        ExportJob job = JobFor(input);
+        job.video.reset();
+        job.muxer = muxer;
+        job.audio->codecId = codec;
+        return job;
+    }
+
+private:
+    fs::path m_folder;
+    std::optional<std::string> m_oldTemporary;
+};
+
+// ------------------------------------------------------------------------------------------------- Probe
+
+TEST_F(Media, ProbeDescribesBothStreams) {
+    ClipSpec spec;
+    spec.aspectX = 4;
+    spec.aspectY = 3;
+    const InputInfo info = Probe(Clip(spec));
+    EXPECT_EQ(info.path, Path("in.nut"));
+    EXPECT_EQ(info.container, "nut");
+    EXPECT_NEAR(info.duration, 0.8, 0.05);
+
+    ASSERT_TRUE(info.video);
+    EXPECT_EQ(info.video->streamIndex, 0);
+    EXPECT_EQ(info.video->codecId, "rawvideo");
+    EXPECT_EQ(info.video->width, 64);
+    EXPECT_EQ(info.video->height, 48);
+    EXPECT_EQ(info.video->sampleAspect.numerator, 4);
+    EXPECT_EQ(info.video->sampleAspect.denominator, 3);
+    EXPECT_EQ(info.video->frameRate.numerator, 25);
+    EXPECT_EQ(info.video->frameRate.denominator, 1);
+    EXPECT_EQ(info.video->pixelFormat, "yuv420p");
+    EXPECT_FALSE(info.video->isAttachedPicture);
+
+    ASSERT_TRUE(info.audio);
+    EXPECT_EQ(info.audio->streamIndex, 1);
+    EXPECT_EQ(info.audio->codecId, "pcm_s16le");
+    EXPECT_EQ(info.audio->sampleRate, 48000);
+    EXPECT_EQ(info.audio->channels, 2);
+    EXPECT_EQ(info.audio->layout, "stereo");
+    EXPECT_EQ(info.audio->sampleFormat, "s16");
+}
+
+TEST_F(Media, ProbeFillsInWhatTheInputDoesNotSay) {
+    ClipSpec spec;
+    spec.layout = "5.1";  // of which this container keeps the count only
+    const InputInfo info = Probe(Clip(spec));
+    EXPECT_EQ(info.video->sampleAspect.numerator, 1);
+    EXPECT_EQ(info.video->sampleAspect.denominator, 1);
+    EXPECT_EQ(info.audio->channels, 6);
+    EXPECT_EQ(info.audio->layout, "5.1");
+}
+
+TEST_F(Media, ProbeLeavesOutTheStreamThatIsNotThere) {
+    ClipSpec silent;
+    silent.soundSeconds = 0;
+    EXPECT_FALSE(Probe(Clip(silent)).audio);
+    ClipSpec blind;
+    blind.frames = 0;
+    EXPECT_FALSE(Probe(Clip(blind)).video);
+}
+
+TEST_F(Media, ProbeTakesACoverOnlyWhereThereIsNoOtherPicture) {
+    ClipSpec spec;
+    spec.muxer = "matroska";
+    spec.coverPicture = true;
+    const InputInfo both = Probe(Clip(spec, "both.mkv"));
+    ASSERT_TRUE(both.video);
+    EXPECT_EQ(both.video->codecId, "rawvideo");
+    EXPECT_FALSE(both.video->isAttachedPicture);
+
+    spec.frames = 0;
+    const InputInfo cover = Probe(Clip(spec, "cover.mkv"));
+    ASSERT_TRUE(cover.video);
+    EXPECT_EQ(cover.video->codecId, "png");
+    EXPECT_EQ(cover.video->width, 32);
+    EXPECT_TRUE(cover.video->isAttachedPicture);
+    EXPECT_EQ(cover.video->frameRate.numerator, 25);
+    EXPECT_EQ(cover.video->frameRate.denominator, 1);
+}
+
+TEST_F(Media, ProbeSaysWhyAFileCannotBeOpened) {
+    std::string text;
+    for (int i = 0; i < 200; ++i) text += "Dear diary, today I wrote one more line.\n";
+    const struct {
+        const char* name;
+        std::optional<std::string> bytes;
+        const char* reason;
+    } table[] = {
+        {"missing.mp4", std::nullopt, "No such file or directory"},
+        {"no/such/folder.mp4", std::nullopt, "No such file or directory"},
+        {"", std::nullopt, "Is a directory"},
+        {"empty.mp4", "", "Invalid data found when processing input"},
+        {"garbage.mp4", RandomBytes(20000), "Invalid data found when processing input"},
+        {"garbage", RandomBytes(20000), ""},
+        {"garbage.mp3", RandomBytes(20000), ""},
+        {"zeros.wav", std::string(20000, '\0'), ""},
+        {"notes.txt", text, "neither pictures nor sound"},
+        {"titles.srt", "1\n00:00:00,000 --> 00:00:01,000\nHello\n", "neither pictures nor sound"},
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.name);
+        const std::string path = Path(row.name);
+        if (row.bytes) WriteFile(path, *row.bytes);
+        const std::string message = MessageOf([&] { Probe(path); });
+        EXPECT_THAT(message, HasSubstr("'" + path + "'"));
+        EXPECT_THAT(message, HasSubstr(row.reason));
+    }
+}
+
+TEST_F(Media, MessagesKeepToOneLine) {
+    EXPECT_THAT(MessageOf([&] { Probe(Path("two\nlines.mp4")); }), HasSubstr("two?lines.mp4"));
+}
+
+TEST_F(Media, ProbeSaysThatAFileIsNotReadable) {
+    if (geteuid() == 0) GTEST_SKIP() << "root reads everything";
+    const std::string path = Clip();
+    fs::permissions(path, fs::perms::none);
+    EXPECT_THAT(MessageOf([&] { Probe(path); }), HasSubstr("Permission denied"));
+}
+
+/// The folder that names without one are in.
+class WorkingFolder {
+public:
+    explicit WorkingFolder(const fs::path& folder) : m_old(fs::current_path()) { fs::current_path(folder); }
+    WorkingFolder(const WorkingFolder&) = delete;
+    WorkingFolder& operator=(const WorkingFolder&) = delete;
+    ~WorkingFolder() { fs::current_path(m_old); }
+
+private:
+    fs::path m_old;
+};
+
+TEST_F(Media, NamesAreFilesWhateverProtocolTheyLookLike) {
+    Clip(ClipSpec(), "pipe:0");
+    const WorkingFolder folder(Path(""));
+    ExportJob job = JobFor("pipe:0");
+    job.outputPath = "pipe:1";
+    RunExport(job, Ignore);
+    EXPECT_TRUE(fs::exists(Path("pipe:1")));
+    EXPECT_TRUE(Probe("pipe:1").video);
+    EXPECT_THAT(MessageOf([] { Probe("http://127.0.0.1/clip.mp4"); }), HasSubstr("No such file or directory"));
+}
+
+TEST_F(Media, ProbeTakesTheStreamThatAPlayerWould) {
+    ClipSpec spec;
+    spec.hasSecondVideo = true;
+    const InputInfo info = Probe(Clip(spec));
+    EXPECT_EQ(info.video->streamIndex, 1);
+    EXPECT_EQ(info.video->width, spec.width);
+    EXPECT_EQ(info.audio->streamIndex, 2);
+}
+
+// ------------------------------------------------------------------------------------- what comes out of it
+
+TEST_F(Media, ExportsH264AndAacToMp4) {
+    ClipSpec spec;
+    spec.aspectX = 4;
+    spec.aspectY = 3;
+    const ExportJob job = JobFor(Clip(spec));
+    const ExportResult result = RunExport(job, Ignore);
+    EXPECT_EQ(result.videoFrames, 20);
+    EXPECT_NEAR(static_cast<double>(result.audioSamples), 0.8 * 48000, 1024);
+    EXPECT_NEAR(result.duration, 0.8, 0.04);
+    EXPECT_EQ(result.bytes, fs::file_size(job.outputPath));
+
+    const InputInfo info = Probe(job.outputPath);
+    EXPECT_THAT(info.container, HasSubstr("mp4"));
+    EXPECT_NEAR(info.duration, 0.8, 0.08);
+    EXPECT_EQ(info.video->codecId, "h264");
+    EXPECT_EQ(info.video->width, 64);
+    EXPECT_EQ(info.video->height, 48);
+    EXPECT_EQ(info.video->sampleAspect.numerator, 4);
+    EXPECT_EQ(info.video->sampleAspect.denominator, 3);
+    EXPECT_EQ(info.video->frameRate.numerator, 25);
+    EXPECT_EQ(info.video->frameRate.denominator, 1);
+    EXPECT_EQ(info.audio->codecId, "aac");
+    EXPECT_EQ(info.audio->sampleRate, 48000);
+    EXPECT_EQ(info.audio->layout, "stereo");
+
+    const Content content = ReadContent(job.outputPath);
+    EXPECT_EQ(content.pictures.size(), 20u);
+    EXPECT_NEAR(content.pictures.front().Column(2), ClipSpec::RAMP_LEFT, 12);
+    EXPECT_NEAR(content.pictures.front().Column(61), ClipSpec::RAMP_RIGHT, 12);
+    EXPECT_NEAR(content.pictures.back().time, 19 / 25.0, 0.001);
+}
+
+TEST_F(Media, ExportsToOtherContainersAndCodecs) {
+    const struct {
+        const char* muxer;
+        const char* video;  ///< null for none
+        const char* audio;  ///< null for none
+        int sampleRate = 48000;
+        const char* layout = "stereo";
+        const char* sampleFormat = "";
+    } table[] = {
+        {"matroska", "hevc", "opus"},
+        {"webm", "vp8", "vorbis"},
+        {"avi", "mpeg4", "mp3", 44100, "mono", "s16p"},
+        {"mpegts", "mpeg2video", "mp2"},
+        {"mpeg", "mpeg1video", "mp2", 44100},
+        {"mov", "mjpeg", "pcm_s16le", 22050, "mono", "s16"},
+        {"flv", "flv1", "mp3", 44100},
+        {"asf", "wmv2", "wmav2"},
+        {"mp4", "h264", nullptr},
+        {"ipod", nullptr, "aac", 32000, "5.1"},
+        {"wav", nullptr, "pcm_s16le"},
+    };
+    const std::string input = Clip();
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.muxer);
+        ExportJob job = JobFor(input);
+        job.muxer = row.muxer;
+        job.video->codecId = row.video != nullptr ? row.video : "";
+        job.video->options.clear();
+        job.audio->codecId = row.audio != nullptr ? row.audio : "";
+        job.audio->sampleRate = row.sampleRate;
+        job.audio->layout = row.layout;
+        job.audio->sampleFormat = row.sampleFormat;
+        if (row.video == nullptr) job.video.reset();
+        if (row.audio == nullptr) job.audio.reset();
+        const ExportResult result = RunExport(job, Ignore);
+        EXPECT_EQ(result.videoFrames, row.video != nullptr ? 20 : 0);
+        EXPECT_EQ(result.audioSamples > 0, row.audio != nullptr);
+
+        const InputInfo info = Probe(job.outputPath);
+        const Content content = ReadContent(job.outputPath);
+        EXPECT_NEAR(info.duration, 0.8, 0.1);
+        ASSERT_EQ(info.video.has_value(), row.video != nullptr);
+        ASSERT_EQ(info.audio.has_value(), row.audio != nullptr);
+        if (info.video) {
+            EXPECT_EQ(info.video->codecId, row.video);
+            EXPECT_EQ(info.video->width, 64);
+            EXPECT_EQ(info.video->height, 48);
+            EXPECT_EQ(info.video->frameRate.numerator, 25 * info.video->frameRate.denominator);
+            EXPECT_EQ(content.pictures.size(), 20u);
+        }
+        if (info.audio) {
+            EXPECT_EQ(info.audio->codecId, row.audio);
+            EXPECT_EQ(info.audio->sampleRate, row.sampleRate);
+            EXPECT_EQ(info.audio->layout, row.layout);
+            // Codecs in blocks fill up the last one, and some of these containers do not say by how much.
+            EXPECT_NEAR(content.SoundSeconds(), 0.8, 0.1);
+        }
+    }
+}
+
+TEST_F(Media, ReadsPlainYuv4Mpeg) {
+    std::string bytes = "YUV4MPEG2 W32 H16 F10:1 Ip A1:1 C420jpeg\n";
+    for (int i = 0; i < 5; ++i) bytes += "FRAME\n" + std::string(32 * 16, '\x64') + std::string(32 * 16 / 2, '\x80');
+    WriteFile(Path("in.y4m"), bytes);
+    const ExportJob job = JobFor(Path("in.y4m"));
+    ASSERT_FALSE(job.audio);
+    RunExport(job, Ignore);
+    const InputInfo info = Probe(job.outputPath);
+    EXPECT_EQ(info.video->width, 32);
+    EXPECT_EQ(info.video->height, 16);
+    EXPECT_EQ(info.video->frameRate.numerator, 10 * info.video->frameRate.denominator);
+    const Content content = ReadContent(job.outputPath);
+    ASSERT_EQ(content.pictures.size(), 5u);
+    EXPECT_NEAR(content.pictures[2].Mean(), 0x64, 3);
+}
+
+TEST_F(Media, ReadsPlainWave) {
+    const auto number = [](std::uint32_t value, int bytes) {
+        std::string text;
+        for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> (8 * i) & 0xff);
+        return text;
+    };
+    const std::string samples(2 * 8000, '\x10');
+    WriteFile(Path("in.wav"), "RIFF" + number(36 + 16000, 4) + "WAVEfmt " + number(16, 4) + number(1, 2) +
+                                  number(1, 2) + number(8000, 4) + number(16000, 4) + number(2, 2) + number(16, 2) +
+                                  "data" + number(16000, 4) + samples);
+    ExportJob job = AudioJobFor(Path("in.wav"), "pcm_s16le", "wav");
+    EXPECT_EQ(job.audio->layout, "mono");
+    RunExport(job, Ignore);
+    const Content content = ReadContent(job.outputPath);
+    ASSERT_EQ(content.sound.size(), 8000u);
+    EXPECT_THAT(content.sound, Each(0x1010 / 32768.0));
+}
+
+TEST_F(Media, StreamsBeginTogetherAndStayInStep) {
+    const struct {
+        const char* name;
+        double startTime, videoDelay, audioDelay;
+    } table[] = {
+        {"from 0", 0, 0, 0},
+        {"from 5 s", 5, 0, 0},
+        {"late pictures", 5, 0.2, 0},
+        {"late sound", 5, 0, 0.2},
+    };
+    for (const auto& row : table) {
+        for (const char* const muxer : {"mp4", "matroska"}) {
+            SCOPED_TRACE(std::string(row.name) + " " + muxer);
+            ClipSpec spec;
+            spec.startTime = row.startTime;
+            spec.videoDelay = row.videoDelay;
+            spec.audioDelay = row.audioDelay;
+            ExportJob job = JobFor(Clip(spec));
+            job.muxer = muxer;
+            const ExportResult result = RunExport(job, Ignore);
+            EXPECT_NEAR(static_cast<double>(result.videoFrames) / 25, 0.8 + row.videoDelay, 0.041);
+            const Content content = ReadContent(job.outputPath);
+            EXPECT_NEAR(content.pictures.front().time, 0, 0.041);
+            EXPECT_NEAR(content.soundBegin, 0, 0.03);
+            // A container that cannot say that an encoder's first samples are to be skipped moves both streams.
+            EXPECT_NEAR(content.PictureMark(), 0.4, 0.041);
+            EXPECT_NEAR(content.SoundMark(), 0.4, 0.03);
+            EXPECT_NEAR(content.SoundMark(), content.PictureMark(), 0.021);
+        }
+    }
+}
+
+TEST_F(Media, GapsInTheSoundBecomeSilence) {
+    ClipSpec spec;
+    spec.gapBegin = 0.1;
+    spec.gapEnd = 0.3;
+    const ExportJob job = AudioJobFor(Clip(spec), "pcm_s16le", "wav");
+    RunExport(job, Ignore);
+    const Content content = ReadContent(job.outputPath);
+    EXPECT_NEAR(content.SoundSeconds(), 0.8, 0.01);
+    EXPECT_NEAR(content.SoundMark(), 0.4, 0.005);
+    const auto loudest = [&](double begin, double end) {
+        const auto at = [&](double time) { return content.sound.begin() + std::lround(time * content.sampleRate); };
+        return *std::max_element(at(begin), at(end));
+    };
+    EXPECT_GT(loudest(0.02, 0.08), 0.005);
+    EXPECT_LT(loudest(0.12, 0.28), 0.001);
+    EXPECT_GT(loudest(0.32, 0.38), 0.005);
+}
+
+TEST_F(Media, FramesAreRepeatedOrLeftOutToMeetTheRate) {
+    const struct {
+        Fraction rate;
+        std::size_t frames;
+    } table[] = {{{25, 1}, 20}, {{50, 1}, 40}, {{25, 2}, 10}, {{30000, 1001}, 24}};
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.frames);
+        ExportJob job = JobFor(Clip());
+        job.video->frameRate = row.rate;
+        RunExport(job, Ignore);
+        const Content content = ReadContent(job.outputPath);
+        const double interval = static_cast<double>(row.rate.denominator) / row.rate.numerator;
+        EXPECT_EQ(content.pictures.size(), row.frames);
+        EXPECT_NEAR(content.PictureMark(), 0.4, interval + 0.001);
+        for (std::size_t i = 0; i < content.pictures.size(); ++i) {
+            EXPECT_NEAR(content.pictures[i].time, static_cast<double>(i) * interval, 0.001);
+        }
+    }
+}
+
+TEST_F(Media, UnsteadyPicturesBecomeSteady) {
+    ClipSpec spec;
+    spec.frameTimes = {0, 0.013, 0.2, 0.23, 0.41, 0.6};
+    spec.frames = static_cast<int>(spec.frameTimes.size());
+    ExportJob job = JobFor(Clip(spec));
+    job.video->frameRate = {25, 1};
+    RunExport(job, Ignore);
+    const Content content = ReadContent(job.outputPath);
+    ASSERT_GE(content.pictures.size(), 16u);
+    for (std::size_t i = 0; i < content.pictures.size(); ++i) {
+        EXPECT_NEAR(content.pictures[i].time, static_cast<double>(i) / 25, 0.001);
+    }
+    EXPECT_NEAR(content.PictureMark(), 0.41, 0.041);
+    EXPECT_LT(content.pictures[15].Mean(), 150) << "the mark ends at 0.6 s";
+}
+
+/// The bars around a picture, in pixels.
+struct Bars {
+    int left = 0;
+    int right = 0;
+    int top = 0;
+    int bottom = 0;
+};
+
+Bars BarsOf(const Picture& picture) {
+    constexpr double dark = 30;
+    Bars bars;
+    while (bars.left < picture.width && picture.Column(bars.left) < dark) ++bars.left;
+    while (bars.right < picture.width && picture.Column(picture.width - 1 - bars.right) < dark) ++bars.right;
+    while (bars.top < picture.height && picture.Row(bars.top) < dark) ++bars.top;
+    while (bars.bottom < picture.height && picture.Row(picture.height - 1 - bars.bottom) < dark) ++bars.bottom;
+    return bars;
+}
+
+TEST_F(Media, FitsPicturesIntoOtherShapes) {
+    const struct {
+        const char* name;
+        int width, height;  ///< of the source
+        int aspectX, aspectY;
+        Fit fit;
+        int targetWidth, targetHeight;
+        Bars bars;
+        int left, right;  ///< luma at the edges of the picture, of the ramp
+    } table[] = {
+        {"wide between bars", 96, 48, 1, 1, Fit::Letterbox, 64, 64, {0, 0, 16, 16}, 50, 130},
+        {"tall between bars", 48, 96, 1, 1, Fit::Letterbox, 64, 64, {16, 16, 0, 0}, 50, 130},
+        {"odd bars", 100, 48, 1, 1, Fit::Letterbox, 64, 64, {0, 0, 16, 18}, 50, 130},
+        {"same shape between bars", 96, 48, 1, 1, Fit::Letterbox, 64, 32, {}, 50, 130},
+        {"wide pixels between bars", 48, 48, 2, 1, Fit::Letterbox, 64, 64, {0, 0, 16, 16}, 50, 130},
+        {"wide cropped", 96, 48, 1, 1, Fit::Crop, 64, 64, {}, 70, 110},
+        {"tall cropped", 48, 96, 1, 1, Fit::Crop, 64, 64, {}, 50, 130},
+        {"wide stretched", 96, 48, 1, 1, Fit::Stretch, 64, 64, {}, 50, 130},
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.name);
+        ClipSpec spec;
+        spec.frames = 2;
+        spec.soundSeconds = 0;
+        spec.width = row.width;
+        spec.height = row.height;
+        spec.aspectX = row.aspectX;
+        spec.aspectY = row.aspectY;
+        ExportJob job = VideoJobFor(Clip(spec), "h264", "mp4");
+        job.video->width = row.targetWidth;
+        job.video->height = row.targetHeight;
+        job.video->sampleAspect = {1, 1};
+        job.video->fit = row.fit;
+        job.video->rateControl = RateControl::Quality;
+        job.video->quality = 5;
+        RunExport(job, Ignore);
+
+        const InputInfo info = Probe(job.outputPath);
+        EXPECT_EQ(info.video->width, row.targetWidth);
+        EXPECT_EQ(info.video->height, row.targetHeight);
+        EXPECT_EQ(info.video->sampleAspect.numerator, info.video->sampleAspect.denominator);
+        const Picture picture = ReadContent(job.outputPath).pictures.at(0);
+        const Bars bars = BarsOf(picture);
+        EXPECT_NEAR(bars.left, row.bars.left, 1);
+        EXPECT_NEAR(bars.right, row.bars.right, 1);
+        EXPECT_NEAR(bars.top, row.bars.top, 1);
+        EXPECT_NEAR(bars.bottom, row.bars.bottom, 1);
+        const int top = row.bars.top + 2;
+        const int bottom = row.targetHeight - row.bars.bottom - 2;
+        EXPECT_NEAR(picture.Column(row.bars.left + 2, top, bottom), row.left, 9);
+        EXPECT_NEAR(picture.Column(row.targetWidth - row.bars.right - 3, top, bottom), row.right, 9);
+    }
+}
+
+TEST_F(Media, BarsAreEvenWhereTheyNeedNotBe) {
+    ClipSpec spec;
+    spec.frames = 1;
+    spec.soundSeconds = 0;
+    spec.width = 100;
+    spec.pixelFormat = "yuv444p";
+    ExportJob job = VideoJobFor(Clip(spec), "ffv1", "matroska");
+    job.video->width = job.video->height = 64;
+    job.video->fit = Fit::Letterbox;
+    RunExport(job, Ignore);
+    const Bars bars = BarsOf(ReadContent(job.outputPath).pictures.at(0));
+    EXPECT_EQ(bars.top, 16);
+    EXPECT_EQ(bars.bottom, 18);
+}
+
+TEST_F(Media, TheOutputsPixelShapeCountsForTheFit) {
+    ClipSpec spec;
+    spec.frames = 2;
+    spec.soundSeconds = 0;
+    spec.width = 96;
+    ExportJob job = VideoJobFor(Clip(spec), "h264", "mp4");
+    job.video->width = 48;
+    job.video->sampleAspect = {2, 1};
+    job.video->fit = Fit::Letterbox;
+    RunExport(job, Ignore);
+    const InputInfo info = Probe(job.outputPath);
+    EXPECT_EQ(info.video->width, 48);
+    EXPECT_EQ(info.video->sampleAspect.numerator, 2);
+    EXPECT_EQ(info.video->sampleAspect.denominator, 1);
+    const Bars bars = BarsOf(ReadContent(job.outputPath).pictures.at(0));
+    EXPECT_EQ(bars.left + bars.right + bars.top + bars.bottom, 0);
+}
+
+TEST_F(Media, EveryScalerIsUnderstood) {
+    const std::string input = Clip();
+    std::set<std::string> outputs;
+    for (const char* const scaler : {"neighbor", "fast_bilinear", "bilinear", "bicubic"}) {
+        SCOPED_TRACE(scaler);
+        ExportJob job = VideoJobFor(input, "ffv1", "matroska");
+        job.video->width = 34;
+        job.video->height = 26;
+        job.video->scaler = scaler;
+        RunExport(job, Ignore);
+        const std::vector<int> luma = ReadContent(job.outputPath).pictures.at(0).luma;
+        outputs.insert(std::string(luma.begin(), luma.end()));
+    }
+    EXPECT_EQ(outputs.size(), 4u);
+    ExportJob job = VideoJobFor(input, "ffv1", "matroska");
+    job.video->scaler = "magic";
+    EXPECT_THAT(MessageOf([&] { RunExport(job, Ignore); }), HasSubstr("magic"));
+}
+
+TEST_F(Media, ChoosesThePixelFormat) {
+    const struct {
+        const char* source;
+        const char* codec;
+        const char* profile;  ///< null for none
+        const char* expected;
+    } table[] = {
+        {"yuv444p", "h264", "baseline", "yuv420p"},   {"yuv444p", "h264", "main", "yuv420p"},
+        {"yuv444p", "h264", "high", "yuv420p"},       {"yuv420p", "h264", "high10", "yuv420p10le"},
+        {"yuv420p", "h264", "high422", "yuv422p"},    {"yuv420p", "h264", "high444", "yuv444p"},
+        {"yuv422p", "h264", nullptr, "yuv422p"},      {"yuv444p", "hevc", "main", "yuv420p"},
+        {"yuv420p", "hevc", "main10", "yuv420p10le"}, {"yuv444p", "mpeg4", nullptr, "yuv420p"},
+        {"rgb24", "mpeg4", nullptr, "yuv420p"},       {"rgb24", "png", nullptr, "rgb24"},
+        {"yuv422p", "ffv1", nullptr, "yuv422p"},      {"yuv420p", "mjpeg", nullptr, "yuvj420p"},
+        {"yuv422p", "mjpeg", nullptr, "yuvj422p"},
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(std::string(row.source) + " to " + row.codec + " " + (row.profile != nullptr ? row.profile : ""));
+        ClipSpec spec;
+        spec.frames = 3;
+        spec.soundSeconds = 0;
+        spec.pixelFormat = row.source;
+        ExportJob job = VideoJobFor(Clip(spec), row.codec, "matroska");
+        job.video->options.clear();
+        if (row.profile != nullptr) job.video->options.emplace_back("profile", row.profile);
+        RunExport(job, Ignore);
+        EXPECT_EQ(Probe(job.outputPath).video->pixelFormat, row.expected);
+    }
+}
+
+TEST_F(Media, ConvertsTheRangeOfTheColours) {
+    const double limited = 16 + ClipSpec::RAMP_LEFT * 219 / 255.0;
+    const double full = (ClipSpec::RAMP_LEFT - 16) * 255 / 219.0;
+    const struct {
+        const char* source;
+        bool isFullRange;
+        const char* codec;
+        double left;
+        double white;
+    } table[] = {
+        {"yuv420p", true, "mpeg4", limited, 235}, {"yuv420p", false, "mpeg4", ClipSpec::RAMP_LEFT, 255},
+        {"yuv420p", false, "mjpeg", full, 255},   {"yuv420p", true, "mjpeg", ClipSpec::RAMP_LEFT, 255},
+        {"rgb24", false, "mpeg4", limited, 235},
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(std::string(row.source) + (row.isFullRange ? " of full range to " : " to ") + row.codec);
+        ClipSpec spec;
+        spec.muxer = row.isFullRange ? "matroska" : "nut";
+        spec.soundSeconds = 0;
+        spec.pixelFormat = row.source;
+        spec.isFullRange = row.isFullRange;
+        ExportJob job = VideoJobFor(Clip(spec), row.codec, "matroska");
+        job.video->rateControl = RateControl::Quality;
+        job.video->quality = 1;
+        RunExport(job, Ignore);
+        const Content content = ReadContent(job.outputPath);
+        EXPECT_NEAR(content.pictures.front().Column(1), row.left, 4);
+        EXPECT_NEAR(content.pictures.at(12).Mean(), row.white, 2);
+
+        ExportJob back = VideoJobFor(job.outputPath, "ffv1", "matroska");
+        back.outputPath = Path("back.mkv");
+        RunExport(back, Ignore);
+        const double expected = row.codec == std::string("mjpeg") ? 16 + row.left * 219 / 255 : row.left;
+        EXPECT_NEAR(ReadContent(back.outputPath).pictures.front().Column(1), expected, 4);
+        EXPECT_EQ(Probe(back.outputPath).video->pixelFormat, "yuv420p");
+    }
+}
+
+TEST_F(Media, ChannelsAreMixed) {
+    ClipSpec spec;
+    spec.frames = 0;
+    spec.layout = "5.1";
+    ExportJob job = AudioJobFor(Clip(spec), "pcm_s16le", "wav");
+    job.audio->layout = "stereo";
+    RunExport(job, Ignore);
+    EXPECT_EQ(Probe(job.outputPath).audio->channels, 2);
+    const Content content = ReadContent(job.outputPath);
+    EXPECT_NEAR(content.SoundSeconds(), 0.8, 0.01);
+    EXPECT_NEAR(content.SoundMark(), 0.4, 0.01);
+}
+
+TEST_F(Media, ProfilesAreTaken) {
+    const struct {
+        const char* codec;
+        const char* profile;
+        int number;  ///< as the standards count them: the object type less one for AAC, profile_idc for H.264
+    } table[] = {{"aac", "aac_low", 1}, {"aac", "aac_main", 0}, {"h264", "main", 77}, {"h264", "high", 100}};
+    const std::string input = Clip();
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.profile);
+        const bool isVideo = std::string(row.codec) == "h264";
+        ExportJob job = isVideo ? VideoJobFor(input, row.codec, "mp4") : AudioJobFor(input, row.codec, "mp4");
+        (isVideo ? job.video->options : job.audio->options) = {{"profile", row.profile}};
+        RunExport(job, Ignore);
+        EXPECT_EQ(ReadContent(job.outputPath).profile, row.number);
+    }
+}
+
+TEST_F(Media, FrameTypesAreHeeded) {
+    for (const int bFrames : {0, 2}) {
+        SCOPED_TRACE(bFrames);
+        ExportJob job = VideoJobFor(Clip(), "h264", "matroska");
+        job.video->keyFrameInterval = 5;
+        job.video->maxBFrames = bFrames;
+        job.video->options = {{"preset", "fast"}, {"sc_threshold", "0"}, {"b_strategy", "0"}};
+        RunExport(job, Ignore);
+        const Content content = ReadContent(job.outputPath);
+        std::string types;
+        for (const Picture& picture : content.pictures) types += picture.type;
+        EXPECT_EQ(types, bFrames == 0 ? "IPPPPIPPPPIPPPPIPPPP" : "IBBPPIBBPPIBBPPIBBPP");
+    }
+}
+
+TEST_F(Media, TheEncoderIsToldItsThreadsAndBounds) {
+    // x264 writes its settings into the stream.
+    ExportJob job = VideoJobFor(Clip(), "h264", "matroska");
+    job.video->threads = 3;
+    job.video->bitrate = 321000;
+    RunExport(job, Ignore);
+    const std::string bitrate = ReadFile(job.outputPath);
+    for (const char* const part : {" threads=3 ", " bitrate=321 ", " vbv_maxrate=321 ", " vbv_bufsize=321 "}) {
+        EXPECT_TRUE(bitrate.find(part) != std::string::npos) << part;
+    }
+    job.video->rateControl = RateControl::Quality;
+    job.video->quality = 33;
+    RunExport(job, Ignore);
+    const std::string quality = ReadFile(job.outputPath);
+    EXPECT_TRUE(quality.find(" crf=33.0 ") != std::string::npos);
+    EXPECT_TRUE(quality.find(" vbv_maxrate=") == std::string::npos);
+}
+
+TEST_F(Media, TheHeaderGoesWhereTheContainerWantsIt) {
+    for (const bool globalHeader : {false, true}) {
+        ExportJob job = VideoJobFor(Clip(), "mpeg4", "avi");
+        job.globalHeader = globalHeader;
+        RunExport(job, Ignore);
+        EXPECT_EQ(ReadContent(job.outputPath).extradataSize > 0, globalHeader);
+    }
+}
+
+// ---------------------------------------------------------------------------------------------- rate control
+
+TEST_F(Media, ABetterQualityTakesMoreBytes) {
+    const struct {
+        const char* muxer;
+        const char* video;  ///< null where it is the sound
+        const char* audio;
+        int better, worse;
+    } table[] = {
+        {"mp4", "h264", nullptr, 10, 40}, {"mp4", "hevc", nullptr, 10, 40},         {"webm", "vp8", nullptr, 5, 50},
+        {"webm", "vp9", nullptr, 5, 50},  {"mpegts", "mpeg2video", nullptr, 2, 31}, {"avi", "mpeg4", nullptr, 2, 31},
+        {"avi", "mjpeg", nullptr, 2, 31}, {"flv", "flv1", nullptr, 2, 31},          {"asf", "wmv2", nullptr, 2, 31},
+        {"mp3", nullptr, "mp3", 1, 9},
+    };
+    const std::string input = Clip();
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.video != nullptr ? row.video : row.audio);
+        const auto bytes = [&](int quality) {
+            ExportJob job = row.video != nullptr ? VideoJobFor(input, row.video, row.muxer)
+                                                 : AudioJobFor(input, row.audio, row.muxer);
+            if (job.video) {
+                job.video->rateControl = RateControl::Quality;
+                job.video->quality = quality;
+                job.video->bitrate = 1000;  // which must not count
+            } else {
+                job.audio->rateControl = RateControl::Quality;
+                job.audio->quality = quality;
+            }
+            RunExport(job, Ignore);
+            const Content content = ReadContent(job.outputPath);
+            return static_cast<double>(content.videoBytes + content.audioBytes);
+        };
+        const double worse = bytes(row.worse);
+        EXPECT_GT(bytes(row.better), 1.3 * worse);
+        EXPECT_NEAR(bytes(51), worse, worse) << "past the end of the scale";
+    }
+}
+
+TEST_F(Media, TheBitrateIsHeld) {
+    const struct {
+        const char* codec;
+        const char* muxer;
+        bool twoPass;
+    } table[] = {
+        {"h264", "mp4", false}, {"h264", "mp4", true}, {"hevc", "mp4", false},         {"hevc", "mp4", true},
+        {"mpeg4", "avi", true}, {"vp8", "webm", true}, {"mpeg2video", "mpegts", true},
+    };
+    ClipSpec spec;
+    spec.frames = 24;
+    spec.width = 160;
+    spec.height = 120;
+    spec.soundSeconds = 0;
+    const std::string input = Clip(spec);
+    for (const auto& row : table) {
+        SCOPED_TRACE(std::string(row.codec) + (row.twoPass ? " in two passes" : ""));
+        const auto bitrate = [&](long long wanted) {
+            ExportJob job = VideoJobFor(input, row.codec, row.muxer);
+            job.video->twoPass = row.twoPass;
+            job.video->bitrate = wanted;
+            RunExport(job, Ignore);
+            return static_cast<double>(ReadContent(job.outputPath).videoBytes) * 8 * 25 / 24;
+        };
+        // In so short a time an encoder may still spend what its buffer holds at the beginning.
+        const double low = bitrate(250000);
+        const double high = bitrate(500000);
+        EXPECT_GT(high, 1.4 * low);
+        EXPECT_GT(high, 0.6 * 500000);
+        EXPECT_LT(high, 2 * 500000);
+    }
+}
+
+TEST_F(Media, AQualityThatTheEncoderCannotHoldLeavesTheBitrate) {
+    const std::string input = Clip();
+    const auto bytes = [&](RateControl rateControl, long long bitrate) {
+        ExportJob job = AudioJobFor(input, "mp2", "mp2");
+        job.audio->rateControl = rateControl;
+        job.audio->quality = 5;
+        job.audio->bitrate = bitrate;
+        return RunExport(job, Ignore).bytes;
+    };
+    EXPECT_EQ(bytes(RateControl::Quality, 64000), bytes(RateControl::Bitrate, 64000));
+    EXPECT_EQ(bytes(RateControl::Quality, 192000), 3 * bytes(RateControl::Quality, 64000));
+}
+
+/// What an export says of itself, in order.
+std::vector<Progress> ProgressOf(const ExportJob& job) {
+    std::vector<Progress> calls;
+    RunExport(job, [&](const Progress& progress) { calls.push_back(progress); });
+    return calls;
+}
+
+TEST_F(Media, PassesAreMadeWhereTheEncoderCan) {
+    const struct {
+        const char* codec;
+        RateControl rateControl;
+        long long bitrate;
+        int passes;
+    } table[] = {
+        {"h264", RateControl::Bitrate, 300000, 2},  {"h264", RateControl::Quality, 300000, 1},
+        {"h264", RateControl::Bitrate, 0, 1},       {"hevc", RateControl::Bitrate, 300000, 2},
+        {"mpeg4", RateControl::Bitrate, 300000, 2}, {"vp9", RateControl::Bitrate, 300000, 2},
+        {"mjpeg", RateControl::Bitrate, 300000, 1}, {"ffv1", RateControl::Quality, 300000, 1},
+    };
+    const std::string input = Clip();
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.codec);
+        ExportJob job = JobFor(input);
+        job.muxer = "matroska";
+        job.video->codecId = row.codec;
+        job.video->options.clear();
+        job.video->rateControl = row.rateControl;
+        job.video->quality = 20;
+        job.video->bitrate = row.bitrate;
+        job.video->twoPass = true;
+        const std::set<std::string> before = Files();
+        const std::vector<Progress> calls = ProgressOf(job);
+        EXPECT_EQ(calls.back().passes, row.passes);
+        EXPECT_EQ(calls.back().pass, row.passes);
+        EXPECT_EQ(calls.front().pass, 1);
+        EXPECT_NEAR(calls.back().secondsTotal, row.passes * 0.8, 0.1);
+        const InputInfo info = Probe(job.outputPath);
+        EXPECT_EQ(info.video->codecId, row.codec);
+        EXPECT_EQ(info.audio->codecId, "aac");
+        EXPECT_EQ(ReadContent(job.outputPath).pictures.size(), 20u);
+        fs::remove(job.outputPath);
+        EXPECT_EQ(Files(), before) << "nothing is left of the passes";
+    }
+}
+
+TEST_F(Media, TheSecondPassIsMadeAfterTheFirst) {
+    ClipSpec spec;
+    spec.soundSeconds = 0;
+    spec.width = 160;
+    spec.height = 120;
+    spec.frames = 24;
+    const std::string input = Clip(spec);
+    const auto outputOf = [&](bool twoPass) {
+        ExportJob job = VideoJobFor(input, "mpeg4", "avi");
+        job.video->bitrate = 600000;
+        job.video->twoPass = twoPass;
+        RunExport(job, Ignore);
+        return ReadFile(job.outputPath);
+    };
+    EXPECT_NE(outputOf(true), outputOf(false));
+}
+
+// -------------------------------------------------------------------------------------------------- progress
+
+TEST_F(Media, ProgressRisesToTheTotal) {
+    for (const bool twoPass : {false, true}) {
+        ExportJob job = JobFor(Clip());
+        job.video->twoPass = twoPass;
+        const std::vector<Progress> calls = ProgressOf(job);
+        ASSERT_GE(calls.size(), 2u);
+        for (std::size_t i = 1; i < calls.size(); ++i) {
+            EXPECT_GE(calls[i].secondsDone, calls[i - 1].secondsDone);
+            EXPECT_GE(calls[i].pass, calls[i - 1].pass);
+        }
+        EXPECT_LT(calls.front().secondsDone, 0.2);
+        EXPECT_DOUBLE_EQ(calls.back().secondsDone, calls.back().secondsTotal);
+        EXPECT_NEAR(calls.back().secondsTotal, twoPass ? 1.6 : 0.8, 0.1);
+    }
+}
+
+TEST_F(Media, ProgressIsToldSomeTenTimesPerSecond) {
+    ClipSpec spec;
+    spec.frames = 500;
+    spec.width = spec.height = 16;
+    const ExportJob job = JobFor(Clip(spec));
+    const auto begin = std::chrono::steady_clock::now();
+    const std::size_t calls = ProgressOf(job).size();
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    EXPECT_LE(static_cast<double>(calls), taken.count() * 10 + 2);
+    EXPECT_GE(calls, 2u);
+}
+
+TEST_F(Media, NobodyNeedsToListen) {
+    const ExportJob job = JobFor(Clip());
+    RunExport(job, nullptr);
+    EXPECT_TRUE(Probe(job.outputPath).video);
+}
+
+// -------------------------------------------------------------------------------------------------- failures
+
+class MediaFailure : public Media {
+protected:
+    /// Runs an export that fails, and checks that nothing but its message tells of it.
+    std::string FailureOf(const ExportJob& job) {
+        WriteFile(job.outputPath, "what was there before");
+        const std::set<std::string> before = Files();
+        const std::string message = MessageOf([&] { RunExport(job, Ignore); });
+        EXPECT_EQ(Files(), before);
+        EXPECT_TRUE(ReadFile(job.outputPath) == "what was there before");
+        return message;
+    }
+};
+
+TEST_F(MediaFailure, AJobThatDoesNotWorkOutIsToldPlainly) {
+    using Change = void (*)(ExportJob&);
+    const struct {
+        Change change;
+        std::vector<std::string> parts;  ///< of the message
+    } table[] = {
+        {[](ExportJob& job) {
+             job.video->options = {{"no_such_option", "1"}};
+         },
+         {"'libx264'", "'no_such_option'"}},
+        {[](ExportJob& job) {
+             job.audio->options = {{"preset", "fast"}};
+         },
+         {"'aac'", "'preset'"}},
+        {[](ExportJob& job) {
+             job.video->options = {{"preset", "leisurely"}};
+         },
+         {"'libx264'", "preset=leisurely"}},
+        {[](ExportJob& job) {
+             job.video->options = {{"crf", "fine"}};
+         },
+         {"'libx264'", "'fine'", "'crf'"}},
+        {[](ExportJob& job) { job.video->codecId = "no_such_codec"; }, {"video", "'no_such_codec'"}},
+        {[](ExportJob& job) { job.video->codecId = "aac"; }, {"video", "'aac'"}},
+        {[](ExportJob& job) { job.video->codecId = "vc1"; }, {"no encoder", "'vc1'"}},
+        {[](ExportJob& job) { job.muxer = "no_such_muxer"; }, {"'no_such_muxer'"}},
+        {[](ExportJob& job) { job.muxer = "image2"; }, {"'image2'"}},
+        {[](ExportJob& job) {
+             job.muxer = "flv";
+             job.video->codecId = "mpeg2video";
+             job.video->options.clear();
+         },
+         {"'flv'", "'mpeg2video'"}},
+        {[](ExportJob& job) { job.video->streamIndex = 7; }, {"in.nut'", "video stream 7"}},
+        {[](ExportJob& job) { job.video->streamIndex = 1; }, {"in.nut'", "video stream 1"}},
+        {[](ExportJob& job) { job.audio->streamIndex = -1; }, {"in.nut'", "audio stream -1"}},
+        {[](ExportJob& job) { job.audio->sampleRate = 12345; }, {"'aac'", "12345 Hz"}},
+        {[](ExportJob& job) { job.audio->sampleFormat = "s16"; }, {"'aac'", "'s16'"}},
+        {[](ExportJob& job) { job.audio->sampleFormat = "s17"; }, {"'s17'"}},
+        {[](ExportJob& job) { job.audio->layout = "no such layout"; }, {"'no such layout'"}},
+        {[](ExportJob& job) {
+             job.audio->codecId = "mp3";
+             job.audio->layout = "5.1";
+         },
+         {"'libmp3lame'", "'5.1'"}},
+        {[](ExportJob& job) { job.video->width = 0; }, {"size"}},
+        {[](ExportJob& job) {
+             job.video->frameRate = {0, 1};
+         },
+         {"frame rate"}},
+        {[](ExportJob& job) { job.audio->sampleRate = 0; }, {"sample rate"}},
+        {[](ExportJob& job) {
+             job.video.reset();
+             job.audio.reset();
+         },
+         {"no stream"}},
+        {[](ExportJob& job) { job.inputPath += ".gone"; }, {"in.nut.gone'", "No such file or directory"}},
+    };
+    const std::string input = Clip();
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.parts.back());
+        ExportJob job = JobFor(input);
+        row.change(job);
+        const std::string message = FailureOf(job);
+        for (const std::string& part : row.parts) EXPECT_THAT(message, HasSubstr(part));
+    }
+}
+
+TEST_F(MediaFailure, AnOptionThatOnlyTheSecondPassTakesAmissLeavesNothing) {
+    ExportJob job = JobFor(Clip());
+    job.video->twoPass = true;
+    job.audio->options = {{"no_such_option", "1"}};
+    EXPECT_THAT(FailureOf(job), HasSubstr("'no_such_option'"));
+}
+
+TEST_F(MediaFailure, OutputsThatCannotBeWritten) {
+    const std::string input = Clip();
+    fs::create_directory(Path("folder"));
+    ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
+    const struct {
+        std::string output;
+        const char* reason;
+    } table[] = {
+        {Path("no/such/folder.mp4"), "No such file or directory"},
+        {Path("folder"), "Is a directory"},
+        {Path("fifo"), "not a regular file"},
+        {input, "it is the input"},
+    };
+    const std::set<std::string> before = Files();
+    const std::string inputBytes = ReadFile(input);
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.output);
+        ExportJob job = JobFor(input);
+        job.outputPath = row.output;
+        EXPECT_THAT(MessageOf([&] { RunExport(job, Ignore); }),
+                    AllOf(HasSubstr("'" + row.output + "'"), HasSubstr(row.reason)));
+        EXPECT_EQ(Files(), before);
+    }
+    EXPECT_EQ(ReadFile(input), inputBytes);
+    EXPECT_TRUE(fs::is_fifo(Path("fifo")));
+}
+
+TEST_F(Media, ALinkIsFollowed) {
+    WriteFile(Path("real.mp4"), "old");
+    fs::create_symlink(Path("real.mp4"), Path("link.mp4"));
+    ExportJob job = JobFor(Clip());
+    job.outputPath = Path("link.mp4");
+    RunExport(job, Ignore);
+    EXPECT_TRUE(fs::is_symlink(Path("link.mp4")));
+    EXPECT_TRUE(Probe(Path("real.mp4")).video);
+}
+
+/// Lets no file of this process grow past `bytes`, as a full disk would.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) : m_oldHandler(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &m_old);
+        rlimit limit = m_old;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &m_old);
+        std::signal(SIGXFSZ, m_oldHandler);
+    }
+
+private:
+    rlimit m_old{};
+    void (*m_oldHandler)(int);
+};
+
+TEST_F(MediaFailure, AFullDiskIsReported) {
+    ClipSpec spec;
+    spec.width = 160;
+    spec.height = 120;
+    const std::string input = Clip(spec);
+    // Large enough to fail on the way, and so small that only the end of the file is too much.
+    for (const int shortBy : {60000, 1}) {
+        SCOPED_TRACE(shortBy);
+        ExportJob job = VideoJobFor(input, "ffv1", "avi");
+        const auto whole = static_cast<long long>(RunExport(job, Ignore).bytes);
+        ASSERT_GT(whole, 100000);
+        std::string message;
+        {
+            const FileSizeLimit limit(static_cast<rlim_t>(whole - shortBy));
+            message = FailureOf(job);
+        }
+        EXPECT_THAT(message, AllOf(HasSubstr("cannot write '" + job.outputPath + "'"), HasSubstr("File too large")));
+    }
+}
+
+struct Cancelled {};
+
+TEST_F(Media, WhatTheCallbackThrowsEndsTheExport) {
+    const struct {
+        const char* name;
+        bool twoPass;
+        bool (*isMoment)(const Progress&);
+    } table[] = {
+        {"at once", false, [](const Progress&) { return true; }},
+        {"when all is done", false, [](const Progress& p) { return p.secondsDone >= p.secondsTotal; }},
+        {"in the first of two passes", true, [](const Progress&) { return true; }},
+        {"after two passes", true, [](const Progress& p) { return p.secondsDone >= p.secondsTotal; }},
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.name);
+        ExportJob job = JobFor(Clip());
+        job.video->twoPass = row.twoPass;
+        WriteFile(job.outputPath, "what was there before");
+        const std::set<std::string> before = Files();
+        const auto cancel = [&](const Progress& progress) {
+            if (row.isMoment(progress)) throw Cancelled();
+        };
+        EXPECT_THROW(RunExport(job, cancel), Cancelled);
+        EXPECT_EQ(Files(), before);
+        EXPECT_EQ(ReadFile(job.outputPath), "what was there before");
+    }
+}
+
+TEST_F(Media, WhileItRunsTheOldOutputStandsAndTheNewOneIsBesideIt) {
+    ExportJob job = JobFor(Clip());
+    WriteFile(job.outputPath, "what was there before");
+    const std::set<std::string> before = Files();
+    std::set<std::string> during;
+    RunExport(job, [&](const Progress&) {
+        EXPECT_EQ(ReadFile(job.outputPath), "what was there before");
+        during = Files();
+    });
+    EXPECT_EQ(during.size(), before.size() + 1);
+    EXPECT_EQ(Files(), before);
+    EXPECT_TRUE(Probe(job.outputPath).video);
+}
+
+// ------------------------------------------------------------------------------------ inputs that are not well
+
+/// Wipes out those pictures of a file of Motion JPEG for whose number `isHit` holds.
+void DamagePictures(const std::string& path, const std::function<bool(int)>& isHit) {
+    std::string bytes = ReadFile(path);
+    int number = 0;
+    for (std::size_t at = bytes.find("\xff\xd8\xff"); at != std::string::npos; at = bytes.find("\xff\xd8\xff", at)) {
+        const std::size_t end = bytes.find("\xff\xd9", at);
+        ASSERT_NE(end, std::string::npos);
+        if (isHit(number++)) bytes.replace(at, end - at, end - at, '\0');
+        at = end;
+    }
+    ASSERT_EQ(number, 20);
+    WriteFile(path, bytes);
+}
+
+class DamagedMedia : public MediaFailure {
+protected:
+    /// A file of Motion JPEG, and the job to export it before anything happened to it.
+    ExportJob JobForJpegs() {
+        ExportJob toJpegs = VideoJobFor(Clip(), "mjpeg", "matroska");
+        toJpegs.outputPath = Path("jpegs.mkv");
+        RunExport(toJpegs, Ignore);
+        return VideoJobFor(toJpegs.outputPath, "h264", "mp4");
+    }
+};
+
+TEST_F(DamagedMedia, SingleDamagedPacketsArePassedOver) {
+    const ExportJob job = JobForJpegs();
+    DamagePictures(job.inputPath, [](int number) { return number % 5 == 2; });
+    const ExportResult result = RunExport(job, Ignore);
+    EXPECT_EQ(result.videoFrames, 20);
+    EXPECT_NEAR(ReadContent(job.outputPath).PictureMark(), 0.4, 0.041);
+}
+
+TEST_F(DamagedMedia, NothingToDecodeIsAFailure) {
+    const ExportJob job = JobForJpegs();
+    DamagePictures(job.inputPath, [](int) { return true; });
+    EXPECT_THAT(FailureOf(job), AllOf(HasSubstr("video"), HasSubstr("jpegs.mkv'"), HasSubstr("could be decoded"),
+                                      HasSubstr("Invalid data")));
+}
+
+TEST_F(DamagedMedia, ACutFileIsExportedAsFarAsItGoes) {
+    const ExportJob job = JobForJpegs();
+    fs::resize_file(job.inputPath, fs::file_size(job.inputPath) / 2);
+    const ExportResult result = RunExport(job, Ignore);
+    EXPECT_GT(result.videoFrames, 4);
+    EXPECT_LT(result.videoFrames, 16);
+}
+
+TEST_F(Media, PicturesMayChangeTheirSizeOnTheWay) {
+    std::string joined;
+    for (const int width : {64, 96}) {
+        ClipSpec spec;
+        spec.width = width;
+        spec.markTime = width == 64 ? 10 : 0.4;
+        ExportJob job = VideoJobFor(Clip(spec), "mjpeg", "mjpeg");
+        RunExport(job, Ignore);
+        joined += ReadFile(job.outputPath);
+    }
+    WriteFile(Path("joined.mjpeg"), joined);
+    ExportJob job = VideoJobFor(Path("joined.mjpeg"), "h264", "mp4");
+    job.video->fit = Fit::Letterbox;
+    RunExport(job, Ignore);
+    const Content content = ReadContent(job.outputPath);
+    ASSERT_EQ(content.pictures.size(), 40u);
+    for (const Picture& picture : content.pictures) EXPECT_EQ(picture.width, 64);
+    EXPECT_EQ(BarsOf(content.pictures[5]).top, 0);
+    EXPECT_NEAR(BarsOf(content.pictures[25]).top, 8, 1);
+    EXPECT_NEAR(content.PictureMark(), 0.8 + 0.4, 0.041);
+}
+
+TEST_F(Media, SoundMayChangeItsFormOnTheWay) {
+    std::string joined;
+    for (const int rate : {48000, 32000}) {
+        ClipSpec spec;
+        spec.frames = 0;
+        spec.sampleRate = rate;
+        spec.layout = rate == 48000 ? "stereo" : "mono";
+        spec.markTime = rate == 48000 ? 10 : 0.4;
+        ExportJob job = AudioJobFor(Clip(spec), "mp2", "mp2");
+        RunExport(job, Ignore);
+        joined += ReadFile(job.outputPath);
+    }
+    WriteFile(Path("joined.mp2"), joined);
+    for (const char* const codec : {"aac", "pcm_s16le"}) {
+        SCOPED_TRACE(codec);
+        ExportJob job = AudioJobFor(Path("joined.mp2"), codec, "mov");
+        job.audio->sampleRate = 48000;
+        job.audio->layout = "stereo";
+        RunExport(job, Ignore);
+        const Content content = ReadContent(job.outputPath);
+        EXPECT_EQ(content.sampleRate, 48000);
+        EXPECT_NEAR(content.SoundSeconds(), 1.6, 0.1);
+        EXPECT_NEAR(content.SoundMark(), 0.8 + 0.4, 0.05);
+    }
+}
+
+TEST_F(Media, ACoverPictureCanBeExported) {
+    ClipSpec spec;
+    spec.muxer = "matroska";
+    spec.frames = 0;
+    spec.coverPicture = true;
+    const ExportJob job = JobFor(Clip(spec, "cover.mkv"));
+    const ExportResult result = RunExport(job, Ignore);
+    EXPECT_EQ(result.videoFrames, 1);
+    EXPECT_EQ(Probe(job.outputPath).video->width, 32);
+}
+
+}  // namespace

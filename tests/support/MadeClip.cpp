@@ -1,0 +1,262 @@
+#include "support/MadeClip.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <stdexcept>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/channel_layout.h>
+#include <libavutil/imgutils.h>
+#include <libavutil/pixdesc.h>
+}
+
+namespace NorvexTest {
+
+namespace {
+
+struct Release {
+    void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+    void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+    void operator()(AVFormatContext* context) const {
+        avio_closep(&context->pb);
+        avformat_free_context(context);
+    }
+};
+
+template <class T>
+using Owned = std::unique_ptr<T, Release>;
+
+int Check(int result, const char* what) {
+    if (result < 0) throw std::runtime_error(std::string("cannot make the clip: ") + what);
+    return result;
+}
+
+template <class T>
+Owned<T> Own(T* object, const char* what) {
+    if (object == nullptr) throw std::runtime_error(std::string("cannot make the clip: ") + what);
+    return Owned<T>(object);
+}
+
+/// The clip's clock, fine enough for all rates that the tests use.
+constexpr AVRational clock = {1, 240000};
+
+std::int64_t Ticks(double seconds) {
+    return std::llround(seconds * clock.den / clock.num);
+}
+
+bool IsMarked(const ClipSpec& spec, double time) {
+    constexpr double slack = 1e-6;
+    return time > spec.markTime - slack && time < spec.markTime + ClipSpec::MARK_LENGTH - slack;
+}
+
+/// A value of the first component, or of all components of an RGB format, of 255.
+int Brightness(const ClipSpec& spec, double time, int x, std::mt19937& noise) {
+    if (IsMarked(spec, time)) return 255;
+    const int ramp = (ClipSpec::RAMP_RIGHT - ClipSpec::RAMP_LEFT) * x / std::max(1, spec.width - 1);
+    return ClipSpec::RAMP_LEFT + ramp + static_cast<int>(noise() % 17) - 8;
+}
+
+/// One picture in any pixel format, as a frame.
+Owned<AVFrame> DrawPicture(const ClipSpec& spec, AVPixelFormat format, double time, std::mt19937& noise) {
+    Owned<AVFrame> frame = Own(av_frame_alloc(), "a frame");
+    frame->format = format;
+    frame->width = spec.width;
+    frame->height = spec.height;
+    Check(av_frame_get_buffer(frame.get(), 0), "a picture");
+    for (const AVBufferRef* const buffer : frame->buf) {
+        if (buffer != nullptr) std::memset(buffer->data, 0, buffer->size);  // lines are written by "or"
+    }
+
+    const AVPixFmtDescriptor& descriptor = *av_pix_fmt_desc_get(format);
+    const bool isRgb = (descriptor.flags & AV_PIX_FMT_FLAG_RGB) != 0;
+    for (int component = 0; component < descriptor.nb_components; ++component) {
+        const bool isChroma = !isRgb && (component == 1 || component == 2);
+        const int depth = descriptor.comp[component].depth;
+        const int width = isChroma ? AV_CEIL_RSHIFT(spec.width, descriptor.log2_chroma_w) : spec.width;
+        const int height = isChroma ? AV_CEIL_RSHIFT(spec.height, descriptor.log2_chroma_h) : spec.height;
+        std::vector<std::uint16_t> line(static_cast<std::size_t>(width));
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                const int value = isChroma ? 128 : Brightness(spec, time, x, noise);
+                line[static_cast<std::size_t>(x)] = static_cast<std::uint16_t>(value << (depth - 8));
+            }
+            av_write_image_line(line.data(), frame->data, frame->linesize, &descriptor, 0, y, component, width);
+        }
+    }
+    return frame;
+}
+
+/// The bytes of raw video.
+std::vector<std::uint8_t> PictureBytes(const ClipSpec& spec, AVPixelFormat format, double time, std::mt19937& noise) {
+    const Owned<AVFrame> frame = DrawPicture(spec, format, time, noise);
+    const int size = Check(av_image_get_buffer_size(format, spec.width, spec.height, 1), "a picture");
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+    Check(av_image_copy_to_buffer(bytes.data(), size, frame->data, frame->linesize, format, spec.width, spec.height, 1),
+          "a picture");
+    return bytes;
+}
+
+/// The bytes of PCM of 16 bits from the first sample to before the last one.
+std::vector<std::uint8_t> SoundBytes(const ClipSpec& spec, int channels, long long first, long long last,
+                                     std::mt19937& noise) {
+    std::vector<std::uint8_t> bytes;
+    for (long long sample = first; sample < last; ++sample) {
+        const double time = static_cast<double>(sample) / spec.sampleRate;
+        const double tone = std::sin(time * 2 * 3.14159265358979 * 1000);
+        const double wave = tone + static_cast<double>(noise() % 1000) / 1000 - 0.5;
+        const double level = IsMarked(spec, time + spec.audioDelay) ? 0.5 : 0.01;
+        const auto value = static_cast<std::uint16_t>(static_cast<std::int16_t>(std::lround(wave * level * 32767)));
+        for (int channel = 0; channel < channels; ++channel) {
+            bytes.push_back(static_cast<std::uint8_t>(value & 0xff));
+            bytes.push_back(static_cast<std::uint8_t>(value >> 8));
+        }
+    }
+    return bytes;
+}
+
+std::vector<std::uint8_t> CoverBytes() {
+    ClipSpec spec;
+    spec.width = spec.height = 32;
+    std::mt19937 noise(1);
+    const Owned<AVFrame> frame = DrawPicture(spec, AV_PIX_FMT_RGB24, 0, noise);
+    const AVCodec* const codec = avcodec_find_encoder(AV_CODEC_ID_PNG);
+    const Owned<AVCodecContext> encoder = Own(avcodec_alloc_context3(codec), "a PNG encoder");
+    encoder->width = spec.width;
+    encoder->height = spec.height;
+    encoder->pix_fmt = AV_PIX_FMT_RGB24;
+    encoder->time_base = {1, 25};
+    Check(avcodec_open2(encoder.get(), codec, nullptr), "a PNG encoder");
+    const Owned<AVPacket> packet = Own(av_packet_alloc(), "a packet");
+    Check(avcodec_send_frame(encoder.get(), frame.get()), "a cover picture");
+    Check(avcodec_send_frame(encoder.get(), nullptr), "a cover picture");
+    Check(avcodec_receive_packet(encoder.get(), packet.get()), "a cover picture");
+    return {packet->data, packet->data + packet->size};
+}
+
+class Writer {
+public:
+    Writer(const std::string& path, const std::string& muxer) {
+        AVFormatContext* context = nullptr;
+        Check(avformat_alloc_output_context2(&context, nullptr, muxer.c_str(), nullptr), "the container");
+        m_context.reset(context);
+        Check(avio_open(&m_context->pb, ("file:" + path).c_str(), AVIO_FLAG_WRITE), "the file");
+    }
+
+    AVStream& AddStream(AVMediaType type, AVCodecID codec) {
+        AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
+        if (stream == nullptr) throw std::runtime_error("cannot make the clip: a stream");
+        stream->time_base = clock;
+        stream->codecpar->codec_type = type;
+        stream->codecpar->codec_id = codec;
+        return *stream;
+    }
+
+    void Begin() { Check(avformat_write_header(m_context.get(), nullptr), "its header"); }
+
+    void Write(const AVStream& stream, const std::vector<std::uint8_t>& bytes, double time, double duration) {
+        const Owned<AVPacket> packet = Own(av_packet_alloc(), "a packet");
+        Check(av_new_packet(packet.get(), static_cast<int>(bytes.size())), "a packet");
+        std::memcpy(packet->data, bytes.data(), bytes.size());
+        packet->stream_index = stream.index;
+        packet->pts = packet->dts = Ticks(time);
+        packet->duration = Ticks(duration);
+        packet->flags |= AV_PKT_FLAG_KEY;
+        av_packet_rescale_ts(packet.get(), clock, stream.time_base);
+        Check(av_interleaved_write_frame(m_context.get(), packet.get()), "a packet");
+    }
+
+    void Finish() { Check(av_write_trailer(m_context.get()), "its end"); }
+
+private:
+    Owned<AVFormatContext> m_context;
+};
+
+AVStream& AddVideo(Writer& writer, const ClipSpec& spec) {
+    AVStream& stream = writer.AddStream(AVMEDIA_TYPE_VIDEO, AV_CODEC_ID_RAWVIDEO);
+    const AVPixelFormat format = av_get_pix_fmt(spec.pixelFormat.c_str());
+    if (format == AV_PIX_FMT_NONE) throw std::runtime_error("cannot make the clip: its pixel format");
+    stream.codecpar->format = format;
+    stream.codecpar->codec_tag = avcodec_pix_fmt_to_codec_tag(format);
+    if (spec.isFullRange) stream.codecpar->color_range = AVCOL_RANGE_JPEG;
+    stream.codecpar->width = spec.width;
+    stream.codecpar->height = spec.height;
+    stream.codecpar->sample_aspect_ratio = stream.sample_aspect_ratio = {spec.aspectX, spec.aspectY};
+    if (spec.frameTimes.empty()) stream.avg_frame_rate = {spec.frameRate, 1};
+    return stream;
+}
+
+AVStream& AddSound(Writer& writer, const ClipSpec& spec) {
+    AVStream& stream = writer.AddStream(AVMEDIA_TYPE_AUDIO, AV_CODEC_ID_PCM_S16LE);
+    Check(av_channel_layout_from_string(&stream.codecpar->ch_layout, spec.layout.c_str()), "its layout");
+    stream.codecpar->format = AV_SAMPLE_FMT_S16;
+    stream.codecpar->sample_rate = spec.sampleRate;
+    stream.codecpar->bits_per_coded_sample = 16;
+    stream.codecpar->block_align = 2 * stream.codecpar->ch_layout.nb_channels;
+    return stream;
+}
+
+void AddCover(Writer& writer) {
+    const std::vector<std::uint8_t> bytes = CoverBytes();
+    AVStream& stream = writer.AddStream(AVMEDIA_TYPE_ATTACHMENT, AV_CODEC_ID_PNG);
+    stream.codecpar->extradata = static_cast<std::uint8_t*>(av_mallocz(bytes.size() + AV_INPUT_BUFFER_PADDING_SIZE));
+    if (stream.codecpar->extradata == nullptr) throw std::runtime_error("cannot make the clip: a cover picture");
+    std::memcpy(stream.codecpar->extradata, bytes.data(), bytes.size());
+    stream.codecpar->extradata_size = static_cast<int>(bytes.size());
+    Check(av_dict_set(&stream.metadata, "filename", "cover.png", 0), "a cover picture");
+    Check(av_dict_set(&stream.metadata, "mimetype", "image/png", 0), "a cover picture");
+}
+
+void WritePictures(Writer& writer, const AVStream& stream, const ClipSpec& spec) {
+    const AVPixelFormat format = av_get_pix_fmt(spec.pixelFormat.c_str());
+    std::mt19937 noise(1);
+    for (int i = 0; i < spec.frames; ++i) {
+        const double steady = static_cast<double>(i) / spec.frameRate;
+        const double shown = spec.frameTimes.empty() ? steady : spec.frameTimes.at(static_cast<std::size_t>(i));
+        const double time = spec.videoDelay + shown;
+        writer.Write(stream, PictureBytes(spec, format, time, noise), spec.startTime + time, 1.0 / spec.frameRate);
+    }
+}
+
+void WriteSound(Writer& writer, const AVStream& stream, const ClipSpec& spec) {
+    const int channels = stream.codecpar->ch_layout.nb_channels;
+    const long long samples = std::llround(spec.soundSeconds * spec.sampleRate);
+    const int step = spec.sampleRate / 50;
+    std::mt19937 noise(2);
+    for (long long first = 0; first < samples; first += step) {
+        const double time = spec.audioDelay + static_cast<double>(first) / spec.sampleRate;
+        if (time >= spec.gapBegin && time < spec.gapEnd) continue;
+        const long long last = std::min<long long>(first + step, samples);
+        writer.Write(stream, SoundBytes(spec, channels, first, last, noise), spec.startTime + time,
+                     static_cast<double>(last - first) / spec.sampleRate);
+    }
+}
+
+}  // namespace
+
+std::string MakeClip(const std::string& path, const ClipSpec& spec) {
+    Writer writer(path, spec.muxer);
+    ClipSpec second = spec;
+    second.width /= 2;
+    second.height /= 2;
+    AVStream* const secondVideo = spec.hasSecondVideo ? &AddVideo(writer, second) : nullptr;
+    AVStream* const video = spec.frames > 0 ? &AddVideo(writer, spec) : nullptr;
+    AVStream* const audio = spec.soundSeconds > 0 ? &AddSound(writer, spec) : nullptr;
+    if (spec.coverPicture) AddCover(writer);
+    if (spec.hasSecondVideo && video != nullptr) video->disposition |= AV_DISPOSITION_DEFAULT;
+    writer.Begin();
+    if (secondVideo != nullptr) WritePictures(writer, *secondVideo, second);
+    if (video != nullptr) WritePictures(writer, *video, spec);
+    if (audio != nullptr) WriteSound(writer, *audio, spec);
+    writer.Finish();
+    return path;
+}
+
+}  // namespace NorvexTest

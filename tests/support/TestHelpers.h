@@ -1,0 +1,63 @@
+#pragma once
+
+#include <initializer_list>
+#include <optional>
+#include <string>
+
+#include "norvex/Norvex.h"
+
+namespace NorvexTest {
+
+/// A node with these children.
+inline Norvex::Core::Property Node(const std::string& name, std::initializer_list<Norvex::Core::Property> children) {
+    Norvex::Core::Property node(name);
+    for (const auto& child : children) node.AddNamed(child);
+    return node;
+}
+
+inline Norvex::Conf::RuleList CollectRules(const Norvex::Conf::IDataHelper& helper) {
+    Norvex::Conf::RuleList rules;
+    helper.GetValidationRules(rules);
+    return rules;
+}
+
+inline Norvex::Conf::ConstraintMap CollectConstraints(const Norvex::Conf::IDataHelper& helper) {
+    Norvex::Conf::ConstraintMap constraints;
+    helper.GetConstraints(constraints);
+    return constraints;
+}
+
+/// The constraint as it comes out of rule lists and maps after `value` was offered to it: "ok", "fixed to X", "no" or
+/// "throws".
+template <class Constraint>
+std::string FixupOf(const Constraint& constraint, Norvex::Core::Property value) {
+    const Norvex::Core::Property before = value;
+    if (!constraint->Fixup(value)) return "no";
+    return value == before ? "ok" : "fixed to " + Norvex::Core::PropertyValueToString(value);
+}
+
+/// A codec helper that says, behind its base, what a case needs.
+class TestCodec final : public Norvex::RefCounted<Norvex::Conf::DataHelperCodecFFMPEG> {
+public:
+    explicit TestCodec(Norvex::MediaType type, const std::string& codecId = "test")
+        : RefCounted<DataHelperCodecFFMPEG>(codecId, type) {}
+
+    Norvex::Core::Property GetDefaults() const override { return defaults ? *defaults : Base::GetDefaults(); }
+    void GetValidationRules(Norvex::Conf::RuleList& out) const override {
+        Base::GetValidationRules(out);
+        out.insert(out.end(), rules.begin(), rules.end());
+    }
+    void GetConstraints(Norvex::Conf::ConstraintMap& out) const override {
+        Base::GetConstraints(out);
+        for (const auto& [path, constraint] : constraints) out[path] = constraint;
+    }
+
+    std::optional<Norvex::Core::Property> defaults;  ///< in the place of the base's
+    Norvex::Conf::RuleList rules;
+    Norvex::Conf::ConstraintMap constraints;
+
+private:
+    using Base = Norvex::Conf::DataHelperCodecFFMPEG;
+};
+
+}  // namespace NorvexTest
