@@ -376,8 +376,6 @@ private:
     using Context = std::unique_ptr<AVFormatContext, CloseInput>;
 
     static Context Open(const std::string& path) {
-        std::error_code ignored;
-        if (fs::is_directory(path, ignored)) Fail("cannot open " + Quoted(path), AVERROR(EISDIR));
         AVFormatContext* context = nullptr;  // avformat_open_input frees it where it fails
         const int result = avformat_open_input(&context, FileUrl(path).c_str(), nullptr, nullptr);
         if (result < 0) Fail("cannot open " + Quoted(path), result);
@@ -1164,7 +1162,8 @@ private:
         AVFormatContext* context = nullptr;
         Check(avformat_alloc_output_context2(&context, format, nullptr, nullptr), "cannot set up the container");
         m_context.reset(context);
-        m_context->max_delay = 7 * AV_TIME_BASE / 10;  // MPEG program streams cannot keep their buffers with less
+        // What a decoder of an MPEG stream has between a packet's arrival and its turn; without it there is none.
+        m_context->max_delay = 7 * AV_TIME_BASE / 10;
     }
 
     void CheckWriting(int result) const {
@@ -1322,12 +1321,8 @@ private:
     }
 
     void Encode(const AVFrame* frame) {
-        m_encoder.Encode(frame, [&](AVPacket& packet) {
-            // Encoders of constant rate leave it out, and then the last frame of the file would last no time.
-            const bool isVideo = m_encoder.Context().codec_type == AVMEDIA_TYPE_VIDEO;
-            if (isVideo && packet.duration == 0) packet.duration = 1;
-            m_muxer.Write(packet, m_outputIndex, m_encoder.Context().time_base);
-        });
+        m_encoder.Encode(
+            frame, [&](AVPacket& packet) { m_muxer.Write(packet, m_outputIndex, m_encoder.Context().time_base); });
     }
 
     void RequireFrames() const {
@@ -1403,9 +1398,6 @@ public:
 
 private:
     Owned<AVBufferSrcParameters> Describe(AVFrame& frame) const override {
-        if (frame.ch_layout.order == AV_CHANNEL_ORDER_UNSPEC) {
-            av_channel_layout_default(&frame.ch_layout, frame.ch_layout.nb_channels);
-        }
         return DescribeFrame(frame, AVRational{0, 1}, SourceStream().time_base);
     }
 

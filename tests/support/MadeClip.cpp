@@ -85,7 +85,8 @@ Owned<AVFrame> DrawPicture(const ClipSpec& spec, AVPixelFormat format, double ti
         std::vector<std::uint16_t> line(static_cast<std::size_t>(width));
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {
-                const int value = isChroma ? 128 : Brightness(spec, time, x, noise);
+                const int plain = isChroma ? 128 : Brightness(spec, time, x, noise);
+                const int value = spec.isRed ? (component == 0 ? 255 : 0) : plain;
                 line[static_cast<std::size_t>(x)] = static_cast<std::uint16_t>(value << (depth - 8));
             }
             av_write_image_line(line.data(), frame->data, frame->linesize, &descriptor, 0, y, component, width);

@@ -24,6 +24,7 @@ struct ClipSpec {
     int height = 48;
     std::string pixelFormat = "yuv420p";  ///< FFmpeg's name
     bool isFullRange = false;             ///< said of the pictures, for the muxer "matroska"
+    bool isRed = false;                   ///< all pictures are of pure red, for RGB formats
     int aspectX = 0;                      ///< shape of one pixel, 0 where the clip does not say
     int aspectY = 1;
     int frameRate = 25;              ///< frames per second

@@ -209,7 +209,7 @@ std::vector<Record> VorbisRecords() {
 TEST(AudioCodecs, VorbisGoesToTheNearestCombination) {
     // An encoder that takes everything leaves the choice to the search.
     std::vector<int> rates;
-    for (int rate = 11025; rate <= 100000; rate += 25) rates.push_back(rate);
+    for (int rate = 11025; rate <= 100000; rate += 275) rates.push_back(rate);
     std::vector<AVChannelLayout> layouts;
     for (int channels = 1; channels <= 24; ++channels) {
         if (LayoutRecord::FindDefault(channels) != nullptr) layouts.push_back(UnorderedLayout(channels));
@@ -224,7 +224,7 @@ TEST(AudioCodecs, VorbisGoesToTheNearestCombination) {
     std::uniform_int_distribution<std::size_t> anyLayout(0, layouts.size() - 1);
     const long long bitrates[] = {16000, 32000, 48000, 64000, 80000, 96000, 112000, 128000, 160000, 320000};
     int moved = 0;
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < 2000; ++i) {
         const LayoutRecord& layout = LayoutRecord::Find(layouts[anyLayout(random)].nb_channels);
         const long long rate = rates[anyRate(random)];
         const long long bitrate = bitrates[random() % std::size(bitrates)];
@@ -250,7 +250,7 @@ TEST(AudioCodecs, VorbisGoesToTheNearestCombination) {
             << asked;
         moved += Text(stream) == asked ? 0 : 1;
     }
-    EXPECT_GT(moved, 1000);
+    EXPECT_GT(moved, 500);
 }
 
 TEST(AudioCodecs, PcmCountsWhatItsEncoderTakesAndTellsWhatItStores) {

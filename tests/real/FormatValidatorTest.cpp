@@ -1,0 +1,161 @@
+#include <gmock/gmock.h>
+
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
+#include <set>
+#include <stdexcept>
+
+#include "norvex/Norvex.h"
+#include "support/TestHelpers.h"
+#include "support/Trees.h"
+
+namespace {
+
+using namespace Norvex;
+using namespace Norvex::Conf;
+using namespace NorvexTest;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+using Ids = std::vector<std::string>;
+
+/// Lists an encoder for the codecs that the test names, or for all.
+class MadeFactory final : public RefCounted<Proc::ICodecFactory> {
+public:
+    explicit MadeFactory(std::set<std::string> codecs = {}) : m_codecs(std::move(codecs)) {}
+
+    Ids ListEncoders(const std::string& codecId, bool onlyStable, bool onlySoftware) const override {
+        EXPECT_TRUE(onlyStable && onlySoftware);
+        ++m_asked;
+        if (codecId == throwsFor) throw std::out_of_range(codecId);
+        const bool known = m_codecs.empty() || m_codecs.count(codecId) != 0;
+        return known ? Ids{"an encoder"} : Ids{};
+    }
+    int Asked() const { return m_asked; }
+
+    std::string throwsFor = "none";
+
+private:
+    const std::set<std::string> m_codecs;
+    mutable int m_asked = 0;
+};
+
+SP<MadeFactory> Fill(std::set<std::string> codecs = {}) {
+    SP<MadeFactory> factory(new MadeFactory(std::move(codecs)));
+    FormatValidator::Instance().FillEncoders(factory);
+    return factory;
+}
+
+Ids Video(const std::string& format, const Ids& fallback, const Ids& exclusions = {}) {
+    return FormatValidator::Instance().GetSupportedVideoCodecs(format, fallback, exclusions);
+}
+
+class FormatValidatorTest : public testing::Test {
+protected:
+    ~FormatValidatorTest() override { Fill({"no codec has this name"}); }  // an empty census for the next test
+};
+
+TEST_F(FormatValidatorTest, WithoutAnAnswerTheFallbackComesBackAsItIs) {
+    Fill({"no codec has this name"});
+    EXPECT_THAT(Video("matroska", {"b", "a", "b"}, {"a"}), ElementsAre("b", "a", "b")) << "empty census";
+    Fill();
+    EXPECT_THAT(Video("no such muxer", {"b", "a", "b"}), ElementsAre("b", "a", "b"));
+    EXPECT_THAT(Video("wav", {"b", "b"}), ElementsAre("b", "b")) << "nothing survives";
+    EXPECT_THAT(Video("wav", {}), ElementsAre());
+}
+
+TEST_F(FormatValidatorTest, FFmpegsNamesComeSortedAndTheFallbackBehindThem) {
+    Fill({"h264", "mpeg4", "aac", "subrip"});
+    // In a build with every helper MPEG-4 is among them; until it has one it is not offered.
+    Ids expected = {"h264"};
+    if (GetAvailableDataHelpers(IPreset::KEY_FILTER_VIDEO_CODEC).count("mpeg4") != 0) expected.emplace_back("mpeg4");
+    Ids all = expected;
+    all.insert(all.end(), {"x", "a"});
+    EXPECT_EQ(Video("matroska", {"x", "h264", "x", "a"}), all);
+    EXPECT_THAT(Video("matroska", {"h264", "x"}, {"h264", "mpeg4"}), ElementsAre("h264", "x"))
+        << "all of FFmpeg's are excluded; the fallback is not filtered";
+    EXPECT_THAT(FormatValidator::Instance().GetSupportedAudioCodecs("matroska", {}, {}), ElementsAre("aac"));
+    EXPECT_THAT(FormatValidator::Instance().GetSupportedSubtitleCodecs("matroska", {}, {}), ElementsAre("subrip"))
+        << "a subtitle codec needs no helper";
+}
+
+TEST_F(FormatValidatorTest, AnswersAsFFmpegDoesForEveryMuxerAndCodec) {
+    Fill();
+    int offered = 0;
+    void* position = nullptr;
+    while (const AVOutputFormat* muxer = av_muxer_iterate(&position)) {
+        const AVOutputFormat* const guessed = av_guess_format(muxer->name, nullptr, nullptr);
+        for (const std::string& kind : {IPreset::KEY_FILTER_VIDEO_CODEC, IPreset::KEY_FILTER_AUDIO_CODEC}) {
+            Ids expected;
+            for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
+                const AVCodecID number = CodecIDFromTextID(id);
+                if (number != AV_CODEC_ID_NONE &&
+                    (avcodec_find_encoder(number) != nullptr || avcodec_find_decoder(number) != nullptr) &&
+                    avformat_query_codec(guessed, number, 0) == 1) {
+                    expected.push_back(id);
+                }
+            }
+            FormatValidator& validator = FormatValidator::Instance();
+            EXPECT_EQ(kind == IPreset::KEY_FILTER_VIDEO_CODEC ? validator.GetSupportedVideoCodecs(muxer->name, {}, {})
+                                                              : validator.GetSupportedAudioCodecs(muxer->name, {}, {}),
+                      expected)
+                << muxer->name;
+            offered += static_cast<int>(expected.size());
+        }
+    }
+    EXPECT_GT(offered, 100);
+}
+
+TEST_F(FormatValidatorTest, AsksTheFactoryForEveryEntryAndKeepsWhatItFoundBeforeAFailure) {
+    const auto asked = Fill()->Asked();
+    int entries = 0;
+    void* position = nullptr;
+    while (av_codec_iterate(&position) != nullptr) ++entries;
+    EXPECT_EQ(asked, entries);
+
+    SP<MadeFactory> failing(new MadeFactory({"h264", "hevc", "aac"}));
+    failing->throwsFor = "aac";
+    EXPECT_THROW(FormatValidator::Instance().FillEncoders(failing), std::out_of_range);
+    EXPECT_THAT(FormatValidator::Instance().GetSupportedAudioCodecs("matroska", {}, {}), ElementsAre());
+}
+
+TEST_F(FormatValidatorTest, AFormatKeepsTheListsOfTheCensusThatItWasBuiltWith) {
+    Fill({"no codec has this name"});
+    const auto early = DataHelperFormatMp4::Create(IFormatFile::FORMAT_MP4, false, false);
+    Fill();
+    const auto late = DataHelperFormatMp4::Create(IFormatFile::FORMAT_MP4, false, false);
+    const auto audioOf = [](const SP<IDataHelper>& helper) {
+        return ListOf(*CollectConstraints(*helper).at("streams_any_audio/audio_codec/codec_id"));
+    };
+    EXPECT_EQ(audioOf(early), "aac, ac3, mp3");
+    EXPECT_THAT(audioOf(late), testing::HasSubstr("vorbis"));
+    // The default is the class's own, whatever FFmpeg puts first.
+    EXPECT_EQ(late->GetDefaults()["streams/1/audio_codec/codec_id"].GetString(), "aac");
+}
+
+TEST(CodecFactory, ListsTheEncodersOfTheBuildAndNarrowsOnRequest) {
+    const auto factory = Proc::FFmpegCodecFactory::Create();
+    int stable = 0;
+    for (const auto& [number, id] : GetFFCodecsMap()) {
+        Ids all;
+        Ids narrowed;
+        void* position = nullptr;
+        while (const AVCodec* codec = av_codec_iterate(&position)) {
+            if (codec->id != number || !av_codec_is_encoder(codec)) continue;
+            all.emplace_back(codec->name);
+            if ((codec->capabilities & (AV_CODEC_CAP_EXPERIMENTAL | AV_CODEC_CAP_HARDWARE | AV_CODEC_CAP_HYBRID)) ==
+                0) {
+                narrowed.emplace_back(codec->name);
+            }
+        }
+        EXPECT_EQ(factory->ListEncoders(id, false, false), all) << id;
+        EXPECT_EQ(factory->ListEncoders(id, true, true), narrowed) << id;
+        stable += narrowed.empty() ? 0 : 1;
+    }
+    EXPECT_GT(stable, 50);
+    EXPECT_THAT(factory->ListEncoders("", false, false), ElementsAre());
+}
+
+}  // namespace
