@@ -230,11 +230,14 @@ private:
 
 class TemporaryDirectory {
 public:
-    TemporaryDirectory() : m_path(fs::temp_directory_path() / RandomName()) {
+    TemporaryDirectory() {
         std::error_code error;
+        const fs::path parent = fs::temp_directory_path(error);
+        if (error) Fail("there is no directory for temporary files", error);
+        m_path = parent / RandomName();
         fs::create_directory(m_path, error);
-        if (!error) fs::permissions(m_path, fs::perms::owner_all, error);
         if (error) Fail("cannot make the directory " + Quoted(m_path.string()), error);
+        fs::permissions(m_path, fs::perms::owner_all, error);
     }
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
@@ -1272,7 +1275,7 @@ protected:
     /// Where the next frame of the output belongs, in the time base of the encoder.
     std::int64_t NextPts() const { return m_nextPts; }
 
-    /// Brings a decoded frame into the form that the filters take, and describes it.
+    /// What a decoded frame is, as the source of a graph takes it.
     virtual Owned<AVBufferSrcParameters> Describe(AVFrame& frame) const = 0;
     virtual std::unique_ptr<FilterGraph> MakeGraph(AVBufferSrcParameters& source) const = 0;
     /// How long a decoded frame lasts, in the time base of the stream.

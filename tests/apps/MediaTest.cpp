@@ -426,13 +426,6 @@ TEST_F(Media, MessagesKeepToOneLine) {
     EXPECT_THAT(MessageOf([&] { Probe(Path("two\nlines.mp4")); }), HasSubstr("two?lines.mp4"));
 }
 
-TEST_F(Media, ProbeSaysThatAFileIsNotReadable) {
-    if (geteuid() == 0) GTEST_SKIP() << "root reads everything";
-    const std::string path = Clip();
-    fs::permissions(path, fs::perms::none);
-    EXPECT_THAT(MessageOf([&] { Probe(path); }), HasSubstr("Permission denied"));
-}
-
 /// The folder that names without one are in.
 class WorkingFolder {
 public:

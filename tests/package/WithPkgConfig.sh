@@ -6,7 +6,6 @@ compiler=$1 libdir=$2 program=$3
 here=$(dirname "$0")
 PKG_CONFIG_PATH=$libdir/pkgconfig
 export PKG_CONFIG_PATH
-# Only a static library needs the private half; asking for it always keeps one script for both.
 # shellcheck disable=SC2046 # the flags are words
-"$compiler" -std=c++17 "$here/main.cpp" $(pkg-config --cflags --libs --static norvex | tr '\n' ' ') -o "$program"
+"$compiler" -std=c++17 "$here/main.cpp" $(pkg-config --cflags --libs norvex) -o "$program"
 LD_LIBRARY_PATH=$libdir "$program"

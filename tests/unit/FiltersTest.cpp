@@ -1,0 +1,257 @@
+#include <gmock/gmock.h>
+
+#include <limits>
+
+#include "norvex/Norvex.h"
+#include "support/Failures.h"
+#include "support/TestHelpers.h"
+#include "support/Trees.h"
+
+namespace {
+
+using namespace Norvex;
+using namespace Norvex::Conf;
+using namespace NorvexTest;
+using Core::Property;
+using Core::Ratio;
+using A = IFormatCodecAudio;
+using V = IFormatCodecVideo;
+using Proc::IResize;
+using Proc::SettingsResizer;
+
+const std::string g_filters[] = {Proc::IFilterResample::CLASS_ID, Proc::IFilterAudioVolume::CLASS_ID,
+                                 Proc::IFilterAudioFormatter::CLASS_ID, Proc::IFilterFrameRate::CLASS_ID,
+                                 Proc::IFilterResize::CLASS_ID};
+
+TEST(Filters, DefaultsStandUnderTheClassIdAndAreLegal) {
+    int checked = 0;
+    for (const std::string& id : g_filters) {
+        const auto helper = CreateDataHelper(id, "");
+        const Property defaults = helper->GetDefaults();
+        EXPECT_EQ(defaults.GetName(), id);
+        for (const auto& [path, constraint] : CollectConstraints(*helper)) {
+            EXPECT_TRUE(constraint->IsValid(defaults[path])) << id << ' ' << path;
+            ++checked;
+        }
+    }
+    EXPECT_EQ(checked, 9);
+    EXPECT_EQ(Dump(CreateDataHelper(Proc::IFilterAudioFormatter::CLASS_ID, "")->GetDefaults()),
+              "filter_formatter/formatter/type: string default\nfilter_formatter/packet_duration: int 100000\n");
+    EXPECT_EQ(CreateDataHelper(Proc::IFilterResample::CLASS_ID, "")->GetDefaults()["resample/sample_rate"].GetInt64(),
+              44100);
+}
+
+TEST(Filters, AVolumeGoesToTheNearerEnd) {
+    const auto constraint = CollectConstraints(*DataHelperAudioVolume::Create()).at("volume");
+    for (const auto& [volume, fixed] : {std::pair(-1, 0), std::pair(200, 200), std::pair(201, 200)}) {
+        Property value("volume", volume);
+        EXPECT_TRUE(constraint->Fixup(value));
+        EXPECT_EQ(value.GetInt64(), fixed);
+    }
+}
+
+Property ResamplePreset(long long rate, const std::string& layout) {
+    return Node("p", {Node("resample", {Property(A::TAG_SAMPLE_RATE, rate), Property(A::TAG_LAYOUT, layout)})});
+}
+
+TEST(Resample, AppliesWhatIsNotLeftToTheSource) {
+    const Property stream = Node("s", {Property(A::TAG_SAMPLE_RATE, 48000), Property(A::TAG_LAYOUT, "5.1"),
+                                       Property(A::TAG_SAMPLE_FORMAT, "u8")});
+    Property withFormat = ResamplePreset(-1, "unknown");
+    withFormat.SetChildT(A::TAG_SAMPLE_FORMAT, "fltp");
+    const struct {
+        Property preset;
+        const char* applied;
+    } cases[] = {
+        {ResamplePreset(-1, "unknown"),
+         "s/sample_rate: int 48000\ns/channel_layout: string 5.1\ns/sample_format: string u8\n"},
+        {ResamplePreset(22050, "mono"),
+         "s/sample_rate: int 22050\ns/channel_layout: string mono\ns/sample_format: string u8\n"},
+        {withFormat,
+         "s/sample_rate: int 48000\ns/channel_layout: string 5.1\ns/sample_format: string fltp\ns/bits_per_sample: int "
+         "32\n"},
+    };
+    for (const auto& c : cases) {
+        Property target = stream;
+        DataHelperAudioResample::Create()->ApplyPresetSettings(c.preset, target);
+        EXPECT_EQ(Dump(target), c.applied);
+    }
+}
+
+TEST(Filters, NeedTheChildrenThatTheyWrite) {
+    const auto missing = [](const SP<IDataHelper>& helper, const Property& preset, Property stream) {
+        return TagOf<TagDetails>(
+            CatchFrom<Core::PropertyException>([&] { helper->ApplyPresetSettings(preset, stream); }));
+    };
+    const Property empty(std::string("s"));
+    const auto resample = DataHelperAudioResample::Create();
+    EXPECT_EQ(missing(resample, empty, empty), "resample");
+    EXPECT_EQ(missing(resample, ResamplePreset(8000, "unknown"), empty), A::TAG_SAMPLE_RATE);
+    EXPECT_EQ(missing(resample, ResamplePreset(-1, "mono"), empty), A::TAG_LAYOUT);
+    const auto frameRate = DataHelperVideoResample::Create();
+    EXPECT_EQ(missing(frameRate, empty, empty), V::TAG_FPS);
+    EXPECT_EQ(missing(frameRate, frameRate->GetDefaults(), empty), V::TAG_FPS);
+    EXPECT_EQ(missing(DataHelperVideoResize::Create(), DataHelperVideoResize::Create()->GetDefaults(), empty),
+              V::TAG_WIDTH);
+}
+
+TEST(FrameRate, OffersExactRatiosAndKeepsTheSourcesOnRequest) {
+    const auto helper = DataHelperVideoResample::Create();
+    const auto constraint = CollectConstraints(*helper).at(V::TAG_FPS);
+    EXPECT_EQ(ListOf(*constraint),
+              "Auto, 1, 2, 5, 8, 10, 12, 15, 16, 20, 23.97, 24, 25, 29.97, 30, 48, 50, 59.94, 60, 100, 120, 240");
+    EXPECT_TRUE(constraint->IsValid(Property("", Ratio(60000, 1001))));
+    EXPECT_FALSE(constraint->IsValid(Property("", Ratio(23976, 1000))));
+    EXPECT_NE(CollectConstraints(*helper).at(V::TAG_FPS), constraint) << "new on each call";
+    for (const auto& [preset, applied] :
+         {std::pair(Ratio(50, 1), Ratio(50, 1)),
+          std::pair(Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE, Ratio(7, 1))}) {
+        Property stream = Node("s", {Property(V::TAG_FPS, Ratio(7, 1))});
+        helper->ApplyPresetSettings(Proc::IFilterFrameRate::MakeSettings(preset), stream);
+        EXPECT_EQ(stream[V::TAG_FPS].GetRatio(), applied);
+    }
+}
+
+TEST(Resize, WantsEvenSizesWithoutACondition) {
+    EXPECT_THAT(
+        RulesOf(*DataHelperVideoResize::Create()),
+        testing::ElementsAre("always -> filter_resize/resize/width in ", "always -> filter_resize/resize/height in "));
+    const RuleList rules = CollectRules(*DataHelperVideoResize::Create());
+    EXPECT_EQ(rules[0].second->GetSecondConstraint(), rules[1].second->GetSecondConstraint());
+    EXPECT_EQ(rules[0].second->GetSecondConstraint()->Description("x"), IPropertyConstraint::DESCRIPTION_ID_EVEN_SIZE);
+    EXPECT_FALSE(rules[0].second->GetFirstConstraint());
+    const auto constraints = CollectConstraints(*DataHelperVideoResize::Create());
+    for (const auto& [tag, size, valid] :
+         {std::tuple("resize/width", 33, true), std::tuple("resize/width", 8192, true),
+          std::tuple("resize/width", 8193, false), std::tuple("resize/height", 4320, true),
+          std::tuple("resize/height", 4322, false), std::tuple("resize/height", 31, false)}) {
+        EXPECT_EQ(constraints.at(tag)->IsValid(Property("", size)), valid) << tag << ' ' << size;
+    }
+}
+
+std::string Text(const FrameInfo& f) {
+    return std::to_string(f.width) + "x" + std::to_string(f.height) + " " + std::to_string(f.aspectX) + ":" +
+           std::to_string(f.aspectY);
+}
+
+TEST(Resizer, SettlesTheOutputFrame) {
+    using Custom = SettingsResizer::CustomModes;
+    using Size = SettingsResizer::FrameSizeModes;
+    constexpr int huge = std::numeric_limits<std::int32_t>::max();
+    const FrameInfo wide = {1920, 1080, 1, 1};
+    const struct {
+        Size sizeMode;
+        Custom mode;
+        FrameInfo custom;
+        double scale;
+        FrameInfo input;
+        const char* output;
+    } cases[] = {
+        {Size::Original, Custom::Auto, {800, 600, 1, 1}, 1, {853, 479, 4, 3}, "853x479 4:3"},
+        {Size::HalfOriginal, Custom::Auto, {}, 1, {853, 479, 4, 3}, "426x240 4:3"},
+        {Size::QuarterOriginal, Custom::Auto, {}, 1, wide, "480x270 1:1"},
+        {Size::QuarterOriginal, Custom::Auto, {}, 1, {3, 3, 1, 1}, "2x2 1:1"},
+        {Size::CustomScale, Custom::Auto, {}, 1.5, wide, "2880x1620 1:1"},
+        {Size::CustomScale, Custom::Auto, {}, 1e30, wide, "2147483646x2147483646 1:1"},
+        {Size::CustomScale, Custom::Auto, {}, -1, wide, "2x2 1:1"},
+        {Size::Custom, Custom::Letterbox, {800, 600, 1, 1}, 1, wide, "800x600 1:1"},
+        {Size::Custom, Custom::Crop, {800, 600, 1, 1}, 1, wide, "800x600 1:1"},
+        {Size::Custom, Custom::Stretch, {800, 600, 1, 1}, 1, wide, "800x600 1:1"},
+        {Size::Custom, Custom::Auto, {800, 600, 1, 1}, 1, wide, "800x600 1:1"},
+        {Size::Custom, Custom::SmartFit, {800, 600, 1, 1}, 1, wide, "800x450 1:1"},
+        {Size::Custom, Custom::SmartFit, {800, 600, 1, 1}, 1, {160, 90, 1, 1}, "800x450 1:1"},
+        {Size::Custom, Custom::SmartFit, {800, 600, 1, 1}, 1, {720, 576, 16, 15}, "800x600 1:1"},
+        {Size::Custom, Custom::UpTo, {800, 600, 1, 1}, 1, wide, "800x450 1:1"},
+        {Size::Custom, Custom::UpTo, {800, 600, 1, 1}, 1, {161, 91, 1, 1}, "160x90 1:1"},
+        {Size::Custom, Custom::SmartFit, {800, 600, 1, 1}, 1, {0, 0, 0, 0}, "800x600 1:1"},
+        {Size::Custom, Custom::SmartFit, {800, 600, 0, -1}, 1, {huge, 1, 1, 1}, "800x2 0:-1"},
+    };
+    for (const auto& c : cases) {
+        SettingsResizer settings;
+        settings.SetCustomMode(c.mode, c.custom);
+        settings.frameSizeMode = c.sizeMode;
+        settings.scale = c.scale;
+        EXPECT_EQ(Text(settings.GetOutputFrameSize(c.input)), c.output) << Text(c.input) << " in " << Text(c.custom);
+    }
+    Property stream = Node("s", {Property(V::TAG_WIDTH, 1920), Property(V::TAG_HEIGHT, 1080),
+                                 Property(V::TAG_ASPECTX, 4), Property(V::TAG_ASPECTY, 3)});
+    DataHelperVideoResize::Create()->ApplyPresetSettings(DataHelperVideoResize::Create()->GetDefaults(), stream);
+    EXPECT_EQ(Dump(stream), "s/width: int 800\ns/height: int 600\ns/aspect_x: int 1\ns/aspect_y: int 1\n");
+}
+
+TEST(Resizer, SettingsSurviveTheirTree) {
+    int trees = 0;
+    for (int mode = 0; mode < 6; ++mode) {
+        for (int sizeMode = 0; sizeMode < 5; ++sizeMode) {
+            for (int method = 0; method < 4; ++method) {
+                SettingsResizer settings;
+                settings.SetCustomMode(static_cast<SettingsResizer::CustomModes>(mode), {33, 77, 5, 9});
+                settings.frameSizeMode = static_cast<SettingsResizer::FrameSizeModes>(sizeMode);
+                settings.method = static_cast<SettingsResizer::Methods>(method);
+                settings.scale = 0.3;
+                settings.backgroundColor = 0xFFA0B0C0;
+                settings.implementation = "another";
+                const Property tree = Proc::IFilterResize::Settings2Property(settings);
+                EXPECT_EQ(TreeDiff(tree, Proc::IFilterResize::Settings2Property(
+                                             Proc::IFilterResize::Property2Settings(tree))),
+                          "");
+                for (const auto& [path, constraint] : CollectConstraints(*DataHelperVideoResize::Create())) {
+                    EXPECT_TRUE(constraint->IsValid(tree[path])) << path << ' ' << Dump(tree);
+                }
+                ++trees;
+            }
+        }
+    }
+    EXPECT_EQ(trees, 120);
+}
+
+TEST(Resizer, RefusesSettingsThatNameNothing) {
+    Property tree = Proc::IFilterResize::Settings2Property({});
+    tree["resize/method"] = "magic";
+    EXPECT_EQ(
+        TagOf<TagDetails>(CatchFrom<Proc::SettingsException>([&] { Proc::IFilterResize::Property2Settings(tree); })),
+        "magic");
+    const Property whole = Proc::IFilterResize::Settings2Property({});
+    for (const Property& child : whole["resize"]) {
+        Property broken = whole;
+        broken["resize"].RemoveChild(child.GetName());
+        EXPECT_EQ(TagOf<TagDetails>(
+                      CatchFrom<Core::PropertyException>([&] { Proc::IFilterResize::Property2Settings(broken); })),
+                  child.GetName());
+    }
+}
+
+TEST(DefaultVideoBitrate, NeverFallsWhenSomethingGetsBetter) {
+    int sweeps = 0;
+    for (const std::string& id : GetAllVideoCodecs()) {
+        SCOPED_TRACE(id);
+        const auto grows = [&sweeps](const auto& bitrateAt, int steps) {
+            ++sweeps;
+            for (int step = 1; step < steps; ++step) {
+                const long long bitrate = bitrateAt(step);
+                if (bitrate < bitrateAt(step - 1) || bitrate < 100000 || bitrate > V::MAX_VIDEO_BITRATE) return step;
+            }
+            return 0;
+        };
+        EXPECT_EQ(grows([&](int q) { return GetDefaultVideoBitrate(id, 1280, 720, 25, 51 - q); }, 51), 0);
+        EXPECT_EQ(grows([&](int f) { return GetDefaultVideoBitrate(id, 1280, 720, f * 0.5, -1); }, 500), 0);
+        EXPECT_EQ(grows([&](int w) { return GetDefaultVideoBitrate(id, w * 16, 720, 25, 20); }, 512), 0);
+        EXPECT_EQ(grows([&](int h) { return GetDefaultVideoBitrate(id, 1280, h * 16, 25, 20); }, 270), 0);
+        EXPECT_EQ(GetDefaultVideoBitrate(id, 1280, 720, 25, -5), GetDefaultVideoBitrate(id, 1280, 720, 25, 1));
+        EXPECT_EQ(GetDefaultVideoBitrate(id, 1280, 720, 25, 99), GetDefaultVideoBitrate(id, 1280, 720, 25, 51));
+        for (const double fps : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN()})
+            EXPECT_EQ(GetDefaultVideoBitrate(id, 1280, 720, fps, 1), 100000);
+        EXPECT_EQ(GetDefaultVideoBitrate(id, 1280, 720, std::numeric_limits<double>::infinity(), 1),
+                  V::MAX_VIDEO_BITRATE);
+    }
+    EXPECT_EQ(sweeps, 38 * 4);
+    // Each generation needs fewer bits than the one before it.
+    const char* const generations[] = {"av1", "hevc", "h264", "mpeg4", "mpeg2video", "mpeg1video", "mjpeg"};
+    for (std::size_t i = 1; i < std::size(generations); ++i) {
+        EXPECT_LT(GetDefaultVideoBitrate(generations[i - 1], 1920, 1080, 25, -1),
+                  GetDefaultVideoBitrate(generations[i], 1920, 1080, 25, -1));
+    }
+    EXPECT_EQ(GetDefaultVideoBitrate("h264", 1920, 1080, 25, -1), 5184000) << "the customary 5 Mbit/s";
+}
+
+}  // namespace

@@ -1,0 +1,269 @@
+#include <gmock/gmock.h>
+
+#include "norvex/Norvex.h"
+#include "support/Failures.h"
+#include "support/TestHelpers.h"
+#include "support/Trees.h"
+
+namespace {
+
+using namespace Norvex;
+using namespace Norvex::Conf;
+using namespace NorvexTest;
+using Core::Property;
+using testing::ElementsAre;
+using A = IFormatCodecAudio;
+using F = IFormatFile;
+using V = IFormatCodecVideo;
+
+/// A format that says what a case needs.
+class TestFormat final : public FormatHelper {
+public:
+    Property GetDefaults() const override { return Property(std::string("none")); }
+    void GetValidationRules(RuleList& out) const override { out.insert(out.end(), rules.begin(), rules.end()); }
+
+    using FormatHelper::SetAudioCodecs;
+    using FormatHelper::SetVideoCodecs;
+
+    RuleList rules;
+};
+
+template <class Operation>
+auto DescriptionOf(const Operation& operation) {
+    const auto failure = CatchFrom<HelperException>(operation);
+    EXPECT_TRUE(TagOf<TagCallStack>(failure));
+    return TagOf<TagDescription>(failure);
+}
+
+TEST(FormatBase, RefusesListsThatCannotBe) {
+    const auto set = [](const std::vector<std::string>& codecs, const std::string& defaultCodec) {
+        return DescriptionOf([&] { DataHelperFormatBase::SetCodecConstraint(codecs, defaultCodec); });
+    };
+    EXPECT_EQ(set({}, ""), "List of available codecs is empty");
+    EXPECT_EQ(set({"a", "b"}, "A"), "Default codec A is not presented in list of avalible codecs");
+    EXPECT_EQ(set({"a", "b"}, ""), "Default codec  is not presented in list of avalible codecs");
+    EXPECT_THAT(CallsOf(*DataHelperFormatBase::SetCodecConstraint({"b", "a", "a"}, "a")),
+                ElementsAre("add b=b", "add a=a", "add a=a", "end"));
+}
+
+TEST(FormatBase, KnowsOnlyTheKindsThatItHas) {
+    TestFormat format;
+    format.AddRef();
+    EXPECT_EQ(DescriptionOf([&] { format.VideoCodecsConstraint(); }), "Video codecs constraint is not set");
+    EXPECT_EQ(DescriptionOf([&] { format.DefaultAudioCodec(); }), "Audio codecs constraint is not set");
+    EXPECT_EQ(DescriptionOf([&] { format.SubtitleTextCodecsConstraint(); }), "Subtitle codecs constraint is not set");
+    EXPECT_EQ(DescriptionOf([&] { format.DefaultSubtitleTextCodec(); }), "Subtitle codecs constraint is not set");
+
+    format.SetAudioCodecs({"a", "b"}, "b");
+    const auto former = format.AudioCodecsConstraint();
+    EXPECT_EQ(CollectConstraints(format).size(), 1U);
+    EXPECT_EQ(CollectConstraints(format).at("streams_any_audio/audio_codec/codec_id"), former)
+        << "the helper's own object";
+    EXPECT_THROW(format.SetAudioCodecs({}, "b"), HelperException);
+    EXPECT_EQ(format.AudioCodecsConstraint(), former) << "a failure leaves the list in place";
+    format.SetAudioCodecs({"c"}, "c");
+    EXPECT_EQ(format.DefaultAudioCodec(), "c");
+    EXPECT_EQ(former->GetRefCount(), 1U) << "released";
+}
+
+const std::string g_fpsPath = "filter_rate/frame_rate";
+
+SP<IPropertyConstraint> Codecs(const std::string& id) {
+    return ConstraintCodecs::Create({{id, id}}, id);
+}
+template <class T>
+SP<IPropertyConstraint> Values(std::initializer_list<T> values) {
+    PairList<T> list;
+    for (const T& value : values) list.emplace_back("", value);
+    return ConstraintSet::Create(list);
+}
+
+/// A stream's node with every value that correction reaches, and one that it does not.
+Property StreamNode(const std::string& name) {
+    return Node(name, {Property(V::TAG_CODEC_ID, "x"), Property(V::TAG_FPS, Core::Ratio(7, 1)),
+                       Property(V::TAG_COVER_FLAG, false), Node("encode_options", {Property(V::TAG_PROFILE, "p")}),
+                       Property(A::TAG_SAMPLE_RATE, 7), Property(A::TAG_LAYOUT, "5.1"), Property(V::TAG_BITRATE, 7)});
+}
+
+TEST(FormatCorrection, ReachesFiveValuesByTheirRulesAndNothingElse) {
+    const struct {
+        const char* node;
+        const char* first;
+        const char* second;
+        SP<IPropertyConstraint> constraint;
+        const char* path;  ///< of what changes
+        Property corrected;
+    } rows[] = {
+        {"format_codec_video", "video_codec/codec_id", "filter_rate/frame_rate", Values<Core::Ratio>({{8, 1}}),
+         "frame_rate", Property("", Core::Ratio(8, 1))},
+        {"format_codec_video", "video_codec/codec_id", "format/cover", Values<bool>({true}), "cover",
+         Property("", true)},
+        {"format_codec_video", "video_codec/codec_id", "format/encode_options/profile", Values<std::string>({"q"}),
+         "encode_options/profile", Property("", "q")},
+        {"format_codec_audio", "audio_codec/codec_id", "filter_resample/resample/sample_rate", Values<long long>({8}),
+         "sample_rate", Property("", 8)},
+        {"format_codec_audio", "audio_codec/codec_id", "filter_resample/resample/channel_layout",
+         ConstraintChannelLayout::Create(std::vector<std::string>{"mono"}), "channel_layout", Property("", "mono")},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.second);
+        TestFormat format;
+        format.AddRef();
+        format.rules = {{"/", PairValidationRule::Create(row.first, Codecs("x"), row.second, row.constraint)}};
+        for (const char* const node : {"format_codec_video", "format_codec_audio", "format_codec_subtitle"}) {
+            Property stream = StreamNode(node);
+            format.CorrectFormatCodec(stream);
+            Property expected = StreamNode(node);
+            if (std::string(node) == row.node) expected[row.path].CopyDataFrom(row.corrected);
+            EXPECT_EQ(TreeDiff(expected, stream), "");
+        }
+        // Another codec, another codec path, another second path: not this rule's business.
+        for (const auto& other :
+             {PairValidationRule::Create(row.first, Codecs("y"), row.second, row.constraint),
+              PairValidationRule::Create(std::string("x") + row.first, Codecs("x"), row.second, row.constraint),
+              PairValidationRule::Create(row.first, Codecs("x"), std::string(row.second) + "x", row.constraint)}) {
+            format.rules = {{"/", other}};
+            Property stream = StreamNode(row.node);
+            format.CorrectFormatCodec(stream);
+            EXPECT_EQ(TreeDiff(StreamNode(row.node), stream), "");
+        }
+        // A node with the codec alone has nothing to correct.
+        Property bare = Node(row.node, {Property(V::TAG_CODEC_ID, "x"), Node("encode_options", {})});
+        format.CorrectFormatCodec(bare);
+        EXPECT_EQ(bare.Count(), 2U);
+    }
+}
+
+TEST(FormatCorrection, TheLaterRuleIsTestedOnWhatTheEarlierLeft) {
+    TestFormat format;
+    format.AddRef();
+    const auto rule = [](const SP<IPropertyConstraint>& second) {
+        return std::make_pair(std::string("/"),
+                              PairValidationRule::Create("video_codec/codec_id", Codecs("x"), g_fpsPath, second));
+    };
+    format.rules = {rule(Values<Core::Ratio>({{10, 1}, {30, 1}})), rule(Values<Core::Ratio>({{15, 1}, {9, 1}}))};
+    Property stream = StreamNode("format_codec_video");
+    format.CorrectFormatCodec(stream);
+    EXPECT_EQ(stream[V::TAG_FPS].GetRatio(), Core::Ratio(9, 1));
+}
+
+TEST(FormatCorrection, OnlyASetOfOneBooleanIsTakenPastItsOwnCorrection) {
+    TestFormat format;
+    format.AddRef();
+    for (const auto& [constraint, corrected] :
+         {std::make_pair(Values<bool>({true}), true), std::make_pair(Values<bool>({}), false),
+          std::make_pair(ConstraintMethod::Create([](const Property&) { return false; }, ""), false)}) {
+        format.rules = {
+            {"/", PairValidationRule::Create("video_codec/codec_id", Codecs("x"), "format/cover", constraint)}};
+        Property stream = StreamNode("format_codec_video");
+        format.CorrectFormatCodec(stream);
+        EXPECT_EQ(stream[V::TAG_COVER_FLAG].GetBool(), corrected);
+    }
+}
+
+TEST(FormatCorrection, NeedsACodecIdAndValuesOfTheRightType) {
+    TestFormat format;
+    format.AddRef();
+    Property empty(std::string("anything"));
+    EXPECT_EQ(TagOf<TagDetails>(CatchFrom<Core::PropertyException>([&] { format.CorrectFormatCodec(empty); })),
+              V::TAG_CODEC_ID);
+
+    format.rules = {
+        {"/",
+         PairValidationRule::Create("video_codec/codec_id", Codecs("x"), g_fpsPath, Values<Core::Ratio>({{8, 1}}))},
+        {"/", PairValidationRule::Create("video_codec/codec_id", Codecs("x"), "format/cover", Values<bool>({true}))}};
+    Property stream = StreamNode("format_codec_video");
+    stream[V::TAG_COVER_FLAG] = "yes";
+    EXPECT_THROW(format.CorrectFormatCodec(stream), ConstraintIsNotApplicableForTypeException);
+    EXPECT_EQ(stream[V::TAG_FPS].GetRatio(), Core::Ratio(8, 1)) << "what was corrected before stays so";
+}
+
+std::string CodecsOf(const IDataHelper& helper) {
+    std::string text;
+    for (const auto& [pattern, codecs] : CollectConstraints(helper)) text += pattern + ": " + ListOf(*codecs) + "; ";
+    return text;
+}
+
+TEST(Mp4Family, DiffersByItsTwoModes) {
+    const std::string subtitles = "streams_any_subtitles_text/subtitle_codec/codec_id: dvd_subtitle, mov_text; ";
+    const struct {
+        bool ipod;
+        bool m4v;
+        const char* audio;
+        const char* video;
+    } cases[] = {
+        {false, false, "aac, ac3, mp3", "h264, mpeg4, hevc, av1, vp9, vc1"},
+        {true, false, "aac, ac3", "h264, mpeg4"},
+        {false, true, "aac", "h264, mpeg4"},
+        {true, true, "aac", "h264, mpeg4"},
+    };
+    for (const auto& c : cases) {
+        const auto mp4 = DataHelperFormatMp4::Create("id", c.ipod, c.m4v);
+        EXPECT_EQ(CodecsOf(*mp4), std::string("streams_any_audio/audio_codec/codec_id: ") + c.audio + "; " + subtitles +
+                                      "streams_any_video/video_codec/codec_id: " + c.video + "; ");
+        EXPECT_EQ(Dump(mp4->GetDefaults()),
+                  "format/container: string id\nformat/global_header: bool true\nformat/psp_mode: bool false\n"
+                  "format/progressive_read: bool false\nformat/limits/video: int 2\nformat/limits/audio: int 16\n"
+                  "format/limits/subtitle: int 16\nformat/limits/other: int 16\n"
+                  "format/streams/0/type: string video\nformat/streams/0/video_codec/codec_id: string h264\n"
+                  "format/streams/1/type: string audio\nformat/streams/1/audio_codec/codec_id: string aac\n"
+                  "format/streams/2/type: string subtitles_text\nformat/streams/2/subtitle_codec/codec_id: string "
+                  "dvd_subtitle\n");
+    }
+}
+
+TEST(Mp4Family, TheAudioKindsDiffer) {
+    EXPECT_EQ(Dump(DataHelperFormatM4a::Create("m4b")->GetDefaults()),
+              "format/container: string m4b\nformat/global_header: bool true\nformat/limits/video: int 1\n"
+              "format/limits/audio: int 1\nformat/limits/subtitle: int 0\nformat/limits/other: int 1\n"
+              "format/streams/0/type: string audio\nformat/streams/0/audio_codec/codec_id: string aac\n"
+              "format/streams/1/type: string video\nformat/streams/1/video_codec/codec_id: string mjpeg\n"
+              "format/streams/1/cover: bool true\n");
+    EXPECT_EQ(Dump(DataHelperFormatF4a::Create()->GetDefaults()),
+              "format/container: string f4a\nformat/global_header: bool true\nformat/psp_mode: bool false\n"
+              "format/progressive_read: bool false\nformat/limits/video: int 0\nformat/limits/audio: int 1\n"
+              "format/limits/subtitle: int 0\nformat/limits/other: int 0\n"
+              "format/streams/0/type: string audio\nformat/streams/0/audio_codec/codec_id: string aac\n");
+    EXPECT_EQ(CodecsOf(*DataHelperFormatF4a::Create()), "streams_any_audio/audio_codec/codec_id: mp3, aac; ");
+    // Through the catalogue the id allows a cover and ALAC, since another class serves it.
+    EXPECT_EQ(
+        CodecsOf(*CreateDataHelper(IPreset::KEY_FORMAT, F::FORMAT_F4A)),
+        "streams_any_audio/audio_codec/codec_id: aac, alac; streams_any_video/video_codec/codec_id: mjpeg, png, bmp; ");
+    EXPECT_EQ(
+        CodecsOf(*DataHelperFormat3gp::Create("3gp")),
+        "streams_any_audio/audio_codec/codec_id: aac; streams_any_video/video_codec/codec_id: h263, h264, mpeg4; ");
+}
+
+TEST(Mp4Family, CorrectsBySmallRules) {
+    const struct {
+        SP<IDataHelper> format;
+        const char* node;
+        const char* codec;
+        Property value;
+        Property corrected;
+    } cases[] = {
+        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_audio", "mp3", Property("sample_rate", 12000),
+         Property("sample_rate", 16000)},
+        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_audio", "mp3", Property("sample_rate", 46050),
+         Property("sample_rate", 44100)},
+        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_audio", "aac", Property("sample_rate", 12000),
+         Property("sample_rate", 12000)},
+        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_video", "h264", Property("cover", false),
+         Property("cover", false)},
+        {DataHelperFormatM4a::Create("m4a"), "format_codec_video", "png", Property("cover", false),
+         Property("cover", true)},
+        {DataHelperFormatM4a::Create("m4a"), "format_codec_video", "h264", Property("cover", false),
+         Property("cover", false)},
+        {DataHelperFormatF4a::Create(), "format_codec_audio", "mp3", Property("sample_rate", 48000),
+         Property("sample_rate", 44100)},
+        {DataHelperFormat3gp::Create("3gp"), "format_codec_audio", "aac", Property("sample_rate", 7),
+         Property("sample_rate", 7)},
+    };
+    for (const auto& c : cases) {
+        Property stream = Node(c.node, {Property(V::TAG_CODEC_ID, c.codec), c.value});
+        c.format->CorrectFormatCodec(stream);
+        EXPECT_EQ(TreeDiff(c.corrected, stream[1]), "") << c.codec;
+    }
+}
+
+}  // namespace
