@@ -550,6 +550,12 @@ void PlanAudio(Plan& plan, const Helper& format, const Property& formatTree) {
     StreamPlan settled = settler.Settle(AudioStreamOf(source, codecId), {ResampleSection(request)});
     settled.source = source.codecId + ", " + std::to_string(source.sampleRate) + " Hz, " + source.layout;
     plan.job.audio = MakeAudioJob(settled.settled, source);
+    const int stored = DataHelperAudioCodecPCM::GetStoredBitsPerSample(codecId);
+    const int counted = SampleFmtRecord::Find(plan.job.audio->sampleFormat).bits;
+    if (stored != 0 && stored != counted) {
+        plan.notes.push_back("'" + codecId + "' stores " + std::to_string(stored) + " of the " +
+                             std::to_string(counted) + " bits that its encoder takes and the bitrate counts.");
+    }
     plan.streams.push_back(std::move(settled));
 }
 

@@ -355,44 +355,6 @@ TEST_F(Media, ProbeDescribesBothStreams) {
     EXPECT_EQ(info.audio->sampleFormat, "s16");
 }
 
-TEST_F(Media, ProbeFillsInWhatTheInputDoesNotSay) {
-    ClipSpec spec;
-    spec.layout = "5.1";  // of which this container keeps the count only
-    const InputInfo info = Probe(Clip(spec));
-    EXPECT_EQ(info.video->sampleAspect.numerator, 1);
-    EXPECT_EQ(info.video->sampleAspect.denominator, 1);
-    EXPECT_EQ(info.audio->channels, 6);
-    EXPECT_EQ(info.audio->layout, "5.1");
-}
-
-TEST_F(Media, ProbeLeavesOutTheStreamThatIsNotThere) {
-    ClipSpec silent;
-    silent.soundSeconds = 0;
-    EXPECT_FALSE(Probe(Clip(silent)).audio);
-    ClipSpec blind;
-    blind.frames = 0;
-    EXPECT_FALSE(Probe(Clip(blind)).video);
-}
-
-TEST_F(Media, ProbeTakesACoverOnlyWhereThereIsNoOtherPicture) {
-    ClipSpec spec;
-    spec.muxer = "matroska";
-    spec.coverPicture = true;
-    const InputInfo both = Probe(Clip(spec, "both.mkv"));
-    ASSERT_TRUE(both.video);
-    EXPECT_EQ(both.video->codecId, "rawvideo");
-    EXPECT_FALSE(both.video->isAttachedPicture);
-
-    spec.frames = 0;
-    const InputInfo cover = Probe(Clip(spec, "cover.mkv"));
-    ASSERT_TRUE(cover.video);
-    EXPECT_EQ(cover.video->codecId, "png");
-    EXPECT_EQ(cover.video->width, 32);
-    EXPECT_TRUE(cover.video->isAttachedPicture);
-    EXPECT_EQ(cover.video->frameRate.numerator, 25);
-    EXPECT_EQ(cover.video->frameRate.denominator, 1);
-}
-
 TEST_F(Media, ProbeSaysWhyAFileCannotBeOpened) {
     std::string text;
     for (int i = 0; i < 200; ++i) text += "Dear diary, today I wrote one more line.\n";
@@ -422,10 +384,6 @@ TEST_F(Media, ProbeSaysWhyAFileCannotBeOpened) {
     }
 }
 
-TEST_F(Media, MessagesKeepToOneLine) {
-    EXPECT_THAT(MessageOf([&] { Probe(Path("two\nlines.mp4")); }), HasSubstr("two?lines.mp4"));
-}
-
 /// The folder that names without one are in.
 class WorkingFolder {
 public:
@@ -447,15 +405,6 @@ TEST_F(Media, NamesAreFilesWhateverProtocolTheyLookLike) {
     EXPECT_TRUE(fs::exists(Path("pipe:1")));
     EXPECT_TRUE(Probe("pipe:1").video);
     EXPECT_THAT(MessageOf([] { Probe("http://127.0.0.1/clip.mp4"); }), HasSubstr("No such file or directory"));
-}
-
-TEST_F(Media, ProbeTakesTheStreamThatAPlayerWould) {
-    ClipSpec spec;
-    spec.hasSecondVideo = true;
-    const InputInfo info = Probe(Clip(spec));
-    EXPECT_EQ(info.video->streamIndex, 1);
-    EXPECT_EQ(info.video->width, spec.width);
-    EXPECT_EQ(info.audio->streamIndex, 2);
 }
 
 // ------------------------------------------------------------------------------------- what comes out of it
@@ -490,106 +439,6 @@ TEST_F(Media, ExportsH264AndAacToMp4) {
     EXPECT_NEAR(content.pictures.front().Column(2), ClipSpec::RAMP_LEFT, 12);
     EXPECT_NEAR(content.pictures.front().Column(61), ClipSpec::RAMP_RIGHT, 12);
     EXPECT_NEAR(content.pictures.back().time, 19 / 25.0, 0.001);
-}
-
-TEST_F(Media, ExportsToOtherContainersAndCodecs) {
-    const struct {
-        const char* muxer;
-        const char* video;  ///< null for none
-        const char* audio;  ///< null for none
-        int sampleRate = 48000;
-        const char* layout = "stereo";
-        const char* sampleFormat = "";
-    } table[] = {
-        {"matroska", "hevc", "opus"},
-        {"webm", "vp8", "vorbis"},
-        {"avi", "mpeg4", "mp3", 44100, "mono", "s16p"},
-        {"mpegts", "mpeg2video", "mp2"},
-        {"mpeg", "mpeg1video", "mp2", 44100},
-        {"mov", "mjpeg", "pcm_s16le", 22050, "mono", "s16"},
-        {"flv", "flv1", "mp3", 44100},
-        {"asf", "wmv2", "wmav2"},
-        {"mp4", "h264", nullptr},
-        {"ipod", nullptr, "aac", 32000, "5.1"},
-        {"wav", nullptr, "pcm_s16le"},
-    };
-    const std::string input = Clip();
-    for (const auto& row : table) {
-        SCOPED_TRACE(row.muxer);
-        ExportJob job = JobFor(input);
-        job.muxer = row.muxer;
-        job.video->codecId = row.video != nullptr ? row.video : "";
-        job.video->options.clear();
-        job.audio->codecId = row.audio != nullptr ? row.audio : "";
-        job.audio->sampleRate = row.sampleRate;
-        job.audio->layout = row.layout;
-        job.audio->sampleFormat = row.sampleFormat;
-        if (row.video == nullptr) job.video.reset();
-        if (row.audio == nullptr) job.audio.reset();
-        const ExportResult result = RunExport(job, Ignore);
-        EXPECT_EQ(result.videoFrames, row.video != nullptr ? 20 : 0);
-        EXPECT_EQ(result.audioSamples > 0, row.audio != nullptr);
-
-        const InputInfo info = Probe(job.outputPath);
-        const Content content = ReadContent(job.outputPath);
-        EXPECT_NEAR(info.duration, 0.8, 0.1);
-        ASSERT_EQ(info.video.has_value(), row.video != nullptr);
-        ASSERT_EQ(info.audio.has_value(), row.audio != nullptr);
-        if (info.video) {
-            EXPECT_EQ(info.video->codecId, row.video);
-            EXPECT_EQ(info.video->width, 64);
-            EXPECT_EQ(info.video->height, 48);
-            EXPECT_EQ(info.video->frameRate.numerator, 25 * info.video->frameRate.denominator);
-            EXPECT_EQ(content.pictures.size(), 20u);
-        }
-        if (info.audio) {
-            EXPECT_EQ(info.audio->codecId, row.audio);
-            EXPECT_EQ(info.audio->sampleRate, row.sampleRate);
-            EXPECT_EQ(info.audio->layout, row.layout);
-            // Codecs in blocks fill up the last one, and some of these containers do not say by how much.
-            EXPECT_NEAR(content.SoundSeconds(), 0.8, 0.1);
-        }
-    }
-}
-
-TEST_F(Media, TransportStreamsLeaveDecodersTime) {
-    const ExportJob job = VideoJobFor(Clip(), "mpeg2video", "mpegts");
-    RunExport(job, Ignore);
-    EXPECT_GT(ReadContent(job.outputPath).pictures.at(0).time, 0.7);
-}
-
-TEST_F(Media, ReadsPlainYuv4Mpeg) {
-    std::string bytes = "YUV4MPEG2 W32 H16 F10:1 Ip A1:1 C420jpeg\n";
-    for (int i = 0; i < 5; ++i) bytes += "FRAME\n" + std::string(32 * 16, '\x64') + std::string(32 * 16 / 2, '\x80');
-    WriteFile(Path("in.y4m"), bytes);
-    const ExportJob job = JobFor(Path("in.y4m"));
-    ASSERT_FALSE(job.audio);
-    RunExport(job, Ignore);
-    const InputInfo info = Probe(job.outputPath);
-    EXPECT_EQ(info.video->width, 32);
-    EXPECT_EQ(info.video->height, 16);
-    EXPECT_EQ(info.video->frameRate.numerator, 10 * info.video->frameRate.denominator);
-    const Content content = ReadContent(job.outputPath);
-    ASSERT_EQ(content.pictures.size(), 5u);
-    EXPECT_NEAR(content.pictures[2].Mean(), 0x64, 3);
-}
-
-TEST_F(Media, ReadsPlainWave) {
-    const auto number = [](std::uint32_t value, int bytes) {
-        std::string text;
-        for (int i = 0; i < bytes; ++i) text += static_cast<char>(value >> (8 * i) & 0xff);
-        return text;
-    };
-    const std::string samples(2 * 8000, '\x10');
-    WriteFile(Path("in.wav"), "RIFF" + number(36 + 16000, 4) + "WAVEfmt " + number(16, 4) + number(1, 2) +
-                                  number(1, 2) + number(8000, 4) + number(16000, 4) + number(2, 2) + number(16, 2) +
-                                  "data" + number(16000, 4) + samples);
-    ExportJob job = AudioJobFor(Path("in.wav"), "pcm_s16le", "wav");
-    EXPECT_EQ(job.audio->layout, "mono");
-    RunExport(job, Ignore);
-    const Content content = ReadContent(job.outputPath);
-    ASSERT_EQ(content.sound.size(), 8000u);
-    EXPECT_THAT(content.sound, Each(0x1010 / 32768.0));
 }
 
 TEST_F(Media, StreamsBeginTogetherAndStayInStep) {
@@ -660,22 +509,6 @@ TEST_F(Media, FramesAreRepeatedOrLeftOutToMeetTheRate) {
             EXPECT_NEAR(content.pictures[i].time, static_cast<double>(i) * interval, 0.001);
         }
     }
-}
-
-TEST_F(Media, UnsteadyPicturesBecomeSteady) {
-    ClipSpec spec;
-    spec.frameTimes = {0, 0.013, 0.2, 0.23, 0.41, 0.6};
-    spec.frames = static_cast<int>(spec.frameTimes.size());
-    ExportJob job = JobFor(Clip(spec));
-    job.video->frameRate = {25, 1};
-    RunExport(job, Ignore);
-    const Content content = ReadContent(job.outputPath);
-    ASSERT_GE(content.pictures.size(), 16u);
-    for (std::size_t i = 0; i < content.pictures.size(); ++i) {
-        EXPECT_NEAR(content.pictures[i].time, static_cast<double>(i) / 25, 0.001);
-    }
-    EXPECT_NEAR(content.PictureMark(), 0.41, 0.041);
-    EXPECT_LT(content.pictures[15].Mean(), 150) << "the mark ends at 0.6 s";
 }
 
 /// The bars around a picture, in pixels.
@@ -750,58 +583,6 @@ TEST_F(Media, FitsPicturesIntoOtherShapes) {
     }
 }
 
-TEST_F(Media, BarsAreEvenWhereTheyNeedNotBe) {
-    ClipSpec spec;
-    spec.frames = 1;
-    spec.soundSeconds = 0;
-    spec.width = 100;
-    spec.pixelFormat = "yuv444p";
-    ExportJob job = VideoJobFor(Clip(spec), "ffv1", "matroska");
-    job.video->width = job.video->height = 64;
-    job.video->fit = Fit::Letterbox;
-    RunExport(job, Ignore);
-    const Bars bars = BarsOf(ReadContent(job.outputPath).pictures.at(0));
-    EXPECT_EQ(bars.top, 16);
-    EXPECT_EQ(bars.bottom, 18);
-}
-
-TEST_F(Media, TheOutputsPixelShapeCountsForTheFit) {
-    ClipSpec spec;
-    spec.frames = 2;
-    spec.soundSeconds = 0;
-    spec.width = 96;
-    ExportJob job = VideoJobFor(Clip(spec), "h264", "mp4");
-    job.video->width = 48;
-    job.video->sampleAspect = {2, 1};
-    job.video->fit = Fit::Letterbox;
-    RunExport(job, Ignore);
-    const InputInfo info = Probe(job.outputPath);
-    EXPECT_EQ(info.video->width, 48);
-    EXPECT_EQ(info.video->sampleAspect.numerator, 2);
-    EXPECT_EQ(info.video->sampleAspect.denominator, 1);
-    const Bars bars = BarsOf(ReadContent(job.outputPath).pictures.at(0));
-    EXPECT_EQ(bars.left + bars.right + bars.top + bars.bottom, 0);
-}
-
-TEST_F(Media, EveryScalerIsUnderstood) {
-    const std::string input = Clip();
-    std::set<std::string> outputs;
-    for (const char* const scaler : {"neighbor", "fast_bilinear", "bilinear", "bicubic"}) {
-        SCOPED_TRACE(scaler);
-        ExportJob job = VideoJobFor(input, "ffv1", "matroska");
-        job.video->width = 34;
-        job.video->height = 26;
-        job.video->scaler = scaler;
-        RunExport(job, Ignore);
-        const std::vector<int> luma = ReadContent(job.outputPath).pictures.at(0).luma;
-        outputs.insert(std::string(luma.begin(), luma.end()));
-    }
-    EXPECT_EQ(outputs.size(), 4u);
-    ExportJob job = VideoJobFor(input, "ffv1", "matroska");
-    job.video->scaler = "magic";
-    EXPECT_THAT(MessageOf([&] { RunExport(job, Ignore); }), HasSubstr("magic"));
-}
-
 TEST_F(Media, ChoosesThePixelFormat) {
     const struct {
         const char* source;
@@ -829,145 +610,6 @@ TEST_F(Media, ChoosesThePixelFormat) {
         if (row.profile != nullptr) job.video->options.emplace_back("profile", row.profile);
         RunExport(job, Ignore);
         EXPECT_EQ(Probe(job.outputPath).video->pixelFormat, row.expected);
-    }
-}
-
-TEST_F(Media, ConvertsTheRangeOfTheColours) {
-    const double limited = 16 + ClipSpec::RAMP_LEFT * 219 / 255.0;
-    const double full = (ClipSpec::RAMP_LEFT - 16) * 255 / 219.0;
-    const struct {
-        const char* source;
-        bool isFullRange;
-        const char* codec;
-        double left;
-        double white;
-    } table[] = {
-        {"yuv420p", true, "mpeg4", limited, 235}, {"yuv420p", false, "mpeg4", ClipSpec::RAMP_LEFT, 255},
-        {"yuv420p", false, "mjpeg", full, 255},   {"yuv420p", true, "mjpeg", ClipSpec::RAMP_LEFT, 255},
-        {"rgb24", false, "mpeg4", limited, 235},
-    };
-    for (const auto& row : table) {
-        SCOPED_TRACE(std::string(row.source) + (row.isFullRange ? " of full range to " : " to ") + row.codec);
-        ClipSpec spec;
-        spec.muxer = row.isFullRange ? "matroska" : "nut";
-        spec.soundSeconds = 0;
-        spec.pixelFormat = row.source;
-        spec.isFullRange = row.isFullRange;
-        ExportJob job = VideoJobFor(Clip(spec), row.codec, "matroska");
-        job.video->rateControl = RateControl::Quality;
-        job.video->quality = 1;
-        RunExport(job, Ignore);
-        const Content content = ReadContent(job.outputPath);
-        EXPECT_NEAR(content.pictures.front().Column(1), row.left, 4);
-        EXPECT_NEAR(content.pictures.at(12).Mean(), row.white, 2);
-
-        ExportJob back = VideoJobFor(job.outputPath, "ffv1", "matroska");
-        back.outputPath = Path("back.mkv");
-        RunExport(back, Ignore);
-        const double expected = row.codec == std::string("mjpeg") ? 16 + row.left * 219 / 255 : row.left;
-        EXPECT_NEAR(ReadContent(back.outputPath).pictures.front().Column(1), expected, 4);
-        EXPECT_EQ(Probe(back.outputPath).video->pixelFormat, "yuv420p");
-    }
-}
-
-TEST_F(Media, FormatsOfFullRangeAreForMotionJpegOnly) {
-    ExportJob toJpegs = VideoJobFor(Clip(), "mjpeg", "matroska");
-    toJpegs.outputPath = Path("jpegs.mkv");
-    RunExport(toJpegs, Ignore);
-    ASSERT_EQ(Probe(toJpegs.outputPath).video->pixelFormat, "yuvj420p");
-    const ExportJob job = VideoJobFor(toJpegs.outputPath, "h264", "mp4");
-    RunExport(job, Ignore);
-    EXPECT_EQ(Probe(job.outputPath).video->pixelFormat, "yuv420p");
-}
-
-TEST_F(Media, ColoursGoByTheMatrixOfTheSize) {
-    for (const int height : {48, 720}) {
-        SCOPED_TRACE(height);
-        ClipSpec spec;
-        spec.frames = 1;
-        spec.soundSeconds = 0;
-        spec.height = height;
-        spec.pixelFormat = "rgb24";
-        spec.isRed = true;
-        ExportJob job = VideoJobFor(Clip(spec), "h264", "mp4");
-        job.video->options = {{"profile", "main"}};
-        RunExport(job, Ignore);
-        const Content content = ReadContent(job.outputPath);
-        const double weightOfRed = height == 720 ? 0.2126 : 0.299;
-        EXPECT_NEAR(content.pictures.at(0).Mean(), 16 + 219 * weightOfRed, 2);
-        EXPECT_EQ(content.colourMatrix, height == 720 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M);
-    }
-}
-
-TEST_F(Media, ChannelsAreMixed) {
-    ClipSpec spec;
-    spec.frames = 0;
-    spec.layout = "5.1";
-    ExportJob job = AudioJobFor(Clip(spec), "pcm_s16le", "wav");
-    job.audio->layout = "stereo";
-    RunExport(job, Ignore);
-    EXPECT_EQ(Probe(job.outputPath).audio->channels, 2);
-    const Content content = ReadContent(job.outputPath);
-    EXPECT_NEAR(content.SoundSeconds(), 0.8, 0.01);
-    EXPECT_NEAR(content.SoundMark(), 0.4, 0.01);
-}
-
-TEST_F(Media, ProfilesAreTaken) {
-    const struct {
-        const char* codec;
-        const char* profile;
-        int number;  ///< as the standards count them: the object type less one for AAC, profile_idc for H.264
-    } table[] = {{"aac", "aac_low", 1}, {"aac", "aac_main", 0}, {"h264", "main", 77}, {"h264", "high", 100}};
-    const std::string input = Clip();
-    for (const auto& row : table) {
-        SCOPED_TRACE(row.profile);
-        const bool isVideo = std::string(row.codec) == "h264";
-        ExportJob job = isVideo ? VideoJobFor(input, row.codec, "mp4") : AudioJobFor(input, row.codec, "mp4");
-        (isVideo ? job.video->options : job.audio->options) = {{"profile", row.profile}};
-        RunExport(job, Ignore);
-        EXPECT_EQ(ReadContent(job.outputPath).profile, row.number);
-    }
-}
-
-TEST_F(Media, FrameTypesAreHeeded) {
-    for (const int bFrames : {0, 2}) {
-        SCOPED_TRACE(bFrames);
-        ExportJob job = VideoJobFor(Clip(), "h264", "matroska");
-        job.video->keyFrameInterval = 5;
-        job.video->maxBFrames = bFrames;
-        job.video->options = {{"preset", "fast"}, {"sc_threshold", "0"}, {"b_strategy", "0"}};
-        RunExport(job, Ignore);
-        const Content content = ReadContent(job.outputPath);
-        std::string types;
-        for (const Picture& picture : content.pictures) types += picture.type;
-        EXPECT_EQ(types, bFrames == 0 ? "IPPPPIPPPPIPPPPIPPPP" : "IBBPPIBBPPIBBPPIBBPP");
-    }
-}
-
-TEST_F(Media, TheEncoderIsToldItsThreadsAndBounds) {
-    // x264 writes its settings into the stream.
-    ExportJob job = VideoJobFor(Clip(), "h264", "matroska");
-    job.video->threads = 3;
-    job.video->bitrate = 321000;
-    RunExport(job, Ignore);
-    const std::string bitrate = ReadFile(job.outputPath);
-    for (const char* const part : {" threads=3 ", " bitrate=321 ", " vbv_maxrate=321 ", " vbv_bufsize=321 "}) {
-        EXPECT_TRUE(bitrate.find(part) != std::string::npos) << part;
-    }
-    job.video->rateControl = RateControl::Quality;
-    job.video->quality = 33;
-    RunExport(job, Ignore);
-    const std::string quality = ReadFile(job.outputPath);
-    EXPECT_TRUE(quality.find(" crf=33.0 ") != std::string::npos);
-    EXPECT_TRUE(quality.find(" vbv_maxrate=") == std::string::npos);
-}
-
-TEST_F(Media, TheHeaderGoesWhereTheContainerWantsIt) {
-    for (const bool globalHeader : {false, true}) {
-        ExportJob job = VideoJobFor(Clip(), "mpeg4", "avi");
-        job.globalHeader = globalHeader;
-        RunExport(job, Ignore);
-        EXPECT_EQ(ReadContent(job.outputPath).extradataSize > 0, globalHeader);
     }
 }
 
@@ -1042,19 +684,6 @@ TEST_F(Media, TheBitrateIsHeld) {
     }
 }
 
-TEST_F(Media, AQualityThatTheEncoderCannotHoldLeavesTheBitrate) {
-    const std::string input = Clip();
-    const auto bytes = [&](RateControl rateControl, long long bitrate) {
-        ExportJob job = AudioJobFor(input, "mp2", "mp2");
-        job.audio->rateControl = rateControl;
-        job.audio->quality = 5;
-        job.audio->bitrate = bitrate;
-        return RunExport(job, Ignore).bytes;
-    };
-    EXPECT_EQ(bytes(RateControl::Quality, 64000), bytes(RateControl::Bitrate, 64000));
-    EXPECT_EQ(bytes(RateControl::Quality, 192000), 3 * bytes(RateControl::Quality, 64000));
-}
-
 /// What an export says of itself, in order.
 std::vector<Progress> ProgressOf(const ExportJob& job) {
     std::vector<Progress> calls;
@@ -1100,57 +729,7 @@ TEST_F(Media, PassesAreMadeWhereTheEncoderCan) {
     }
 }
 
-TEST_F(Media, TheSecondPassKnowsTheFirst) {
-    // One that knew nothing would make what a single pass makes.
-    const struct {
-        const char* codec;
-        const char* muxer;
-    } table[] = {{"h264", "mp4"}, {"hevc", "mp4"}, {"mpeg4", "avi"}, {"vp8", "ivf"}};
-    const std::string input = Clip();
-    for (const auto& row : table) {
-        SCOPED_TRACE(row.codec);
-        const auto outputOf = [&](bool twoPass) {
-            ExportJob job = VideoJobFor(input, row.codec, row.muxer);
-            job.video->bitrate = 100000;
-            job.video->twoPass = twoPass;
-            job.video->threads = 1;
-            RunExport(job, Ignore);
-            return ReadFile(job.outputPath);
-        };
-        EXPECT_TRUE(outputOf(false) == outputOf(false)) << "the encoder makes the same of the same";
-        EXPECT_FALSE(outputOf(true) == outputOf(false));
-    }
-}
-
-TEST_F(Media, EncodersAreAsQuietAsFFmpegIsTold) {
-    const ExportJob job = VideoJobFor(Clip(), "hevc", "mp4");
-    const auto printed = [&](int level) {
-        av_log_set_level(level);
-        testing::internal::CaptureStderr();
-        RunExport(job, Ignore);
-        return testing::internal::GetCapturedStderr();
-    };
-    EXPECT_EQ(printed(AV_LOG_QUIET), "");
-    EXPECT_THAT(printed(AV_LOG_INFO), HasSubstr("x265 [info]"));
-}
-
 // -------------------------------------------------------------------------------------------------- progress
-
-TEST_F(Media, ProgressRisesToTheTotal) {
-    for (const bool twoPass : {false, true}) {
-        ExportJob job = JobFor(Clip());
-        job.video->twoPass = twoPass;
-        const std::vector<Progress> calls = ProgressOf(job);
-        ASSERT_GE(calls.size(), 2u);
-        for (std::size_t i = 1; i < calls.size(); ++i) {
-            EXPECT_GE(calls[i].secondsDone, calls[i - 1].secondsDone);
-            EXPECT_GE(calls[i].pass, calls[i - 1].pass);
-        }
-        EXPECT_LT(calls.front().secondsDone, 0.2);
-        EXPECT_DOUBLE_EQ(calls.back().secondsDone, calls.back().secondsTotal);
-        EXPECT_NEAR(calls.back().secondsTotal, twoPass ? 1.6 : 0.8, 0.1);
-    }
-}
 
 TEST_F(Media, ProgressCoversBothPasses) {
     ClipSpec spec;
@@ -1174,24 +753,6 @@ TEST_F(Media, ProgressCoversBothPasses) {
     }
     EXPECT_EQ(calls.front().pass, 1);
     EXPECT_EQ(calls[calls.size() - 3].pass, 2);
-}
-
-TEST_F(Media, ProgressIsToldSomeTenTimesPerSecond) {
-    ClipSpec spec;
-    spec.frames = 500;
-    spec.width = spec.height = 16;
-    const ExportJob job = JobFor(Clip(spec));
-    const auto begin = std::chrono::steady_clock::now();
-    const std::size_t calls = ProgressOf(job).size();
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
-    EXPECT_LE(static_cast<double>(calls), taken.count() * 10 + 2);
-    EXPECT_GE(calls, 2u);
-}
-
-TEST_F(Media, NobodyNeedsToListen) {
-    const ExportJob job = JobFor(Clip());
-    RunExport(job, nullptr);
-    EXPECT_TRUE(Probe(job.outputPath).video);
 }
 
 // -------------------------------------------------------------------------------------------------- failures
@@ -1277,13 +838,6 @@ TEST_F(MediaFailure, AJobThatDoesNotWorkOutIsToldPlainly) {
     }
 }
 
-TEST_F(MediaFailure, AnOptionThatOnlyTheSecondPassTakesAmissLeavesNothing) {
-    ExportJob job = JobFor(Clip());
-    job.video->twoPass = true;
-    job.audio->options = {{"no_such_option", "1"}};
-    EXPECT_THAT(FailureOf(job), HasSubstr("'no_such_option'"));
-}
-
 TEST_F(MediaFailure, OutputsThatCannotBeWritten) {
     const std::string input = Clip();
     fs::create_directory(Path("folder"));
@@ -1309,16 +863,6 @@ TEST_F(MediaFailure, OutputsThatCannotBeWritten) {
     }
     EXPECT_EQ(ReadFile(input), inputBytes);
     EXPECT_TRUE(fs::is_fifo(Path("fifo")));
-}
-
-TEST_F(Media, ALinkIsFollowed) {
-    WriteFile(Path("real.mp4"), "old");
-    fs::create_symlink(Path("real.mp4"), Path("link.mp4"));
-    ExportJob job = JobFor(Clip());
-    job.outputPath = Path("link.mp4");
-    RunExport(job, Ignore);
-    EXPECT_TRUE(fs::is_symlink(Path("link.mp4")));
-    EXPECT_TRUE(Probe(Path("real.mp4")).video);
 }
 
 /// Lets no file of this process grow past `bytes`, as a full disk would.
@@ -1452,65 +996,6 @@ TEST_F(DamagedMedia, ACutFileIsExportedAsFarAsItGoes) {
     const ExportResult result = RunExport(job, Ignore);
     EXPECT_GT(result.videoFrames, 4);
     EXPECT_LT(result.videoFrames, 16);
-}
-
-TEST_F(Media, PicturesMayChangeTheirSizeOnTheWay) {
-    std::string joined;
-    for (const int width : {64, 96}) {
-        ClipSpec spec;
-        spec.width = width;
-        spec.markTime = width == 64 ? 10 : 0.4;
-        ExportJob job = VideoJobFor(Clip(spec), "mjpeg", "mjpeg");
-        RunExport(job, Ignore);
-        joined += ReadFile(job.outputPath);
-    }
-    WriteFile(Path("joined.mjpeg"), joined);
-    ExportJob job = VideoJobFor(Path("joined.mjpeg"), "h264", "mp4");
-    job.video->fit = Fit::Letterbox;
-    RunExport(job, Ignore);
-    const Content content = ReadContent(job.outputPath);
-    ASSERT_EQ(content.pictures.size(), 40u);
-    for (const Picture& picture : content.pictures) EXPECT_EQ(picture.width, 64);
-    EXPECT_EQ(BarsOf(content.pictures[5]).top, 0);
-    EXPECT_NEAR(BarsOf(content.pictures[25]).top, 8, 1);
-    EXPECT_NEAR(content.PictureMark(), 0.8 + 0.4, 0.041);
-}
-
-TEST_F(Media, SoundMayChangeItsFormOnTheWay) {
-    std::string joined;
-    for (const int rate : {48000, 32000}) {
-        ClipSpec spec;
-        spec.frames = 0;
-        spec.sampleRate = rate;
-        spec.layout = rate == 48000 ? "stereo" : "mono";
-        spec.markTime = rate == 48000 ? 10 : 0.4;
-        ExportJob job = AudioJobFor(Clip(spec), "mp2", "mp2");
-        RunExport(job, Ignore);
-        joined += ReadFile(job.outputPath);
-    }
-    WriteFile(Path("joined.mp2"), joined);
-    for (const char* const codec : {"aac", "pcm_s16le"}) {
-        SCOPED_TRACE(codec);
-        ExportJob job = AudioJobFor(Path("joined.mp2"), codec, "mov");
-        job.audio->sampleRate = 48000;
-        job.audio->layout = "stereo";
-        RunExport(job, Ignore);
-        const Content content = ReadContent(job.outputPath);
-        EXPECT_EQ(content.sampleRate, 48000);
-        EXPECT_NEAR(content.SoundSeconds(), 1.6, 0.1);
-        EXPECT_NEAR(content.SoundMark(), 0.8 + 0.4, 0.05);
-    }
-}
-
-TEST_F(Media, ACoverPictureCanBeExported) {
-    ClipSpec spec;
-    spec.muxer = "matroska";
-    spec.frames = 0;
-    spec.coverPicture = true;
-    const ExportJob job = JobFor(Clip(spec, "cover.mkv"));
-    const ExportResult result = RunExport(job, Ignore);
-    EXPECT_EQ(result.videoFrames, 1);
-    EXPECT_EQ(Probe(job.outputPath).video->width, 32);
 }
 
 }  // namespace

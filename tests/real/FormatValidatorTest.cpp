@@ -119,6 +119,11 @@ TEST_F(FormatValidatorTest, AsksTheFactoryForEveryEntryAndKeepsWhatItFoundBefore
     failing->throwsFor = "aac";
     EXPECT_THROW(FormatValidator::Instance().FillEncoders(failing), std::out_of_range);
     EXPECT_THAT(FormatValidator::Instance().GetSupportedAudioCodecs("matroska", {}, {}), ElementsAre());
+    // The entries of H.264 that FFmpeg lists in front of AAC's.
+    position = nullptr;
+    const AVCodec* codec = av_codec_iterate(&position);
+    while (codec->id != AV_CODEC_ID_AAC && codec->id != AV_CODEC_ID_H264) codec = av_codec_iterate(&position);
+    EXPECT_EQ(Video("matroska", {}, {"hevc"}), codec->id == AV_CODEC_ID_H264 ? Ids{"h264"} : Ids{});
 }
 
 TEST_F(FormatValidatorTest, AFormatKeepsTheListsOfTheCensusThatItWasBuiltWith) {

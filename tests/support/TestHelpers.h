@@ -27,8 +27,7 @@ inline Norvex::Conf::ConstraintMap CollectConstraints(const Norvex::Conf::IDataH
     return constraints;
 }
 
-/// The constraint as it comes out of rule lists and maps after `value` was offered to it: "ok", "fixed to X", "no" or
-/// "throws".
+/// What the constraint makes of the value: "ok", "fixed to X" or "no".
 template <class Constraint>
 std::string FixupOf(const Constraint& constraint, Norvex::Core::Property value) {
     const Norvex::Core::Property before = value;

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
 #include <boost/rational.hpp>
+#include <locale>
+#include <optional>
 
 #include "norvex/Norvex.h"
 #include "support/FakeBuild.h"
@@ -79,6 +81,29 @@ TEST(EncoderDiscovery, LabelsFrameRatesWithFiveDigitsAndKeepsThemExact) {
                 ElementsAre("add 29.97=30000/1001", "add 23.976=24000/1001", "add 30=30/1", "add 25=25/1",
                             "add 25=25/1", "end"));
     EXPECT_THAT(RulesOf(codec), ElementsAre(g_fps + "29.97, 23.976, 30, 25, 25"));
+}
+
+/// The decimal point of much of the world.
+class CommaPunctuation final : public std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+};
+
+TEST(EncoderDiscovery, LabelsFrameRatesAlikeInEveryLocale) {
+    const std::locale before = std::locale::global(std::locale(std::locale(), new CommaPunctuation));
+    EXPECT_THAT(Rules(MediaType::Video, {{{30000, 1001}}, {}, {}, {}}), ElementsAre(g_fps + "29.97"));
+    std::locale::global(before);
+}
+
+TEST(EncoderDiscovery, AskingAgainReplacesWhatTheEncoderDeclared) {
+    using Build = std::map<std::string, FakeEncoder>;
+    std::optional<FakeBuild> build(Build{{"test", {{}, {AV_SAMPLE_FMT_S16}, {44100}, {}}}});
+    TestCodec codec(MediaType::Audio);
+    build.reset();
+    codec.Load();
+    EXPECT_THAT(RulesOf(codec), ElementsAre(g_rate + "44100", g_format + "s16")) << "no encoder, no news";
+    build.emplace(Build{{"test", {{}, {}, {22050}, {}}}});
+    codec.Load();
+    EXPECT_THAT(RulesOf(codec), ElementsAre(g_rate + "22050"));
 }
 
 TEST(EncoderDiscovery, AFrameRateWithoutDenominatorEndsTheConstruction) {

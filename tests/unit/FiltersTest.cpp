@@ -154,6 +154,13 @@ TEST(Resizer, SettlesTheOutputFrame) {
         {Size::CustomScale, Custom::Auto, {}, 1.5, wide, "2880x1620 1:1"},
         {Size::CustomScale, Custom::Auto, {}, 1e30, wide, "2147483646x2147483646 1:1"},
         {Size::CustomScale, Custom::Auto, {}, -1, wide, "2x2 1:1"},
+        {Size::CustomScale, Custom::Auto, {}, std::numeric_limits<double>::quiet_NaN(), wide, "2x2 1:1"},
+        {Size::CustomScale,
+         Custom::Auto,
+         {},
+         std::numeric_limits<double>::infinity(),
+         {0, 9, 1, 1},
+         "2x2147483646 1:1"},
         {Size::Custom, Custom::Letterbox, {800, 600, 1, 1}, 1, wide, "800x600 1:1"},
         {Size::Custom, Custom::Crop, {800, 600, 1, 1}, 1, wide, "800x600 1:1"},
         {Size::Custom, Custom::Stretch, {800, 600, 1, 1}, 1, wide, "800x600 1:1"},
@@ -245,6 +252,9 @@ TEST(DefaultVideoBitrate, NeverFallsWhenSomethingGetsBetter) {
                   V::MAX_VIDEO_BITRATE);
     }
     EXPECT_EQ(sweeps, 38 * 4);
+    for (const long long size : {-1LL, 0LL, 1LL, std::numeric_limits<long long>::max()}) {
+        EXPECT_EQ(GetDefaultVideoBitrate("no codec", size, size, 25, -1), size > 1 ? V::MAX_VIDEO_BITRATE : 100000);
+    }
     // Each generation needs fewer bits than the one before it.
     const char* const generations[] = {"av1", "hevc", "h264", "mpeg4", "mpeg2video", "mpeg1video", "mjpeg"};
     for (std::size_t i = 1; i < std::size(generations); ++i) {

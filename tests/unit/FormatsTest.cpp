@@ -66,6 +66,29 @@ TEST(FormatBase, KnowsOnlyTheKindsThatItHas) {
     EXPECT_EQ(former->GetRefCount(), 1U) << "released";
 }
 
+TEST(FormatBase, EveryDefaultStreamOfTheCatalogueHasALegalCodec) {
+    std::size_t checked = 0;
+    for (const auto& [id, format] : GetAvailableDataHelpers(IPreset::KEY_FORMAT)) {
+        const ConstraintMap constraints = CollectConstraints(*format);
+        const Property defaults = format->GetDefaults();
+        std::size_t position = 0;
+        for (const Property& stream : defaults[IPreset::KEY_STREAMS]) {
+            SCOPED_TRACE(id + ' ' + stream.GetName());
+            EXPECT_EQ(stream.GetName(), std::to_string(position++));
+            const Property& section = stream[1];
+            const std::string pattern =
+                "streams_any_" + stream[IPreset::KEY_TYPE_ID].GetString() + '/' + section.GetName() + "/codec_id";
+            ASSERT_TRUE(constraints.count(pattern)) << pattern;
+            EXPECT_TRUE(constraints.at(pattern)->IsValid(section[V::TAG_CODEC_ID]));
+            ++checked;
+        }
+        ObjectList objects;
+        format->GetRequiredObjects(objects);
+        EXPECT_TRUE(objects.empty()) << id;
+    }
+    EXPECT_GT(checked, GetAvailableDataHelpers(IPreset::KEY_FORMAT).size());
+}
+
 const std::string g_fpsPath = "filter_rate/frame_rate";
 
 SP<IPropertyConstraint> Codecs(const std::string& id) {
