@@ -45,7 +45,7 @@ extern "C" __attribute__((visibility("default"))) const char* __lsan_default_sup
 namespace {
 
 using namespace NorvexExport;
-using NorvexTest::ClipSpec;
+using NorvexTest::ClipSettings;
 using NorvexTest::MakeClip;
 using testing::AllOf;
 using testing::Contains;
@@ -256,8 +256,8 @@ protected:
 
     std::string Path(const std::string& name) const { return (m_folder / name).string(); }
 
-    std::string Clip(const ClipSpec& spec = ClipSpec(), const std::string& name = "in.nut") const {
-        return MakeClip(Path(name), spec);
+    std::string Clip(const ClipSettings& clip = ClipSettings(), const std::string& name = "in.nut") const {
+        return MakeClip(Path(name), clip);
     }
 
     /// All files of the test's folder, temporary ones included.
@@ -326,10 +326,10 @@ private:
 // ------------------------------------------------------------------------------------------------- Probe
 
 TEST_F(Media, ProbeDescribesBothStreams) {
-    ClipSpec spec;
-    spec.aspectX = 4;
-    spec.aspectY = 3;
-    const InputInfo info = Probe(Clip(spec));
+    ClipSettings clip;
+    clip.aspectX = 4;
+    clip.aspectY = 3;
+    const InputInfo info = Probe(Clip(clip));
     EXPECT_EQ(info.path, Path("in.nut"));
     EXPECT_EQ(info.container, "nut");
     EXPECT_NEAR(info.duration, 0.8, 0.05);
@@ -397,7 +397,7 @@ private:
 };
 
 TEST_F(Media, NamesAreFilesWhateverProtocolTheyLookLike) {
-    Clip(ClipSpec(), "pipe:0");
+    Clip(ClipSettings(), "pipe:0");
     const WorkingFolder folder(Path(""));
     ExportJob job = JobFor("pipe:0");
     job.outputPath = "pipe:1";
@@ -410,10 +410,10 @@ TEST_F(Media, NamesAreFilesWhateverProtocolTheyLookLike) {
 // ------------------------------------------------------------------------------------- what comes out of it
 
 TEST_F(Media, ExportsH264AndAacToMp4) {
-    ClipSpec spec;
-    spec.aspectX = 4;
-    spec.aspectY = 3;
-    const ExportJob job = JobFor(Clip(spec));
+    ClipSettings clip;
+    clip.aspectX = 4;
+    clip.aspectY = 3;
+    const ExportJob job = JobFor(Clip(clip));
     const ExportResult result = RunExport(job, Ignore);
     EXPECT_EQ(result.videoFrames, 20);
     EXPECT_NEAR(static_cast<double>(result.audioSamples), 0.8 * 48000, 1024);
@@ -436,8 +436,8 @@ TEST_F(Media, ExportsH264AndAacToMp4) {
 
     const Content content = ReadContent(job.outputPath);
     EXPECT_EQ(content.pictures.size(), 20u);
-    EXPECT_NEAR(content.pictures.front().Column(2), ClipSpec::RAMP_LEFT, 12);
-    EXPECT_NEAR(content.pictures.front().Column(61), ClipSpec::RAMP_RIGHT, 12);
+    EXPECT_NEAR(content.pictures.front().Column(2), ClipSettings::RAMP_LEFT, 12);
+    EXPECT_NEAR(content.pictures.front().Column(61), ClipSettings::RAMP_RIGHT, 12);
     EXPECT_NEAR(content.pictures.back().time, 19 / 25.0, 0.001);
 }
 
@@ -454,11 +454,11 @@ TEST_F(Media, StreamsBeginTogetherAndStayInStep) {
     for (const auto& row : table) {
         for (const char* const muxer : {"mp4", "matroska"}) {
             SCOPED_TRACE(std::string(row.name) + " " + muxer);
-            ClipSpec spec;
-            spec.startTime = row.startTime;
-            spec.videoDelay = row.videoDelay;
-            spec.audioDelay = row.audioDelay;
-            ExportJob job = JobFor(Clip(spec));
+            ClipSettings clip;
+            clip.startTime = row.startTime;
+            clip.videoDelay = row.videoDelay;
+            clip.audioDelay = row.audioDelay;
+            ExportJob job = JobFor(Clip(clip));
             job.muxer = muxer;
             const ExportResult result = RunExport(job, Ignore);
             EXPECT_NEAR(static_cast<double>(result.videoFrames) / 25, 0.8 + row.videoDelay, 0.041);
@@ -474,10 +474,10 @@ TEST_F(Media, StreamsBeginTogetherAndStayInStep) {
 }
 
 TEST_F(Media, GapsInTheSoundBecomeSilence) {
-    ClipSpec spec;
-    spec.gapBegin = 0.1;
-    spec.gapEnd = 0.3;
-    const ExportJob job = AudioJobFor(Clip(spec), "pcm_s16le", "wav");
+    ClipSettings clip;
+    clip.gapBegin = 0.1;
+    clip.gapEnd = 0.3;
+    const ExportJob job = AudioJobFor(Clip(clip), "pcm_s16le", "wav");
     RunExport(job, Ignore);
     const Content content = ReadContent(job.outputPath);
     EXPECT_NEAR(content.SoundSeconds(), 0.8, 0.01);
@@ -550,14 +550,14 @@ TEST_F(Media, FitsPicturesIntoOtherShapes) {
     };
     for (const auto& row : table) {
         SCOPED_TRACE(row.name);
-        ClipSpec spec;
-        spec.frames = 2;
-        spec.soundSeconds = 0;
-        spec.width = row.width;
-        spec.height = row.height;
-        spec.aspectX = row.aspectX;
-        spec.aspectY = row.aspectY;
-        ExportJob job = VideoJobFor(Clip(spec), "h264", "mp4");
+        ClipSettings clip;
+        clip.frames = 2;
+        clip.soundSeconds = 0;
+        clip.width = row.width;
+        clip.height = row.height;
+        clip.aspectX = row.aspectX;
+        clip.aspectY = row.aspectY;
+        ExportJob job = VideoJobFor(Clip(clip), "h264", "mp4");
         job.video->width = row.targetWidth;
         job.video->height = row.targetHeight;
         job.video->sampleAspect = {1, 1};
@@ -601,11 +601,11 @@ TEST_F(Media, ChoosesThePixelFormat) {
     };
     for (const auto& row : table) {
         SCOPED_TRACE(std::string(row.source) + " to " + row.codec + " " + (row.profile != nullptr ? row.profile : ""));
-        ClipSpec spec;
-        spec.frames = 3;
-        spec.soundSeconds = 0;
-        spec.pixelFormat = row.source;
-        ExportJob job = VideoJobFor(Clip(spec), row.codec, "matroska");
+        ClipSettings clip;
+        clip.frames = 3;
+        clip.soundSeconds = 0;
+        clip.pixelFormat = row.source;
+        ExportJob job = VideoJobFor(Clip(clip), row.codec, "matroska");
         job.video->options.clear();
         if (row.profile != nullptr) job.video->options.emplace_back("profile", row.profile);
         RunExport(job, Ignore);
@@ -660,12 +660,12 @@ TEST_F(Media, TheBitrateIsHeld) {
         {"h264", "mp4", false}, {"h264", "mp4", true}, {"hevc", "mp4", false},         {"hevc", "mp4", true},
         {"mpeg4", "avi", true}, {"vp8", "webm", true}, {"mpeg2video", "mpegts", true},
     };
-    ClipSpec spec;
-    spec.frames = 24;
-    spec.width = 160;
-    spec.height = 120;
-    spec.soundSeconds = 0;
-    const std::string input = Clip(spec);
+    ClipSettings clip;
+    clip.frames = 24;
+    clip.width = 160;
+    clip.height = 120;
+    clip.soundSeconds = 0;
+    const std::string input = Clip(clip);
     for (const auto& row : table) {
         SCOPED_TRACE(std::string(row.codec) + (row.twoPass ? " in two passes" : ""));
         const auto bitrate = [&](long long wanted) {
@@ -732,10 +732,10 @@ TEST_F(Media, PassesAreMadeWhereTheEncoderCan) {
 // -------------------------------------------------------------------------------------------------- progress
 
 TEST_F(Media, ProgressCoversBothPasses) {
-    ClipSpec spec;
-    spec.frames = 3;
-    spec.soundSeconds = 0;
-    ExportJob job = VideoJobFor(Clip(spec), "mpeg4", "avi");
+    ClipSettings clip;
+    clip.frames = 3;
+    clip.soundSeconds = 0;
+    ExportJob job = VideoJobFor(Clip(clip), "mpeg4", "avi");
     job.video->twoPass = true;
     std::vector<Progress> calls;
     RunExport(job, [&](const Progress& progress) {
@@ -887,10 +887,10 @@ private:
 };
 
 TEST_F(MediaFailure, AFullDiskIsReported) {
-    ClipSpec spec;
-    spec.width = 160;
-    spec.height = 120;
-    const std::string input = Clip(spec);
+    ClipSettings clip;
+    clip.width = 160;
+    clip.height = 120;
+    const std::string input = Clip(clip);
     // Large enough to fail on the way, and so small that only the end of the file is too much.
     for (const int shortBy : {60000, 1}) {
         SCOPED_TRACE(shortBy);

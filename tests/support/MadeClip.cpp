@@ -52,24 +52,24 @@ std::int64_t Ticks(double seconds) {
     return std::llround(seconds * clock.den / clock.num);
 }
 
-bool IsMarked(const ClipSpec& spec, double time) {
+bool IsMarked(const ClipSettings& clip, double time) {
     constexpr double slack = 1e-6;
-    return time > spec.markTime - slack && time < spec.markTime + ClipSpec::MARK_LENGTH - slack;
+    return time > clip.markTime - slack && time < clip.markTime + ClipSettings::MARK_LENGTH - slack;
 }
 
 /// A value of the first component, or of all components of an RGB format, of 255.
-int Brightness(const ClipSpec& spec, double time, int x, std::mt19937& noise) {
-    if (IsMarked(spec, time)) return 255;
-    const int ramp = (ClipSpec::RAMP_RIGHT - ClipSpec::RAMP_LEFT) * x / std::max(1, spec.width - 1);
-    return ClipSpec::RAMP_LEFT + ramp + static_cast<int>(noise() % 17) - 8;
+int Brightness(const ClipSettings& clip, double time, int x, std::mt19937& noise) {
+    if (IsMarked(clip, time)) return 255;
+    const int ramp = (ClipSettings::RAMP_RIGHT - ClipSettings::RAMP_LEFT) * x / std::max(1, clip.width - 1);
+    return ClipSettings::RAMP_LEFT + ramp + static_cast<int>(noise() % 17) - 8;
 }
 
 /// One picture in any pixel format, as a frame.
-Owned<AVFrame> DrawPicture(const ClipSpec& spec, AVPixelFormat format, double time, std::mt19937& noise) {
+Owned<AVFrame> DrawPicture(const ClipSettings& clip, AVPixelFormat format, double time, std::mt19937& noise) {
     Owned<AVFrame> frame = Own(av_frame_alloc(), "a frame");
     frame->format = format;
-    frame->width = spec.width;
-    frame->height = spec.height;
+    frame->width = clip.width;
+    frame->height = clip.height;
     Check(av_frame_get_buffer(frame.get(), 0), "a picture");
     for (const AVBufferRef* const buffer : frame->buf) {
         if (buffer != nullptr) std::memset(buffer->data, 0, buffer->size);  // lines are written by "or"
@@ -80,13 +80,13 @@ Owned<AVFrame> DrawPicture(const ClipSpec& spec, AVPixelFormat format, double ti
     for (int component = 0; component < descriptor.nb_components; ++component) {
         const bool isChroma = !isRgb && (component == 1 || component == 2);
         const int depth = descriptor.comp[component].depth;
-        const int width = isChroma ? AV_CEIL_RSHIFT(spec.width, descriptor.log2_chroma_w) : spec.width;
-        const int height = isChroma ? AV_CEIL_RSHIFT(spec.height, descriptor.log2_chroma_h) : spec.height;
+        const int width = isChroma ? AV_CEIL_RSHIFT(clip.width, descriptor.log2_chroma_w) : clip.width;
+        const int height = isChroma ? AV_CEIL_RSHIFT(clip.height, descriptor.log2_chroma_h) : clip.height;
         std::vector<std::uint16_t> line(static_cast<std::size_t>(width));
         for (int y = 0; y < height; ++y) {
             for (int x = 0; x < width; ++x) {
-                const int plain = isChroma ? 128 : Brightness(spec, time, x, noise);
-                const int value = spec.isRed ? (component == 0 ? 255 : 0) : plain;
+                const int plain = isChroma ? 128 : Brightness(clip, time, x, noise);
+                const int value = clip.isRed ? (component == 0 ? 255 : 0) : plain;
                 line[static_cast<std::size_t>(x)] = static_cast<std::uint16_t>(value << (depth - 8));
             }
             av_write_image_line(line.data(), frame->data, frame->linesize, &descriptor, 0, y, component, width);
@@ -96,24 +96,25 @@ Owned<AVFrame> DrawPicture(const ClipSpec& spec, AVPixelFormat format, double ti
 }
 
 /// The bytes of raw video.
-std::vector<std::uint8_t> PictureBytes(const ClipSpec& spec, AVPixelFormat format, double time, std::mt19937& noise) {
-    const Owned<AVFrame> frame = DrawPicture(spec, format, time, noise);
-    const int size = Check(av_image_get_buffer_size(format, spec.width, spec.height, 1), "a picture");
+std::vector<std::uint8_t> PictureBytes(const ClipSettings& clip, AVPixelFormat format, double time,
+                                       std::mt19937& noise) {
+    const Owned<AVFrame> frame = DrawPicture(clip, format, time, noise);
+    const int size = Check(av_image_get_buffer_size(format, clip.width, clip.height, 1), "a picture");
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
-    Check(av_image_copy_to_buffer(bytes.data(), size, frame->data, frame->linesize, format, spec.width, spec.height, 1),
+    Check(av_image_copy_to_buffer(bytes.data(), size, frame->data, frame->linesize, format, clip.width, clip.height, 1),
           "a picture");
     return bytes;
 }
 
 /// The bytes of PCM of 16 bits from the first sample to before the last one.
-std::vector<std::uint8_t> SoundBytes(const ClipSpec& spec, int channels, long long first, long long last,
+std::vector<std::uint8_t> SoundBytes(const ClipSettings& clip, int channels, long long first, long long last,
                                      std::mt19937& noise) {
     std::vector<std::uint8_t> bytes;
     for (long long sample = first; sample < last; ++sample) {
-        const double time = static_cast<double>(sample) / spec.sampleRate;
+        const double time = static_cast<double>(sample) / clip.sampleRate;
         const double tone = std::sin(time * 2 * 3.14159265358979 * 1000);
         const double wave = tone + static_cast<double>(noise() % 1000) / 1000 - 0.5;
-        const double level = IsMarked(spec, time + spec.audioDelay) ? 0.5 : 0.01;
+        const double level = IsMarked(clip, time + clip.audioDelay) ? 0.5 : 0.01;
         const auto value = static_cast<std::uint16_t>(static_cast<std::int16_t>(std::lround(wave * level * 32767)));
         for (int channel = 0; channel < channels; ++channel) {
             bytes.push_back(static_cast<std::uint8_t>(value & 0xff));
@@ -124,14 +125,14 @@ std::vector<std::uint8_t> SoundBytes(const ClipSpec& spec, int channels, long lo
 }
 
 std::vector<std::uint8_t> CoverBytes() {
-    ClipSpec spec;
-    spec.width = spec.height = 32;
+    ClipSettings clip;
+    clip.width = clip.height = 32;
     std::mt19937 noise(1);
-    const Owned<AVFrame> frame = DrawPicture(spec, AV_PIX_FMT_RGB24, 0, noise);
+    const Owned<AVFrame> frame = DrawPicture(clip, AV_PIX_FMT_RGB24, 0, noise);
     const AVCodec* const codec = avcodec_find_encoder(AV_CODEC_ID_PNG);
     const Owned<AVCodecContext> encoder = Own(avcodec_alloc_context3(codec), "a PNG encoder");
-    encoder->width = spec.width;
-    encoder->height = spec.height;
+    encoder->width = clip.width;
+    encoder->height = clip.height;
     encoder->pix_fmt = AV_PIX_FMT_RGB24;
     encoder->time_base = {1, 25};
     Check(avcodec_open2(encoder.get(), codec, nullptr), "a PNG encoder");
@@ -180,25 +181,25 @@ private:
     Owned<AVFormatContext> m_context;
 };
 
-AVStream& AddVideo(Writer& writer, const ClipSpec& spec) {
+AVStream& AddVideo(Writer& writer, const ClipSettings& clip) {
     AVStream& stream = writer.AddStream(AVMEDIA_TYPE_VIDEO, AV_CODEC_ID_RAWVIDEO);
-    const AVPixelFormat format = av_get_pix_fmt(spec.pixelFormat.c_str());
+    const AVPixelFormat format = av_get_pix_fmt(clip.pixelFormat.c_str());
     if (format == AV_PIX_FMT_NONE) throw std::runtime_error("cannot make the clip: its pixel format");
     stream.codecpar->format = format;
     stream.codecpar->codec_tag = avcodec_pix_fmt_to_codec_tag(format);
-    if (spec.isFullRange) stream.codecpar->color_range = AVCOL_RANGE_JPEG;
-    stream.codecpar->width = spec.width;
-    stream.codecpar->height = spec.height;
-    stream.codecpar->sample_aspect_ratio = stream.sample_aspect_ratio = {spec.aspectX, spec.aspectY};
-    if (spec.frameTimes.empty()) stream.avg_frame_rate = {spec.frameRate, 1};
+    if (clip.isFullRange) stream.codecpar->color_range = AVCOL_RANGE_JPEG;
+    stream.codecpar->width = clip.width;
+    stream.codecpar->height = clip.height;
+    stream.codecpar->sample_aspect_ratio = stream.sample_aspect_ratio = {clip.aspectX, clip.aspectY};
+    if (clip.frameTimes.empty()) stream.avg_frame_rate = {clip.frameRate, 1};
     return stream;
 }
 
-AVStream& AddSound(Writer& writer, const ClipSpec& spec) {
+AVStream& AddSound(Writer& writer, const ClipSettings& clip) {
     AVStream& stream = writer.AddStream(AVMEDIA_TYPE_AUDIO, AV_CODEC_ID_PCM_S16LE);
-    Check(av_channel_layout_from_string(&stream.codecpar->ch_layout, spec.layout.c_str()), "its layout");
+    Check(av_channel_layout_from_string(&stream.codecpar->ch_layout, clip.layout.c_str()), "its layout");
     stream.codecpar->format = AV_SAMPLE_FMT_S16;
-    stream.codecpar->sample_rate = spec.sampleRate;
+    stream.codecpar->sample_rate = clip.sampleRate;
     stream.codecpar->bits_per_coded_sample = 16;
     stream.codecpar->block_align = 2 * stream.codecpar->ch_layout.nb_channels;
     return stream;
@@ -215,47 +216,47 @@ void AddCover(Writer& writer) {
     Check(av_dict_set(&stream.metadata, "mimetype", "image/png", 0), "a cover picture");
 }
 
-void WritePictures(Writer& writer, const AVStream& stream, const ClipSpec& spec) {
-    const AVPixelFormat format = av_get_pix_fmt(spec.pixelFormat.c_str());
+void WritePictures(Writer& writer, const AVStream& stream, const ClipSettings& clip) {
+    const AVPixelFormat format = av_get_pix_fmt(clip.pixelFormat.c_str());
     std::mt19937 noise(1);
-    for (int i = 0; i < spec.frames; ++i) {
-        const double steady = static_cast<double>(i) / spec.frameRate;
-        const double shown = spec.frameTimes.empty() ? steady : spec.frameTimes.at(static_cast<std::size_t>(i));
-        const double time = spec.videoDelay + shown;
-        writer.Write(stream, PictureBytes(spec, format, time, noise), spec.startTime + time, 1.0 / spec.frameRate);
+    for (int i = 0; i < clip.frames; ++i) {
+        const double steady = static_cast<double>(i) / clip.frameRate;
+        const double shown = clip.frameTimes.empty() ? steady : clip.frameTimes.at(static_cast<std::size_t>(i));
+        const double time = clip.videoDelay + shown;
+        writer.Write(stream, PictureBytes(clip, format, time, noise), clip.startTime + time, 1.0 / clip.frameRate);
     }
 }
 
-void WriteSound(Writer& writer, const AVStream& stream, const ClipSpec& spec) {
+void WriteSound(Writer& writer, const AVStream& stream, const ClipSettings& clip) {
     const int channels = stream.codecpar->ch_layout.nb_channels;
-    const long long samples = std::llround(spec.soundSeconds * spec.sampleRate);
-    const int step = spec.sampleRate / 50;
+    const long long samples = std::llround(clip.soundSeconds * clip.sampleRate);
+    const int step = clip.sampleRate / 50;
     std::mt19937 noise(2);
     for (long long first = 0; first < samples; first += step) {
-        const double time = spec.audioDelay + static_cast<double>(first) / spec.sampleRate;
-        if (time >= spec.gapBegin && time < spec.gapEnd) continue;
+        const double time = clip.audioDelay + static_cast<double>(first) / clip.sampleRate;
+        if (time >= clip.gapBegin && time < clip.gapEnd) continue;
         const long long last = std::min<long long>(first + step, samples);
-        writer.Write(stream, SoundBytes(spec, channels, first, last, noise), spec.startTime + time,
-                     static_cast<double>(last - first) / spec.sampleRate);
+        writer.Write(stream, SoundBytes(clip, channels, first, last, noise), clip.startTime + time,
+                     static_cast<double>(last - first) / clip.sampleRate);
     }
 }
 
 }  // namespace
 
-std::string MakeClip(const std::string& path, const ClipSpec& spec) {
-    Writer writer(path, spec.muxer);
-    ClipSpec second = spec;
+std::string MakeClip(const std::string& path, const ClipSettings& clip) {
+    Writer writer(path, clip.muxer);
+    ClipSettings second = clip;
     second.width /= 2;
     second.height /= 2;
-    AVStream* const secondVideo = spec.hasSecondVideo ? &AddVideo(writer, second) : nullptr;
-    AVStream* const video = spec.frames > 0 ? &AddVideo(writer, spec) : nullptr;
-    AVStream* const audio = spec.soundSeconds > 0 ? &AddSound(writer, spec) : nullptr;
-    if (spec.coverPicture) AddCover(writer);
-    if (spec.hasSecondVideo && video != nullptr) video->disposition |= AV_DISPOSITION_DEFAULT;
+    AVStream* const secondVideo = clip.hasSecondVideo ? &AddVideo(writer, second) : nullptr;
+    AVStream* const video = clip.frames > 0 ? &AddVideo(writer, clip) : nullptr;
+    AVStream* const audio = clip.soundSeconds > 0 ? &AddSound(writer, clip) : nullptr;
+    if (clip.coverPicture) AddCover(writer);
+    if (clip.hasSecondVideo && video != nullptr) video->disposition |= AV_DISPOSITION_DEFAULT;
     writer.Begin();
     if (secondVideo != nullptr) WritePictures(writer, *secondVideo, second);
-    if (video != nullptr) WritePictures(writer, *video, spec);
-    if (audio != nullptr) WriteSound(writer, *audio, spec);
+    if (video != nullptr) WritePictures(writer, *video, clip);
+    if (audio != nullptr) WriteSound(writer, *audio, clip);
     writer.Finish();
     return path;
 }

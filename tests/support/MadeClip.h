@@ -10,7 +10,7 @@ namespace NorvexTest {
 /// Each picture is a ramp of luma from RAMP_LEFT at the left edge to RAMP_RIGHT at the right one with a little
 /// noise on it, and the sound is a faint tone with noise as well. During the mark the pictures are white and the tone
 /// is loud.
-struct ClipSpec {
+struct ClipSettings {
     static constexpr int RAMP_LEFT = 50;        ///< of 255, on the scale of the pixel format's own range
     static constexpr int RAMP_RIGHT = 130;      ///< the same
     static constexpr double MARK_LENGTH = 0.2;  ///< seconds
@@ -44,6 +44,6 @@ struct ClipSpec {
 };
 
 /// Writes the clip to `path`, and returns `path`. Throws std::runtime_error.
-std::string MakeClip(const std::string& path, const ClipSpec& spec);
+std::string MakeClip(const std::string& path, const ClipSettings& clip);
 
 }  // namespace NorvexTest
