@@ -172,6 +172,8 @@ TEST(Resizer, SettlesTheOutputFrame) {
         {Size::Custom, Custom::UpTo, {800, 600, 1, 1}, 1, {161, 91, 1, 1}, "160x90 1:1"},
         {Size::Custom, Custom::SmartFit, {800, 600, 1, 1}, 1, {0, 0, 0, 0}, "800x600 1:1"},
         {Size::Custom, Custom::SmartFit, {800, 600, 0, -1}, 1, {huge, 1, 1, 1}, "800x2 0:-1"},
+        {Size::Custom, Custom::SmartFit, {720, 576, 16, 15}, 1, {1920, 1080, 1, 1}, "720x432 16:15"},
+        {Size::Custom, Custom::SmartFit, {1, -5, 1, 1}, 1, wide, "2x2 1:1"},
     };
     for (const auto& c : cases) {
         SettingsResizer settings;

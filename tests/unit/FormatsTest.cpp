@@ -175,6 +175,7 @@ TEST(FormatCorrection, OnlyASetOfOneBooleanIsTakenPastItsOwnCorrection) {
     format.AddRef();
     for (const auto& [constraint, corrected] :
          {std::make_pair(Values<bool>({true}), true), std::make_pair(Values<bool>({}), false),
+          std::make_pair(ConstraintSet::Create(PairList<bool>{{"a", true}, {"b", true}}), false),
           std::make_pair(ConstraintMethod::Create([](const Property&) { return false; }, ""), false)}) {
         format.rules = {
             {"/", PairValidationRule::Create("video_codec/codec_id", Codecs("x"), "format/cover", constraint)}};

@@ -130,10 +130,12 @@ TEST(VideoPreset, CopiesWhatThePresetHolds) {
 }
 
 TEST(Preset, AnEmptyOptionsNodeCountsAsAbsentAndDropsTheStreams) {
-    Property stream = Node("s", {Node(C::TAG_CODEC_OPTIONS_ENCODE, {Property("old", 1)})});
-    Codec(MediaType::Audio)->ApplyPresetSettings(Preset("cbr_auto", {Node(C::TAG_CODEC_OPTIONS_ENCODE, {})}), stream);
-    EXPECT_EQ(Dump(stream["encode_options"]),
-              "encode_options/profile: string main\nencode_options/preset: string slow\n");
+    for (const Property& options : {Node(C::TAG_CODEC_OPTIONS_ENCODE, {}), Property(C::TAG_CODEC_OPTIONS_ENCODE, 5)}) {
+        Property stream = Node("s", {Node(C::TAG_CODEC_OPTIONS_ENCODE, {Property("old", 1)})});
+        Codec(MediaType::Audio)->ApplyPresetSettings(Preset("cbr_auto", {options}), stream);
+        EXPECT_EQ(Dump(stream["encode_options"]),
+                  "encode_options/profile: string main\nencode_options/preset: string slow\n");
+    }
 }
 
 TEST(Preset, RefusesInAFixedOrder) {
