@@ -102,7 +102,7 @@ struct Demand {
 std::string StreamPath(const std::string& rulePath, const std::string& codecKey) {
     const std::string codecSection = codecKey + Property::SEPARATOR;
     if (rulePath.compare(0, codecSection.size(), codecSection) == 0) return rulePath.substr(codecSection.size());
-    const std::string profile = Path({C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PROFILE});
+    std::string profile = Path({C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PROFILE});
     if (rulePath == Path({P::KEY_FORMAT, profile})) return profile;
     return rulePath.substr(rulePath.rfind(Property::SEPARATOR) + 1);
 }

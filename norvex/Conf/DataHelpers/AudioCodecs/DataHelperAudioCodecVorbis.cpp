@@ -94,7 +94,7 @@ Combination Nearest(const Combination& wanted) {
     Combination nearest{};
     double smallest = INFINITY;
     for (std::size_t row = 0; row < channelCounts; ++row) {
-        const auto channels = static_cast<long long>(row + 1);
+        const auto channels = static_cast<long long>(row) + 1;
         const double channelsTerm = SquaredTerm(100, channels, wanted.channels, largestChannels);
         for (std::size_t column = 0; column < std::size(sampleRates_vorbis); ++column) {
             const long long sampleRate = sampleRates_vorbis[column];
