@@ -716,9 +716,10 @@ std::vector<AVChannelLayout> DeclaredLayouts(const AVCodec& codec) {
 
 template <class T, class IsEnd>
 std::vector<T> Declared(const T* first, const IsEnd& isEnd) {
-    const T* last = first;
-    while (last != nullptr && !isEnd(*last)) ++last;
-    return {first, last};
+    std::vector<T> list;
+    if (first == nullptr) return list;
+    for (; !isEnd(*first); ++first) list.push_back(*first);
+    return list;
 }
 
 std::vector<AVPixelFormat> DeclaredPixelFormats(const AVCodec& codec) {
