@@ -16,8 +16,8 @@ using A = IFormatCodecAudio;
 using C = IFormatCodec;
 using V = IFormatCodecVideo;
 
-const std::string g_profile = C::TAG_CODEC_OPTIONS_ENCODE + "/" + C::TAG_PROFILE;
-const std::string g_preset = C::TAG_CODEC_OPTIONS_ENCODE + "/" + C::TAG_PRESET;
+const std::string g_profile = "encode_options/profile";
+const std::string g_preset = "encode_options/preset";
 
 InputInfo Film() {
     InputInfo input;

@@ -21,8 +21,7 @@ using testing::ElementsAre;
 using testing::Not;
 
 /// A stream's tree from "RATE FORMAT LAYOUT MODE BITRATE QUALITY", where "-" leaves a child out, and back.
-const std::string g_tags[] = {A::TAG_SAMPLE_RATE,  A::TAG_SAMPLE_FORMAT, A::TAG_LAYOUT,
-                              A::TAG_BITRATE_MODE, A::TAG_BITRATE,       A::TAG_QUALITY};
+const std::string g_tags[] = {"sample_rate", "sample_format", "channel_layout", "bitrate_mode", "bitrate", "quality"};
 
 Property Stream(const std::string& text) {
     Property stream(A::TAG_FORMAT_CODEC_AUDIO);

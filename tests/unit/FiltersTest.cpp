@@ -19,9 +19,8 @@ using V = IFormatCodecVideo;
 using Proc::IResize;
 using Proc::SettingsResizer;
 
-const std::string g_filters[] = {Proc::IFilterResample::CLASS_ID, Proc::IFilterAudioVolume::CLASS_ID,
-                                 Proc::IFilterAudioFormatter::CLASS_ID, Proc::IFilterFrameRate::CLASS_ID,
-                                 Proc::IFilterResize::CLASS_ID};
+const std::string g_filters[] = {"filter_resample", "filter_volume", "filter_formatter", "filter_rate",
+                                 "filter_resize"};
 
 TEST(Filters, DefaultsStandUnderTheClassIdAndAreLegal) {
     int checked = 0;
