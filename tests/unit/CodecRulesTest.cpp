@@ -78,7 +78,9 @@ TEST(CodecRules, EveryDefaultIsLegalForItsOwnHelper) {
             for (const auto& [path, constraint] : CollectConstraints(*helper)) {
                 if (!defaults.ChildExists(path)) continue;
                 ++checked;
-                EXPECT_TRUE(constraint->IsValid(defaults[path])) << id << ' ' << path;
+                // H.265 alone starts in a mode that nobody can choose.
+                const bool isAutomatic = id == V::CODEC_ID_H265 && path == V::TAG_BITRATE_MODE;
+                EXPECT_EQ(constraint->IsValid(defaults[path]), !isAutomatic) << id << ' ' << path;
             }
         }
     }

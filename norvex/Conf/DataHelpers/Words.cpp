@@ -10,6 +10,7 @@
 #include "norvex/interfaces/Conf/SampleFmtRecord.h"
 #include "norvex/interfaces/Proc/IFilterFrameRate.h"
 #include "norvex/interfaces/Proc/IFilterResample.h"
+#include "norvex/interfaces/Proc/IFilterResize.h"
 
 namespace Norvex::Conf {
 
@@ -62,6 +63,22 @@ const std::string& VideoCodecIdPath() {
 
 const std::string& FrameRatePath() {
     static const std::string path = Path(Proc::IFilterFrameRate::CLASS_ID, V::TAG_FPS);
+    return path;
+}
+
+const std::string& WidthPath() {
+    static const std::string path = Path(Proc::IFilterResize::CLASS_ID, Proc::IResize::CLASS_ID, V::TAG_WIDTH);
+    return path;
+}
+
+const std::string& HeightPath() {
+    static const std::string path = Path(Proc::IFilterResize::CLASS_ID, Proc::IResize::CLASS_ID, V::TAG_HEIGHT);
+    return path;
+}
+
+const std::string& FrameSizeModePath() {
+    static const std::string path =
+        Path(Proc::IFilterResize::CLASS_ID, Proc::IResize::CLASS_ID, Proc::IResize::FRAME_SIZE_MODE);
     return path;
 }
 

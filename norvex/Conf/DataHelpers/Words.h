@@ -8,10 +8,12 @@
 #include <variant>
 #include <vector>
 
+#include "norvex/Conf/DataHelpers/Codecs/DataHelperCodecFFMPEG.h"
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintChannelLayout.h"
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintSet.h"
 #include "norvex/Conf/DataHelpers/Constraints/PairList.h"
 #include "norvex/interfaces/Conf/IDataHelper.h"
+#include "norvex/interfaces/Conf/IFormatCodec.h"
 
 /// The few words in which every helper is written. Not for hosts.
 
@@ -36,6 +38,7 @@ class Branch {
 public:
     Branch(const std::string& tag, bool value) : m_tag(tag), m_value(value) {}
     Branch(const std::string& tag, int value) : m_tag(tag), m_value(static_cast<long long>(value)) {}
+    Branch(const std::string& tag, long long value) : m_tag(tag), m_value(value) {}
     Branch(const std::string& tag, const std::string& value) : m_tag(tag), m_value(&value) {}
     /// A literal would turn into a bool.
     Branch(const std::string& tag, const char* value) = delete;
@@ -71,6 +74,15 @@ SP<IPropertyConstraint> LayoutsOf(const Name (&names)[N]) {
     return ConstraintChannelLayout::Create(std::vector<std::string>(std::begin(names), std::end(names)));
 }
 
+/// What nearly every video codec lets its user choose: a mode, in the order of the list, and a bitrate and a quality in
+/// the shared ranges.
+template <std::size_t N>
+void AddRateControl(ConstraintMap& constraints, const Name (&modes)[N]) {
+    constraints[IFormatCodec::TAG_BITRATE_MODE] = OneOf(modes);
+    constraints[IFormatCodec::TAG_BITRATE] = DataHelperCodecFFMPEG::s_defaultVideoBitrateConstraint;
+    constraints[IFormatCodec::TAG_QUALITY] = DataHelperCodecFFMPEG::s_defaultQualityConstraint;
+}
+
 /// Joins tags into a path.
 template <class... Tags>
 std::string Path(const std::string& first, const Tags&... rest) {
@@ -82,6 +94,9 @@ std::string Path(const std::string& first, const Tags&... rest) {
 // Paths that many rules share, relative to the preset.
 const std::string& VideoCodecIdPath();
 const std::string& FrameRatePath();
+const std::string& WidthPath();
+const std::string& HeightPath();
+const std::string& FrameSizeModePath();
 const std::string& AudioCodecIdPath();
 const std::string& AudioBitratePath();
 const std::string& SampleRatePath();

@@ -21,4 +21,6 @@ void VideoCodecHelper::GetRequiredObjects(ObjectList& objects) const {
     objects.emplace_back(Proc::IFilterFrameRate::CLASS_ID, std::string());
 }
 
+void AnyFrameRateVideoCodecHelper::GetValidationRules(RuleList& /*rules*/) const {}
+
 }  // namespace Norvex::Conf

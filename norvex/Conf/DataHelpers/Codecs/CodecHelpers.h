@@ -24,4 +24,15 @@ protected:
     explicit VideoCodecHelper(const std::string& codecId);
 };
 
+/// Base of the video codecs that go with any frame rate in the frame rate filter, whatever their encoder declares. The
+/// constraint on the codec's own frame rate stays.
+class NORVEX_API AnyFrameRateVideoCodecHelper : public VideoCodecHelper {
+public:
+    /// Nothing, not even the encoder's rules.
+    void GetValidationRules(RuleList& rules) const override;
+
+protected:
+    using VideoCodecHelper::VideoCodecHelper;
+};
+
 }  // namespace Norvex::Conf

@@ -92,8 +92,8 @@ Core::Property DataHelperVideoResize::GetDefaults() const {
 
 void DataHelperVideoResize::GetValidationRules(RuleList& rules) const {
     const SP<IPropertyConstraint> even = ConstraintMethod::CreateEven(IPropertyConstraint::DESCRIPTION_ID_EVEN_SIZE);
-    AddRule(rules, std::string(), nullptr, Path(Proc::IFilterResize::CLASS_ID, IResize::CLASS_ID, V::TAG_WIDTH), even);
-    AddRule(rules, std::string(), nullptr, Path(Proc::IFilterResize::CLASS_ID, IResize::CLASS_ID, V::TAG_HEIGHT), even);
+    AddRule(rules, std::string(), nullptr, WidthPath(), even);
+    AddRule(rules, std::string(), nullptr, HeightPath(), even);
 }
 
 void DataHelperVideoResize::GetConstraints(ConstraintMap& constraints) const {

@@ -62,10 +62,8 @@ void DataHelperFormatMp4::GetValidationRules(RuleList& rules) const {
     AddRule(rules, AudioCodecIdPath(), OneOf({A::CODEC_ID_MP3}), SampleRatePath(), OneOf(mp3SampleRates_mp4));
 }
 
-DataHelperFormatM4a::DataHelperFormatM4a(const std::string& id) : m_formatId(id) {
-    SetAudioCodecs({A::CODEC_ID_AAC, A::CODEC_ID_ALAC}, A::CODEC_ID_AAC);
-    SetVideoCodecs({V::CODEC_ID_MJPEG, V::CODEC_ID_PNG, V::CODEC_ID_BMP}, V::CODEC_ID_MJPEG);
-}
+DataHelperFormatM4a::DataHelperFormatM4a(const std::string& id)
+    : SoundWithCoverHelper({A::CODEC_ID_AAC, A::CODEC_ID_ALAC}, A::CODEC_ID_AAC), m_formatId(id) {}
 
 SP<IDataHelper> DataHelperFormatM4a::Create(const std::string& id) {
     return SP<IDataHelper>(new DataHelperFormatM4a(id));
@@ -74,11 +72,6 @@ SP<IDataHelper> DataHelperFormatM4a::Create(const std::string& id) {
 Core::Property DataHelperFormatM4a::GetDefaults() const {
     return FormatTree(m_formatId, {{V::TAG_GLOBAL_HEADER, true}},
                       {/*video*/ 1, /*audio*/ 1, /*subtitle*/ 0, /*other*/ 1}, {Stream::Audio, Stream::Cover});
-}
-
-void DataHelperFormatM4a::GetValidationRules(RuleList& rules) const {
-    // Any picture in this format is a cover.
-    AddRule(rules, VideoCodecIdPath(), VideoCodecsConstraint(), CoverFlagPath(), Only(true));
 }
 
 DataHelperFormatF4a::DataHelperFormatF4a() {

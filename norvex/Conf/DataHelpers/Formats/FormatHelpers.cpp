@@ -67,4 +67,14 @@ Core::Property FormatHelper::FormatTree(const std::string& formatId, std::initia
     return root;
 }
 
+SoundWithCoverHelper::SoundWithCoverHelper(const std::vector<std::string>& audioCodecs,
+                                           const std::string& defaultAudioCodec) {
+    SetAudioCodecs(audioCodecs, defaultAudioCodec);
+    SetVideoCodecs({V::CODEC_ID_MJPEG, V::CODEC_ID_PNG, V::CODEC_ID_BMP}, V::CODEC_ID_MJPEG);
+}
+
+void SoundWithCoverHelper::GetValidationRules(RuleList& rules) const {
+    AddRule(rules, VideoCodecIdPath(), VideoCodecsConstraint(), CoverFlagPath(), Only(true));
+}
+
 }  // namespace Norvex::Conf

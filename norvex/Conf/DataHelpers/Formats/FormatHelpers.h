@@ -36,6 +36,16 @@ protected:
                               std::initializer_list<Stream> streams) const;
 };
 
+/// Base of the formats of sound in which any picture is a cover: MJPEG, PNG or BMP.
+class NORVEX_API SoundWithCoverHelper : public FormatHelper {
+public:
+    void GetValidationRules(RuleList& rules) const override;
+
+protected:
+    /// Throws as SetCodecConstraint does.
+    SoundWithCoverHelper(const std::vector<std::string>& audioCodecs, const std::string& defaultAudioCodec);
+};
+
 /// MP4, and its narrower kin for Apple's players and for raw M4V.
 class NORVEX_API DataHelperFormatMp4 final : public FormatHelper {
 public:
@@ -52,13 +62,12 @@ private:
 };
 
 /// MP4 with sound and a cover picture.
-class NORVEX_API DataHelperFormatM4a final : public FormatHelper {
+class NORVEX_API DataHelperFormatM4a final : public SoundWithCoverHelper {
 public:
     explicit DataHelperFormatM4a(const std::string& id);
     static SP<IDataHelper> Create(const std::string& id);
 
     Core::Property GetDefaults() const override;
-    void GetValidationRules(RuleList& rules) const override;
 
 private:
     const std::string m_formatId;
@@ -84,6 +93,308 @@ public:
 
 private:
     const std::string m_formatId;
+};
+
+/// QuickTime.
+class NORVEX_API DataHelperFormatMov final : public FormatHelper {
+public:
+    DataHelperFormatMov();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+/// Matroska.
+class NORVEX_API DataHelperFormatMkv final : public FormatHelper {
+public:
+    DataHelperFormatMkv();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+/// Matroska with sound alone.
+class NORVEX_API DataHelperFormatMka final : public FormatHelper {
+public:
+    DataHelperFormatMka();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+class NORVEX_API DataHelperFormatWebm final : public FormatHelper {
+public:
+    DataHelperFormatWebm();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+class NORVEX_API DataHelperFormatAvi final : public FormatHelper {
+public:
+    DataHelperFormatAvi();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    void GetValidationRules(RuleList& rules) const override;
+};
+
+/// Flash video.
+class NORVEX_API DataHelperFormatFlv final : public FormatHelper {
+public:
+    DataHelperFormatFlv();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    void GetValidationRules(RuleList& rules) const override;
+};
+
+/// Flash.
+class NORVEX_API DataHelperFormatSwf final : public FormatHelper {
+public:
+    DataHelperFormatSwf();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    void GetValidationRules(RuleList& rules) const override;
+};
+
+/// Ogg with pictures.
+class NORVEX_API DataHelperFormatOgv final : public FormatHelper {
+public:
+    DataHelperFormatOgv();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+/// Ogg with sound alone.
+class NORVEX_API DataHelperFormatOgg final : public FormatHelper {
+public:
+    DataHelperFormatOgg();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+/// Windows Media, under either of its names.
+class NORVEX_API DataHelperFormatWmv final : public FormatHelper {
+public:
+    explicit DataHelperFormatWmv(const std::string& id);
+    static SP<IDataHelper> Create(const std::string& id);
+
+    Core::Property GetDefaults() const override;
+
+private:
+    const std::string m_formatId;
+};
+
+/// Windows Media with sound alone.
+class NORVEX_API DataHelperFormatWma final : public FormatHelper {
+public:
+    DataHelperFormatWma();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+/// DVD, video CD and super video CD. They share all but the list of audio codecs.
+class NORVEX_API DataHelperFormatDVD final : public FormatHelper {
+public:
+    explicit DataHelperFormatDVD(const std::string& id);
+    static SP<IDataHelper> Create(const std::string& id);
+
+    Core::Property GetDefaults() const override;
+    void GetValidationRules(RuleList& rules) const override;
+    /// With the disc tags, and mode and bitrate of the first default stream.
+    void GetConstraints(ConstraintMap& constraints) const override;
+
+private:
+    const std::string m_formatId;
+};
+
+/// MPEG-2 program stream.
+class NORVEX_API DataHelperFormatVOB final : public FormatHelper {
+public:
+    explicit DataHelperFormatVOB(const std::string& id);
+    static SP<IDataHelper> Create(const std::string& id);
+
+    Core::Property GetDefaults() const override;
+    void GetValidationRules(RuleList& rules) const override;
+
+private:
+    const std::string m_formatId;
+};
+
+/// MPEG-1 system stream.
+class NORVEX_API DataHelperFormatMpeg1 final : public FormatHelper {
+public:
+    explicit DataHelperFormatMpeg1(const std::string& id);
+    static SP<IDataHelper> Create(const std::string& id);
+
+    Core::Property GetDefaults() const override;
+    void GetValidationRules(RuleList& rules) const override;
+
+private:
+    const std::string m_formatId;
+};
+
+/// MPEG transport stream as it is broadcast, with DVB subtitles.
+class NORVEX_API DataHelperFormatMpegTS final : public FormatHelper {
+public:
+    DataHelperFormatMpegTS();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+/// MPEG transport stream as it is on discs, with HDMV subtitles and lossless sound.
+class NORVEX_API DataHelperFormatMpeg2TS final : public FormatHelper {
+public:
+    DataHelperFormatMpeg2TS();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+class NORVEX_API DataHelperFormatMxf final : public FormatHelper {
+public:
+    DataHelperFormatMxf();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    void GetValidationRules(RuleList& rules) const override;
+};
+
+class NORVEX_API DataHelperFormatMp3 final : public SoundWithCoverHelper {
+public:
+    DataHelperFormatMp3();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+class NORVEX_API DataHelperFormatFlac final : public SoundWithCoverHelper {
+public:
+    DataHelperFormatFlac();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+/// AAC frames with ADTS headers.
+class NORVEX_API DataHelperFormatAAC final : public FormatHelper {
+public:
+    DataHelperFormatAAC();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+class NORVEX_API DataHelperFormatAC3 final : public FormatHelper {
+public:
+    DataHelperFormatAC3();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+class NORVEX_API DataHelperFormatAu final : public FormatHelper {
+public:
+    DataHelperFormatAu();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    void GetValidationRules(RuleList& rules) const override;
+};
+
+/// WAV and AIFF.
+class NORVEX_API DataHelperFormatWav final : public FormatHelper {
+public:
+    explicit DataHelperFormatWav(const std::string& id);
+    static SP<IDataHelper> Create(const std::string& id);
+
+    Core::Property GetDefaults() const override;
+
+private:
+    const std::string m_formatId;
+};
+
+/// A still picture. The id is kept by reference and must outlive the helper.
+class NORVEX_API DataHelperFormatImage final : public FormatHelper {
+public:
+    DataHelperFormatImage(const std::string& id, const std::string& codec);
+    static SP<IDataHelper> Create(const std::string& id, const std::string& codec);
+
+    Core::Property GetDefaults() const override;
+
+private:
+    const std::string& m_formatId;
+};
+
+/// Animated GIF.
+class NORVEX_API DataHelperFormatGif final : public FormatHelper {
+public:
+    DataHelperFormatGif();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    void GetValidationRules(RuleList& rules) const override;
+};
+
+class NORVEX_API DataHelperFormatHeic final : public FormatHelper {
+public:
+    DataHelperFormatHeic();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+class NORVEX_API DataHelperFormatHeif final : public FormatHelper {
+public:
+    DataHelperFormatHeif();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+class NORVEX_API DataHelperFormatAvif final : public FormatHelper {
+public:
+    DataHelperFormatAvif();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+/// A subtitle file of one codec.
+class NORVEX_API DataHelperFormatSubtitleText final : public FormatHelper {
+public:
+    DataHelperFormatSubtitleText(const std::string& id, const std::string& codec);
+    static SP<IDataHelper> Create(const std::string& id, const std::string& codec);
+
+    Core::Property GetDefaults() const override;
+
+private:
+    const std::string m_formatId;
+};
+
+class NORVEX_API DataHelperFormatSrt final : public FormatHelper {
+public:
+    DataHelperFormatSrt();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+};
+
+/// The format that allows every codec that the system has a name for.
+class NORVEX_API DataHelperFormatQFX final : public FormatHelper {
+public:
+    DataHelperFormatQFX();
+    static SP<IDataHelper> Create();
+
+    Core::Property GetDefaults() const override;
+    /// With one that accepts anything for IFormatFile::TAG_DISABLE_FOR_LOSSLESS.
+    void GetConstraints(ConstraintMap& constraints) const override;
 };
 
 }  // namespace Norvex::Conf

@@ -12,8 +12,6 @@ namespace {
 
 using V = IFormatCodecVideo;
 
-constexpr Name modes_x264[] = {V::TAG_BITRATE_MODE_CBR, V::TAG_BITRATE_MODE_VBR};
-
 constexpr Name presets_x264[] = {
     V::TAG_X264_PRESET_ULTRAFAST, V::TAG_X264_PRESET_SUPERFAST, V::TAG_X264_PRESET_VERYFAST, V::TAG_X264_PRESET_FASTER,
     V::TAG_X264_PRESET_FAST,      V::TAG_X264_PRESET_MEDIUM,    V::TAG_X264_PRESET_SLOW,     V::TAG_X264_PRESET_SLOWER,
@@ -66,9 +64,7 @@ void DataHelperVideoCodecX264::GetValidationRules(RuleList& rules) const {
 
 void DataHelperVideoCodecX264::GetConstraints(ConstraintMap& constraints) const {
     VideoCodecHelper::GetConstraints(constraints);
-    constraints[V::TAG_BITRATE_MODE] = OneOf(modes_x264);
-    constraints[V::TAG_BITRATE] = s_defaultVideoBitrateConstraint;
-    constraints[V::TAG_QUALITY] = s_defaultQualityConstraint;
+    AddRateControl(constraints, {V::TAG_BITRATE_MODE_CBR, V::TAG_BITRATE_MODE_VBR});
     constraints[PresetKey()] = OneOf(presets_x264);
     constraints[ProfileKey()] = OneOf(profiles_x264);
     constraints[Path(V::TAG_CODEC_OPTIONS_ENCODE, V::TAG_X264_TUNE)] = OneOf(tunes_x264);
