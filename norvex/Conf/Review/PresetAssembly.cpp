@@ -1,0 +1,93 @@
+#include "norvex/Conf/Review/PresetAssembly.h"
+
+#include <string_view>
+#include <utility>
+
+#include "norvex/Conf/DataHelpers/Words.h"
+#include "norvex/interfaces/Conf/IFormatCodecAudio.h"
+#include "norvex/interfaces/Conf/IFormatCodecVideo.h"
+#include "norvex/interfaces/Conf/IPreset.h"
+
+namespace Norvex::Conf {
+
+namespace {
+
+using Core::Property;
+using A = IFormatCodecAudio;
+using P = IPreset;
+using V = IFormatCodecVideo;
+
+/// The places of a preset to which a value of a stream's flat node goes beside the codec's own section.
+struct Place {
+    std::string tag;
+    std::string path;
+};
+
+const std::vector<Place>& VideoPlaces() {
+    static const std::vector<Place> places = {
+        {V::TAG_WIDTH, WidthPath()},          {V::TAG_HEIGHT, HeightPath()},       {V::TAG_FPS, FrameRatePath()},
+        {V::TAG_COVER_FLAG, CoverFlagPath()}, {ProfileKey(), FormatProfilePath()},
+    };
+    return places;
+}
+
+const std::vector<Place>& AudioPlaces() {
+    static const std::vector<Place> places = {
+        {A::TAG_SAMPLE_RATE, SampleRatePath()},
+        {A::TAG_SAMPLE_FORMAT, SampleFormatPath()},
+        {A::TAG_LAYOUT, LayoutPath()},
+    };
+    return places;
+}
+
+/// The node at a path. What stands in the way as a leaf gives way.
+Property& MakePath(Property& root, std::string_view path) {
+    Property* node = &root;
+    for (;;) {
+        if (node->GetType() != PT_NODE) *node = Property(node->GetName());
+        const std::size_t end = path.find(Property::SEPARATOR);
+        node = &node->SetChild(std::string(path.substr(0, end)));
+        if (end == std::string_view::npos) return *node;
+        path.remove_prefix(end + Property::SEPARATOR.size());
+    }
+}
+
+void AddStream(Property& preset, const std::string& codecKey, const Property& stream,
+               const std::vector<Place>& places) {
+    preset.SetChild(codecKey, stream);
+    for (const auto& [tag, path] : places) {
+        if (stream.ChildExists(tag)) MakePath(preset, path).CopyDataFrom(stream[tag]);
+    }
+}
+
+}  // namespace
+
+Property AssemblePreset(const std::vector<Property>& sections) {
+    Property preset(std::string("preset"));
+    for (const Property& section : sections) {
+        const std::string& name = section.GetName();
+        if (name == V::TAG_FORMAT_CODEC_VIDEO) {
+            AddStream(preset, P::KEY_FILTER_VIDEO_CODEC, section, VideoPlaces());
+        } else if (name == A::TAG_FORMAT_CODEC_AUDIO) {
+            AddStream(preset, P::KEY_FILTER_AUDIO_CODEC, section, AudioPlaces());
+        } else if (!name.empty()) {
+            preset.SetChild(name, section);
+        }
+    }
+    return preset;
+}
+
+std::string StreamPathOf(const std::string& presetPath) {
+    for (const auto* const places : {&VideoPlaces(), &AudioPlaces()}) {
+        for (const auto& [tag, path] : *places) {
+            if (path == presetPath) return tag;
+        }
+    }
+    for (const std::string* const section : {&P::KEY_FILTER_VIDEO_CODEC, &P::KEY_FILTER_AUDIO_CODEC}) {
+        const std::string prefix = *section + Property::SEPARATOR;
+        if (presetPath.compare(0, prefix.size(), prefix) == 0) return presetPath.substr(prefix.size());
+    }
+    return presetPath;
+}
+
+}  // namespace Norvex::Conf

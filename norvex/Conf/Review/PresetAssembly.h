@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "norvex/foundation/Export.h"
+#include "norvex/foundation/Property.h"
+
+namespace Norvex::Conf {
+
+/// One preset out of its sections, with every value where rules read it, so that a host does not have to know the
+/// paths. A section is known by its name: a container's or codec's as GetDefaults gives it, a filter's, or the flat
+/// node of one stream (IFormatCodecVideo::TAG_FORMAT_CODEC_VIDEO, IFormatCodecAudio::TAG_FORMAT_CODEC_AUDIO), whose
+/// values become the codec's section and go into the filters' and the container's as well. What comes later takes the
+/// place of what came before. A section without a name is left out.
+NORVEX_API Core::Property AssemblePreset(const std::vector<Core::Property>& sections);
+
+/// Where the flat node of a stream has the value that a rule reads at `presetPath`.
+NORVEX_API std::string StreamPathOf(const std::string& presetPath);
+
+}  // namespace Norvex::Conf

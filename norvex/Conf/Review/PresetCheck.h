@@ -1,0 +1,78 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "norvex/foundation/Export.h"
+#include "norvex/foundation/Property.h"
+#include "norvex/interfaces/Conf/IDataHelper.h"
+
+/// A check of whole presets that is safe and says why. A rule's own IsValid ends the process where a path is missing;
+/// these functions never do, and never throw for what a preset holds.
+
+namespace Norvex::Conf {
+
+/// A helper, and what findings call it.
+struct NamedHelper {
+    std::string kind;  ///< the section that it rules, as CreateDataHelper takes it
+    std::string id;    ///< empty for a filter
+    SP<const IDataHelper> helper;
+};
+
+/// The helper of the catalogue. Throws HelperException as CreateDataHelper does.
+NORVEX_API NamedHelper FindHelper(const std::string& kind, const std::string& id);
+
+/// The helpers of the catalogue for what a preset names: its container, codecs and filters, in this order. What the
+/// catalogue does not hold is left out.
+NORVEX_API std::vector<NamedHelper> HelpersOf(const Core::Property& preset);
+
+/// What a constraint allows: a list, or a range, or only words.
+struct Allowed {
+    std::vector<Core::Property> values;  ///< in the constraint's order, each named by its display name
+    std::optional<Core::Property> min;
+    std::optional<Core::Property> max;
+    std::optional<Core::Property> step;
+    std::string words;  ///< such as "one of 1, 2" or "from 1 to 51", translated; empty where nobody knows
+};
+
+/// Never throws for what the constraint does.
+NORVEX_API Allowed WhatIsAllowed(const IPropertyConstraint& constraint);
+
+/// What came of looking at one rule, or at one constraint and one value.
+struct Finding {
+    enum class Source { Constraint, Rule };
+    enum class Verdict { Kept, DoesNotApply, Violated };
+    enum class Problem {
+        None,
+        NotAllowed,
+        Missing,    ///< a rule demands a value that is not there
+        WrongType,  ///< of a type that the constraint cannot judge
+    };
+
+    std::string helperKind;
+    std::string helperId;
+    Source source = Source::Constraint;
+    Verdict verdict = Verdict::Kept;
+    Problem problem = Problem::None;
+    std::string key;                           ///< of a constraint, as the helper has it
+    std::string conditionPath;                 ///< of a rule; empty for a rule without a condition
+    std::optional<Core::Property> condition;   ///< the value there
+    std::string path;                          ///< of the value in question, from the preset's root
+    std::optional<Core::Property> value;       ///< empty where it is missing
+    SP<const IPropertyConstraint> constraint;  ///< on that value; null only in a rule that has none
+    Allowed allowed;                           ///< filled for violations
+    std::string message;                       ///< of a violation: one sentence, translated like the lists' own
+};
+
+/// Every rule of the helpers and every constraint on a value that the preset holds, in the order of the helpers, of
+/// each first its constraints. Build the preset with AssemblePreset.
+///
+/// A rule applies if its condition holds, or if it has none. A constraint is looked at where the preset has the value:
+/// in the helper's own section, or from the root; that of a container, on every stream of its type.
+NORVEX_API std::vector<Finding> ExplainPreset(const Core::Property& preset, const std::vector<NamedHelper>& helpers);
+
+/// Only what is violated.
+NORVEX_API std::vector<Finding> CheckPreset(const Core::Property& preset, const std::vector<NamedHelper>& helpers);
+
+}  // namespace Norvex::Conf
