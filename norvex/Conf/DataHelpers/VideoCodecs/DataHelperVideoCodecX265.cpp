@@ -44,7 +44,8 @@ Core::Property DataHelperVideoCodecX265::GetDefaults() const {
 
 void DataHelperVideoCodecX265::GetValidationRules(RuleList& rules) const {
     VideoCodecHelper::GetValidationRules(rules);
-    // The default preset, and not the fastest as for H.264: ten bits want a preset that somebody chose.
+    // Bound to the default preset, where H.264's rule is bound to the fastest: with the default, ten bits are out of
+    // reach.
     AddRule(rules, Path(IPreset::KEY_FILTER_VIDEO_CODEC, PresetKey()), OneOf({V::TAG_X265_PRESET_FASTER}),
             Path(IPreset::KEY_FILTER_VIDEO_CODEC, ProfileKey()), OneOf({V::TAG_X265_PROFILE_MAIN}));
 }

@@ -11,6 +11,7 @@
 //   UT Video           lossless: nothing about the bitrate to choose
 //   RLE, UT Video,
 //   WMV2, WMV3         start without a quality
+//   AV1                starts without a bitrate
 //   ProRes, RLE,
 //   UT Video           the encoder's frame rates are a rule (the base class says so)
 //
