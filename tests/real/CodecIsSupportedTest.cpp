@@ -9,6 +9,7 @@ extern "C" {
 #include <typeinfo>
 
 #include "norvex/Norvex.h"
+#include "support/TestHelpers.h"
 
 // What a muxer's default codecs are, and which tags it maps, differs from build to build: that is asked of the build.
 // What the library adds to it is written out here.
@@ -18,6 +19,7 @@ namespace {
 using namespace Norvex;
 using namespace Norvex::Conf;
 using Core::Property;
+using NorvexTest::Node;
 using Ids = std::set<std::string>;
 
 constexpr long long noTable = 0x7a7a7a7a;  // "zzzz", a tag that no table has
@@ -37,19 +39,13 @@ struct Stream {
 };
 
 Property Settings(const std::string& codec, const Stream& stream) {
-    Property settings("stream");
-    settings.SetChildT("codec_id", codec);
-    settings.SetChildT("fourcc", stream.tag);
-    settings.SetChildT("lossless", stream.lossless);
-    settings.SetChildT("main_stream", stream.isMain);
-    settings.SetChildT("channel_layout", stream.layout);
-    return settings;
+    return Node("stream",
+                {Property("codec_id", codec), Property("fourcc", stream.tag), Property("lossless", stream.lossless),
+                 Property("main_stream", stream.isMain), Property("channel_layout", stream.layout)});
 }
 
 SP<const IFormatFile> File(const std::string& container) {
-    Property settings("format");
-    settings.SetChildT("container", container);
-    return FormatFile::Create(settings);
+    return FormatFile::Create(Node("format", {Property("container", container)}));
 }
 
 bool Supports(const std::string& container, const Property& settings, AVMediaType type, const Stream& stream = {}) {
@@ -74,6 +70,10 @@ Ids Which(const Take& take) {
         if (take(number, id)) ids.insert(id);
     }
     return ids;
+}
+
+Ids OfType(AVMediaType type) {
+    return Which([type](AVCodecID number, const std::string&) { return avcodec_get_type(number) == type; });
 }
 
 Ids Accepted(const std::string& container, const Stream& stream = {}) {
@@ -205,12 +205,12 @@ TEST(CodecIsSupported, JudgesTheTagThatAnUnchangedStreamCarries) {
 // clang-format on
 
 TEST(CodecIsSupported, AviLooksAtChannelsAndAtThePixelsOfUnchangedH264) {
-    const Ids sound = Which([](AVCodecID n, const std::string&) { return avcodec_get_type(n) == AVMEDIA_TYPE_AUDIO; });
     const Ids stereo = Accepted("avi");
     ASSERT_EQ(stereo.count("pcm_s16le"), 1U);
     for (const char* layout : {"2.1", "3.0", "5.1", "22.2"}) {
-        const Ids kept = stereo - (sound - Ids{"mp3", "aac"} - Defaults(Muxer("avi")));
-        EXPECT_EQ(Accepted("avi", {0, true, layout}), kept) << layout;
+        EXPECT_EQ(Accepted("avi", {0, true, layout}),
+                  stereo - (OfType(AVMEDIA_TYPE_AUDIO) - Ids{"mp3", "aac"} - Defaults(Muxer("avi"))))
+            << layout;
         EXPECT_EQ(Accepted("asf", {0, true, layout}), Accepted("asf")) << "only AVI asks";
     }
     for (const char* layout : {"mono", "downmix", "unknown"}) {
@@ -232,8 +232,7 @@ TEST(CodecIsSupported, AviLooksAtChannelsAndAtThePixelsOfUnchangedH264) {
 }
 
 TEST(CodecIsSupported, AnUnchangedPictureThatIsNotTheMainStreamGoesNowhere) {
-    const Ids pictures =
-        Which([](AVCodecID n, const std::string&) { return avcodec_get_type(n) == AVMEDIA_TYPE_VIDEO; });
+    const Ids pictures = OfType(AVMEDIA_TYPE_VIDEO);
     for (const char* container : {"mpegts", "webm", "ogg", "matroska", "avi", "mov", "flv"}) {
         EXPECT_EQ(Accepted(container, {0, true, "stereo", 0, 1, false}), Accepted(container) - pictures) << container;
         EXPECT_EQ(Accepted(container, {0, false, "stereo", 0, 1, false}), Accepted(container, {0, false})) << container;
@@ -272,9 +271,8 @@ TEST(CodecIsSupported, WhatIsMissingIsRefusedAndWhatIsWrongIsAnErrorOfTheTree) {
     }
     const auto video = FormatCodecVideo::Create(Settings("h264", {}), 0, nullptr);
     EXPECT_THROW(CodecIsSupported(FormatFile::Create(Property("format")), video), Core::PropertyException);
-    Property numbered("format");
-    numbered.SetChildT("container", 7);
-    EXPECT_THROW(CodecIsSupported(FormatFile::Create(numbered), video), Core::PropertyException);
+    EXPECT_THROW(CodecIsSupported(FormatFile::Create(Node("format", {Property("container", 7)})), video),
+                 Core::PropertyException);
     EXPECT_THROW(Supports("avi", "ac3", {0, true, "no such layout"}), FormatException);
     EXPECT_TRUE(Supports("matroska", "ac3", {0, true, "no such layout"})) << "only AVI asks";
 }
