@@ -6,7 +6,7 @@
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IFormatFile.h"
 
-// The containers of the Flash kind (Adobe Flash Video File Format format 10.1; SWF 19). Both bind the sample rate
+// The containers of the Flash kind (Adobe Flash Video File Format 10.1; SWF 19). Both bind the sample rate
 // of whatever audio codec they carry, those that FFmpeg adds included. Their rates are lists of their own, since they
 // come from two documents.
 
