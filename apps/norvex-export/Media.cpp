@@ -280,6 +280,13 @@ bool IsFrameRate(AVRational rate) {
     return IsPositive(rate) && av_q2d(rate) < 1000;
 }
 
+/// Whether the stream has a place on the time line that the others follow. A cover has none; subtitles tell their
+/// times on the line of the pictures and the sound, and may begin long after it.
+bool IsTimed(const AVStream& stream) {
+    const AVMediaType type = stream.codecpar->codec_type;
+    return (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO) && !IsAttachedPicture(stream);
+}
+
 /// The demuxer of one file.
 class Input {
 public:
@@ -334,15 +341,22 @@ public:
         return *m_context->streams[index];
     }
 
-    /// When the first of the selected streams begins, in AV_TIME_BASE units.
+    /// When the first of the selected streams begins, in AV_TIME_BASE units. Where none of them has a time line of
+    /// its own, when the first of all streams that have one begins.
     std::int64_t StartTime() const {
-        std::int64_t earliest = AV_NOPTS_VALUE;
-        for (const int index : m_selected) {
+        std::int64_t selected = AV_NOPTS_VALUE;
+        std::int64_t any = AV_NOPTS_VALUE;
+        for (int index = 0; index < static_cast<int>(m_context->nb_streams); ++index) {
             const AVStream& stream = *m_context->streams[index];
-            if (stream.start_time == AV_NOPTS_VALUE) continue;
+            if (!IsTimed(stream) || stream.start_time == AV_NOPTS_VALUE) continue;
             const std::int64_t start = av_rescale_q(stream.start_time, stream.time_base, av_get_time_base_q());
-            earliest = earliest == AV_NOPTS_VALUE ? start : std::min(earliest, start);
+            const auto take = [&](std::int64_t& earliest) {
+                earliest = earliest == AV_NOPTS_VALUE ? start : std::min(earliest, start);
+            };
+            take(any);
+            if (std::find(m_selected.begin(), m_selected.end(), index) != m_selected.end()) take(selected);
         }
+        const std::int64_t earliest = selected == AV_NOPTS_VALUE ? any : selected;
         return earliest == AV_NOPTS_VALUE ? 0 : earliest;
     }
 
@@ -403,6 +417,8 @@ VideoSource DescribeVideo(const Input& input, const AVStream& stream) {
     source.sampleAspect = ToFraction(input.SampleAspect(stream, nullptr));
     source.frameRate = ToFraction(input.FrameRate(stream));
     source.pixelFormat = format != nullptr ? format : "";
+    source.codecTag = parameters.codec_tag;
+    source.codecDataSize = static_cast<std::size_t>(parameters.extradata_size);
     source.isAttachedPicture = IsAttachedPicture(stream);
     return source;
 }
@@ -417,6 +433,8 @@ AudioSource DescribeAudio(const AVStream& stream) {
     source.channels = parameters.ch_layout.nb_channels;
     source.layout = ChannelLayout(parameters.ch_layout).Name();
     source.sampleFormat = format != nullptr ? format : "";
+    source.codecTag = parameters.codec_tag;
+    source.codecDataSize = static_cast<std::size_t>(parameters.extradata_size);
     return source;
 }
 
@@ -569,6 +587,11 @@ private:
     AVFilterContext* m_last = nullptr;
 };
 
+/// Whether the job makes one picture of its stream rather than a film.
+bool IsSingle(const VideoJob& job) {
+    return job.isCover || job.isStill;
+}
+
 bool HasFlag(AVPixelFormat format, unsigned flag) {
     const AVPixFmtDescriptor* const descriptor = av_pix_fmt_desc_get(format);
     return descriptor != nullptr && (descriptor->flags & flag) != 0;
@@ -650,7 +673,9 @@ std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParamet
     if (encoder.color_range == AVCOL_RANGE_MPEG) scale.options.emplace_back("out_range", "tv");
     if (matrix != nullptr) scale.options.emplace_back("out_color_matrix", matrix);
 
-    std::vector<FilterStep> steps = {rate, scale};
+    std::vector<FilterStep> steps;
+    if (!IsSingle(job)) steps.push_back(rate);
+    steps.push_back(scale);
     if (size.width < job.width || size.height < job.height) {
         steps.push_back({"pad",
                          {{"w", number(job.width)},
@@ -981,9 +1006,13 @@ AVPixelFormat ProfilePixelFormat(AVCodecID codec, const Options& options) {
     return AV_PIX_FMT_NONE;
 }
 
-/// The encoder's formats that suit the range of its codec: the yuvj ones for full range, the others otherwise.
+/// The encoder's formats that suit the range of its codec: the yuvj ones for full range, the others otherwise. Those
+/// with a palette are left out where there is any other: the scaler makes no palettes.
 std::vector<AVPixelFormat> SuitablePixelFormats(const AVCodec& codec) {
     std::vector<AVPixelFormat> formats = DeclaredPixelFormats(codec);
+    const auto firstOfPalette = std::stable_partition(
+        formats.begin(), formats.end(), [](AVPixelFormat format) { return !HasFlag(format, AV_PIX_FMT_FLAG_PAL); });
+    if (firstOfPalette != formats.begin()) formats.erase(firstOfPalette, formats.end());
     const bool wantsFullRange = IsFullRangeCodec(codec.id);
     const auto middle = std::stable_partition(
         formats.begin(), formats.end(), [&](AVPixelFormat format) { return IsFullRangeYuv(format) == wantsFullRange; });
@@ -1048,6 +1077,9 @@ void OpenEncoder(AVCodecContext& encoder, const Options& options) {
 Owned<AVCodecContext> NewEncoder(const AVCodec& codec, bool globalHeader) {
     Owned<AVCodecContext> encoder = Own(avcodec_alloc_context3(&codec));
     if (globalHeader) encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    // Such encoders open for those only who say that they know.
+    const bool isExperimental = (codec.capabilities & AV_CODEC_CAP_EXPERIMENTAL) != 0;
+    if (isExperimental) encoder->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
     return encoder;
 }
 
@@ -1074,7 +1106,8 @@ Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, b
     encoder->height = job.height;
     encoder->pix_fmt = ChoosePixelFormat(codec, job.options, static_cast<AVPixelFormat>(source.format));
     encoder->sample_aspect_ratio = KnownAspect(ToRational(job.sampleAspect));
-    encoder->framerate = ToRational(job.frameRate);
+    const AVRational rate = ToRational(job.frameRate);
+    encoder->framerate = IsPositive(rate) ? rate : AVRational{25, 1};  // a single picture may go without
     encoder->time_base = av_inv_q(encoder->framerate);
     SetColours(*encoder, source);
     encoder->thread_count = job.threads;
@@ -1107,15 +1140,21 @@ Encoder OpenAudioEncoder(const AudioJob& job, const AVCodecParameters& source, b
 class Muxer {
 public:
     /// Writes the container to `file`.
-    Muxer(const std::string& container, const PendingFile& file) : Muxer(container, file.QuotedName()) {
+    Muxer(const std::string& container, const PendingFile& file)
+        : Muxer(container, file.QuotedName(), FileUrl(file.Path())) {
+        if (m_isOnePicture) {
+            // It opens the file by itself, and must not take the name for that of a series.
+            Check(av_opt_set_int(m_context->priv_data, "update", 1, 0), "cannot set up the container");
+            return;
+        }
         if ((m_context->oformat->flags & AVFMT_NOFILE) != 0) {
             throw MediaError("the container " + Quoted(container) + " is not written to a file");
         }
-        CheckWriting(avio_open(&m_context->pb, FileUrl(file.Path()).c_str(), AVIO_FLAG_WRITE));
+        CheckWriting(avio_open(&m_context->pb, m_context->url, AVIO_FLAG_WRITE));
     }
 
     /// Takes what it is given and keeps none of it.
-    static Muxer Discarding() { return Muxer("null", "nothing"); }
+    static Muxer Discarding() { return Muxer("null", "nothing", ""); }
 
     bool WantsGlobalHeader() const { return (m_context->oformat->flags & AVFMT_GLOBALHEADER) != 0; }
 
@@ -1127,10 +1166,23 @@ public:
         stream->time_base = encoder.time_base;
         stream->avg_frame_rate = encoder.framerate;
         stream->sample_aspect_ratio = encoder.sample_aspect_ratio;
+        // Containers call experimental what holds a codec of such an encoder, too.
+        if (encoder.strict_std_compliance == FF_COMPLIANCE_EXPERIMENTAL) {
+            m_context->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
+        }
         return stream->index;
     }
 
+    /// Says that the stream is the cover picture of the others.
+    void MarkCover(int stream) {
+        m_context->streams[stream]->disposition |= AV_DISPOSITION_ATTACHED_PIC;
+        // By this remark the muxers of sound files tell a front cover from pictures of no known kind.
+        Check(av_dict_set(&m_context->streams[stream]->metadata, "comment", "Cover (front)", 0),
+              "cannot describe a stream");
+    }
+
     void Begin() {
+        if (m_isOnePicture && m_context->nb_streams > 1) FailAsOnePicture();
         const int result = avformat_write_header(m_context.get(), nullptr);
         if (result >= 0) return;
         for (unsigned i = 0; i < m_context->nb_streams; ++i) {
@@ -1144,6 +1196,8 @@ public:
 
     /// Takes the packet's content, and leaves it empty.
     void Write(AVPacket& packet, int stream, AVRational timeBase) {
+        if (m_isOnePicture && m_packets > 0) FailAsOnePicture();
+        ++m_packets;
         packet.stream_index = stream;
         packet.pos = -1;
         av_packet_rescale_ts(&packet, timeBase, m_context->streams[stream]->time_base);
@@ -1160,11 +1214,12 @@ public:
     }
 
 private:
-    Muxer(const std::string& container, const std::string& quotedName) : m_name(quotedName) {
+    Muxer(const std::string& container, const std::string& quotedName, const std::string& url)
+        : m_name(quotedName), m_isOnePicture(container == "image2") {
         const AVOutputFormat* const format = av_guess_format(container.c_str(), nullptr, nullptr);
-        if (format == nullptr) throw MediaError("this FFmpeg has no container " + Quoted(container));
+        if (format == nullptr) throw MediaError("this FFmpeg has no muxer " + Quoted(container));
         AVFormatContext* context = nullptr;
-        Check(avformat_alloc_output_context2(&context, format, nullptr, nullptr), "cannot set up the container");
+        Check(avformat_alloc_output_context2(&context, format, nullptr, url.c_str()), "cannot set up the container");
         m_context.reset(context);
         // What a decoder of an MPEG stream has between a packet's arrival and its turn; without it there is none.
         m_context->max_delay = 7 * AV_TIME_BASE / 10;
@@ -1174,7 +1229,14 @@ private:
         if (result < 0) Fail("cannot write " + m_name, result);
     }
 
+    /// The next picture would take the place of the one before it.
+    [[noreturn]] void FailAsOnePicture() const {
+        throw MediaError("the container " + Quoted(m_context->oformat->name) + " holds one picture alone");
+    }
+
     std::string m_name;
+    bool m_isOnePicture;
+    long long m_packets = 0;
     std::unique_ptr<AVFormatContext, CloseOutput> m_context;
 };
 
@@ -1231,6 +1293,8 @@ public:
 
     virtual int SourceIndex() const = 0;
     virtual void Take(const AVPacket& packet) = 0;
+    /// False where further packets of the input would change nothing.
+    virtual bool WantsMore() const = 0;
     /// Gives the muxer all that is left. Throws MediaError where the input held nothing.
     virtual void Finish() = 0;
     /// How far the stream has come on the time line of the output.
@@ -1244,14 +1308,24 @@ public:
     int SourceIndex() const override { return m_stream.index; }
 
     void Take(const AVPacket& packet) override {
+        if (!WantsMore()) return;
         m_decoder.Decode(&packet, [this](AVFrame& frame) { Filter(frame); });
+        // Nothing follows an attached picture that could push it out of a decoder which holds frames back.
+        if (WantsMore() && IsSingle() && IsAttachedPicture(m_stream)) Drain();
+        // Muxers hold the sound back until they have its cover.
+        if (!WantsMore()) Encode(nullptr);
     }
 
+    bool WantsMore() const override { return !(IsSingle() && m_nextPts > 0); }
+
     void Finish() override {
-        m_decoder.Decode(nullptr, [this](AVFrame& frame) { Filter(frame); });
+        if (!WantsMore()) return;
+        Drain();
         RequireFrames();
-        m_graph->Close(m_nextTime);
-        EncodeFiltered();
+        if (WantsMore()) {
+            m_graph->Close(m_nextTime);
+            EncodeFiltered();
+        }
         Encode(nullptr);
     }
 
@@ -1273,9 +1347,12 @@ protected:
     const AVCodecContext& EncoderContext() const { return m_encoder.Context(); }
     int EncoderFrameSize() const { return m_encoder.FrameSize(); }
     bool HasGraph() const { return m_graph != nullptr; }
+    void MarkCover() const { m_muxer.MarkCover(m_outputIndex); }
     /// Where the next frame of the output belongs, in the time base of the encoder.
     std::int64_t NextPts() const { return m_nextPts; }
 
+    /// Whether the first frame is all that is wanted.
+    virtual bool IsSingle() const = 0;
     /// What a decoded frame is, as the source of a graph takes it.
     virtual Owned<AVBufferSrcParameters> Describe(AVFrame& frame) const = 0;
     virtual std::unique_ptr<FilterGraph> MakeGraph(AVBufferSrcParameters& source) const = 0;
@@ -1289,7 +1366,12 @@ protected:
     virtual bool Prepare(AVFrame& frame) = 0;
 
 private:
+    void Drain() {
+        m_decoder.Decode(nullptr, [this](AVFrame& frame) { Filter(frame); });
+    }
+
     void Filter(AVFrame& frame) {
+        if (!WantsMore()) return;
         if (frame.best_effort_timestamp == AV_NOPTS_VALUE) {
             frame.pts = m_nextTime;
         } else {
@@ -1355,11 +1437,15 @@ private:
 class VideoStream : public TranscodedStream {
 public:
     VideoStream(const Input& input, const AVStream& stream, const VideoJob& job, Encoder encoder, Muxer& muxer)
-        : TranscodedStream(input, stream, std::move(encoder), muxer), m_job(job) {}
+        : TranscodedStream(input, stream, std::move(encoder), muxer), m_job(job) {
+        if (job.isCover) MarkCover();
+    }
 
     void Report(ExportResult& result) const override { result.videoFrames = m_frames; }
 
 private:
+    bool IsSingle() const override { return NorvexExport::IsSingle(m_job); }
+
     Owned<AVBufferSrcParameters> Describe(AVFrame& frame) const override {
         return DescribeFrame(frame, Source().SampleAspect(SourceStream(), &frame), SourceStream().time_base);
     }
@@ -1382,6 +1468,7 @@ private:
     void EndGraph(FilterGraph& graph, std::int64_t time) const override { graph.Close(time); }
 
     bool Prepare(AVFrame& frame) override {
+        if (IsSingle()) frame.pts = 0;  // it was not brought to any rate
         if (frame.pts < NextPts()) return false;
         frame.pict_type = AV_PICTURE_TYPE_NONE;  // the encoder would take the source's as an order
         frame.quality = EncoderContext().global_quality;
@@ -1401,6 +1488,8 @@ public:
     void Report(ExportResult& result) const override { result.audioSamples = m_samples; }
 
 private:
+    bool IsSingle() const override { return false; }
+
     Owned<AVBufferSrcParameters> Describe(AVFrame& frame) const override {
         return DescribeFrame(frame, AVRational{0, 1}, SourceStream().time_base);
     }
@@ -1442,7 +1531,8 @@ void RequireComplete(const ExportJob& job) {
     if (job.video) {
         const VideoJob& video = *job.video;
         if (video.width <= 0 || video.height <= 0) throw MediaError("the size of the picture must be above 0");
-        if (!IsPositive(ToRational(video.frameRate))) throw MediaError("the frame rate must be above 0");
+        if (!IsSingle(video) && !IsPositive(ToRational(video.frameRate)))
+            throw MediaError("the frame rate must be above 0");
     }
     if (job.audio && job.audio->sampleRate <= 0) throw MediaError("the sample rate must be above 0");
 }
@@ -1456,7 +1546,7 @@ void RequireOtherFile(const std::string& inputPath, const std::string& outputPat
 
 /// A second pass needs an encoder that can make it, and a bitrate to share out.
 bool MakesTwoPasses(const VideoJob& job) {
-    if (!job.twoPass || job.bitrate <= 0) return false;
+    if (!job.twoPass || job.bitrate <= 0 || IsSingle(job)) return false;
     const AVCodec& codec = FindEncoder(job.codecId, AVMEDIA_TYPE_VIDEO);
     return PassLogOf(codec) != PassLog::None && !HoldsQuality(job.rateControl, codec);
 }
@@ -1480,6 +1570,10 @@ OutputStreams MakeStreams(Input& input, const ExportJob& job, const Pass& pass, 
     return streams;
 }
 
+bool WantMore(const OutputStreams& streams) {
+    return std::any_of(streams.begin(), streams.end(), [](const auto& stream) { return stream->WantsMore(); });
+}
+
 /// How far the output has come, in seconds.
 double FarthestSecond(const OutputStreams& streams) {
     double farthest = 0;
@@ -1493,7 +1587,7 @@ ExportResult RunPass(Input& input, const ExportJob& job, const Pass& pass, Muxer
     progress.BeginPass(pass.number);
     muxer.Begin();
     const Owned<AVPacket> packet = Own(av_packet_alloc());
-    while (input.Read(*packet)) {
+    while (WantMore(streams) && input.Read(*packet)) {
         for (const auto& stream : streams) {
             if (stream->SourceIndex() == packet->stream_index) stream->Take(*packet);
         }
@@ -1544,7 +1638,9 @@ ExportResult RunExport(const ExportJob& job, const std::function<void(const Prog
     PendingFile file(job.outputPath);
 
     const int passes = job.video && MakesTwoPasses(*job.video) ? 2 : 1;
-    ProgressMeter progress(onProgress, input.Duration(), passes);
+    // A picture alone is done long before the input ends.
+    const bool isPicture = job.video && IsSingle(*job.video) && !job.audio && !job.subtitle && job.copies.empty();
+    ProgressMeter progress(onProgress, isPicture ? 0 : input.Duration(), passes);
     std::optional<PassRecord> record;
     if (passes == 2) {
         RunFirstPass(job, Pass{1, passes, &record.emplace()}, progress);

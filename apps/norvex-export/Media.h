@@ -3,6 +3,7 @@
 /// already, and says plainly what failed where they turn out not to work.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -34,6 +35,8 @@ struct VideoSource {
     Fraction sampleAspect;           ///< shape of one pixel, 1/1 where the input does not say
     Fraction frameRate;              ///< frames per second, 25/1 where the input does not say
     std::string pixelFormat;         ///< FFmpeg's name, empty where unknown
+    unsigned codecTag = 0;           ///< what the container calls the codec, 0 where it does not
+    std::size_t codecDataSize = 0;   ///< bytes of the codec's header that the container keeps out of the packets
     bool isAttachedPicture = false;  ///< a cover picture: one frame, taken only where there is no other stream
 };
 
@@ -45,7 +48,16 @@ struct AudioSource {
     int channels = 0;
     /// FFmpeg's name of the layout, such as "5.1(side)"; the default one of the count where the input only counts.
     std::string layout;
-    std::string sampleFormat;  ///< FFmpeg's name, such as "fltp"; empty where unknown
+    std::string sampleFormat;       ///< FFmpeg's name, such as "fltp"; empty where unknown
+    unsigned codecTag = 0;          ///< what the container calls the codec, 0 where it does not
+    std::size_t codecDataSize = 0;  ///< bytes of the codec's header that the container keeps out of the packets
+};
+
+/// The subtitles that an export takes from its input.
+struct SubtitleSource {
+    int streamIndex = -1;
+    std::string codecId;  ///< FFmpeg's name of the codec, such as "subrip"
+    bool isText = false;  ///< as against pictures, which no text can be made of
 };
 
 struct InputInfo {
@@ -54,6 +66,7 @@ struct InputInfo {
     double duration = 0;    ///< seconds, 0 where unknown
     std::optional<VideoSource> video;
     std::optional<AudioSource> audio;
+    std::optional<SubtitleSource> subtitle;
 };
 
 /// How a picture is brought to a size of another shape.
@@ -71,16 +84,19 @@ struct VideoJob {
     int width = 0;          ///< pixels
     int height = 0;         ///< pixels
     Fraction sampleAspect;  ///< shape of one pixel, taken for 1/1 where it is not positive
-    Fraction frameRate;     ///< frames per second; frames are repeated or left out to meet it
+    /// Frames per second; frames are repeated or left out to meet it. A cover and a still picture need none.
+    Fraction frameRate;
     Fit fit = Fit::Stretch;
     std::string scaler;  ///< "neighbor", "fast_bilinear", "bilinear" or "bicubic", which is taken where it is empty
     RateControl rateControl = RateControl::Bitrate;
     long long bitrate = 0;  ///< bits per second, 0 leaves it to the encoder
     int quality = 0;        ///< quantiser, 1 best to 51; what lies past the encoder's own range goes to its end
-    bool twoPass = false;   ///< done where the encoder can, and where it is a bitrate that it holds
+    bool twoPass = false;   ///< done where the encoder can, and where it is a bitrate of a film that it holds
     std::optional<int> maxBFrames;
     std::optional<int> keyFrameInterval;  ///< frames
     int threads = 0;                      ///< 0 leaves it to the encoder
+    bool isCover = false;                 ///< a cover picture of a sound file: one frame, marked as attached
+    bool isStill = false;                 ///< the first frame alone
     /// Encoder options by FFmpeg's names ("preset", "profile", "tune"). Profiles of H.264 and H.265 that stand for
     /// a pixel format set it; without one it is the encoder's format nearest to the source's.
     std::vector<std::pair<std::string, std::string>> options;
@@ -98,13 +114,21 @@ struct AudioJob {
     std::vector<std::pair<std::string, std::string>> options;  ///< encoder options by FFmpeg's names ("profile")
 };
 
+/// Text that becomes text. Events that say nothing are left out.
+struct SubtitleJob {
+    int streamIndex = -1;
+    std::string codecId;  ///< FFmpeg's name; FFmpeg's own choice of an encoder for it is taken
+};
+
 struct ExportJob {
     std::string inputPath;
     std::string outputPath;
-    std::string muxer;          ///< FFmpeg's short name of the muxer
+    std::string muxer;          ///< FFmpeg's short name of the muxer; "image2" holds one picture alone
     bool globalHeader = false;  ///< the container keeps codec headers out of the packets
     std::optional<VideoJob> video;
     std::optional<AudioJob> audio;
+    std::optional<SubtitleJob> subtitle;
+    std::vector<int> copies;  ///< streams of the input that go over as they are, by index
 };
 
 struct Progress {
@@ -116,9 +140,11 @@ struct Progress {
 
 struct ExportResult {
     long long videoFrames = 0;
-    long long audioSamples = 0;  ///< of one channel
-    double duration = 0;         ///< seconds, of the longer stream
-    std::uintmax_t bytes = 0;    ///< size of the output
+    long long audioSamples = 0;   ///< of one channel
+    long long subtitles = 0;      ///< events of encoded subtitles
+    long long copiedPackets = 0;  ///< of all streams that went over as they are
+    double duration = 0;          ///< seconds, of the longest stream
+    std::uintmax_t bytes = 0;     ///< size of the output
 };
 
 /// Reads what `path` holds. Throws MediaError for a file that is missing, unreadable or no media.

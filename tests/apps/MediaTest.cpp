@@ -152,7 +152,9 @@ void AddPicture(Content& content, const AVFrame& frame, double time) {
     for (int y = 0; y < frame.height; ++y) {
         av_read_image_line(line.data(), const_cast<const std::uint8_t**>(frame.data), frame.linesize, &descriptor, 0, y,
                            0, frame.width, 0);
-        for (const std::uint16_t value : line) picture.luma.push_back(value >> (descriptor.comp[0].depth - 8));
+        const int most = (1 << descriptor.comp[0].depth) - 1;
+        const bool isInverse = frame.format == AV_PIX_FMT_MONOWHITE;
+        for (const int value : line) picture.luma.push_back((isInverse ? most - value : value) * 255 / most);
     }
     content.pictures.push_back(std::move(picture));
 }
@@ -613,6 +615,62 @@ TEST_F(Media, ChoosesThePixelFormat) {
     }
 }
 
+// -------------------------------------------------------------------------------------- pictures on their own
+
+TEST_F(Media, AStillPictureIsTheFirstFrame) {
+    const struct {
+        const char* codec;
+        const char* muxer;
+        const char* extension;  ///< some of these formats are known by nothing else
+    } table[] = {
+        {"bmp", "image2", "bmp"},   {"gif", "image2", "gif"},       {"png", "image2", "png"},
+        {"apng", "apng", "apng"},   {"tiff", "image2", "tif"},      {"dpx", "image2", "dpx"},
+        {"gif", "gif", "gif"},      {"jpeg2000", "image2", "jp2"},  {"pbm", "image2", "pbm"},
+        {"pcx", "image2", "pcx"},   {"pgm", "image2", "pgm"},       {"ppm", "image2", "ppm"},
+        {"targa", "image2", "tga"}, {"xbm", "image2", "xbm"},       {"jpegls", "image2", "jls"},
+        {"pam", "image2", "pam"},   {"pgmyuv", "image2", "pgmyuv"}, {"sgi", "image2", "sgi"},
+        {"xwd", "image2", "xwd"},   {"mjpeg", "image2", "%03d"},    {"av1", "avif", "avif"},
+        {"webp", "webp", "webp"},   {"qtrle", "mov", "mov"},
+    };
+    for (const char* const source : {"yuv420p", "rgb24"}) {
+        for (const auto& row : table) {
+            SCOPED_TRACE(std::string(source) + " to " + row.codec + " in " + row.muxer);
+            ClipSettings clip;
+            clip.pixelFormat = source;
+            clip.soundSeconds = 0;
+            clip.markTime = 0.04;  // all frames but the first are white
+            clip.frames = 6;
+            clip.startTime = 5;
+            ExportJob job = VideoJobFor(Clip(clip), row.codec, row.muxer);
+            job.outputPath = Path(std::string("still.") + row.extension);
+            job.video->isStill = true;
+            job.video->frameRate = {0, 1};
+            job.video->twoPass = true;
+            const std::set<std::string> before = Files();
+            int calls = 0;
+            const ExportResult result = RunExport(job, [&](const Progress& progress) {
+                EXPECT_EQ(progress.passes, 1);
+                if (row.codec == std::string("bmp")) std::this_thread::sleep_for(std::chrono::milliseconds(101));
+                ++calls;
+            });
+            EXPECT_LE(calls, 3) << "the rest is not read";
+            EXPECT_EQ(result.videoFrames, 1);
+            EXPECT_EQ(result.bytes, fs::file_size(job.outputPath));
+            const Content content = ReadContent(job.outputPath);
+            ASSERT_EQ(content.pictures.size(), 1u);
+            EXPECT_EQ(content.pictures[0].width, 64);
+            EXPECT_EQ(content.pictures[0].height, 48);
+            const Picture& picture = content.pictures[0];
+            double left = 0, right = 0;
+            for (int x = 0; x < 8; ++x) left += picture.Column(x) / 8, right += picture.Column(63 - x) / 8;
+            EXPECT_NEAR(left, ClipSettings::RAMP_LEFT, 25);
+            EXPECT_NEAR(right, ClipSettings::RAMP_RIGHT, 25);
+            fs::remove(job.outputPath);
+            EXPECT_EQ(Files(), before);
+        }
+    }
+}
+
 // ---------------------------------------------------------------------------------------------- rate control
 
 TEST_F(Media, ABetterQualityTakesMoreBytes) {
@@ -796,7 +854,13 @@ TEST_F(MediaFailure, AJobThatDoesNotWorkOutIsToldPlainly) {
         {[](ExportJob& job) { job.video->codecId = "aac"; }, {"video", "'aac'"}},
         {[](ExportJob& job) { job.video->codecId = "vc1"; }, {"no encoder", "'vc1'"}},
         {[](ExportJob& job) { job.muxer = "no_such_muxer"; }, {"'no_such_muxer'"}},
-        {[](ExportJob& job) { job.muxer = "image2"; }, {"'image2'"}},
+        {[](ExportJob& job) { job.muxer = "image2"; }, {"'image2'", "one picture alone"}},
+        {[](ExportJob& job) {
+             job.muxer = "image2";
+             job.audio.reset();
+         },
+         {"'image2'", "one picture alone"}},
+        {[](ExportJob& job) { job.muxer = "hls"; }, {"'hls'", "not written to a file"}},
         {[](ExportJob& job) {
              job.muxer = "flv";
              job.video->codecId = "mpeg2video";
