@@ -671,6 +671,47 @@ TEST_F(Media, AStillPictureIsTheFirstFrame) {
     }
 }
 
+TEST_F(Media, ACoverStandsBesideTheWholeSound) {
+    const struct {
+        const char* muxer;
+        const char* audio;
+        const char* picture;
+        bool isFilm;  ///< rather than an attached picture
+    } table[] = {
+        {"mp3", "mp3", "mjpeg", false},  {"mp3", "mp3", "png", true},   {"flac", "flac", "png", false},
+        {"flac", "flac", "mjpeg", true}, {"ipod", "aac", "png", false}, {"mp4", "aac", "mjpeg", true},
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(std::string(row.muxer) + " " + row.picture);
+        ClipSettings clip;
+        clip.muxer = "matroska";
+        clip.startTime = 5;
+        clip.soundSeconds = 12;  // more than muxers wait for a stream
+        clip.markTime = 10;
+        clip.frames = row.isFilm ? 40 : 0;
+        clip.coverPicture = !row.isFilm;
+        ExportJob job = JobFor(Clip(clip, "in.mkv"));
+        job.muxer = row.muxer;
+        job.audio->codecId = row.audio;
+        job.video->codecId = row.picture;
+        job.video->options.clear();
+        job.video->isCover = true;
+        const ExportResult result = RunExport(job, Ignore);
+        EXPECT_EQ(result.videoFrames, 1);
+        EXPECT_NEAR(result.duration, 12, 0.1);
+
+        const InputInfo info = Probe(job.outputPath);
+        EXPECT_NEAR(info.duration, 12, 0.1);
+        EXPECT_TRUE(info.video->isAttachedPicture);
+        EXPECT_EQ(info.video->codecId, row.picture);
+        const Content content = ReadContent(job.outputPath);
+        ASSERT_EQ(content.pictures.size(), 1u);
+        EXPECT_EQ(content.pictures[0].width, row.isFilm ? 64 : 32);
+        EXPECT_NEAR(content.SoundSeconds(), 12, 0.1);
+        EXPECT_NEAR(content.SoundMark(), 10, 0.06);
+    }
+}
+
 // ---------------------------------------------------------------------------------------------- rate control
 
 TEST_F(Media, ABetterQualityTakesMoreBytes) {
