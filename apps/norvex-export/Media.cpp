@@ -6,6 +6,7 @@
 #include <chrono>
 #include <climits>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <new>
@@ -272,7 +273,7 @@ bool IsDecodable(const AVStream& stream) {
     if (parameters.codec_type == AVMEDIA_TYPE_AUDIO) {
         return parameters.sample_rate > 0 && parameters.ch_layout.nb_channels > 0;
     }
-    return false;
+    return parameters.codec_type == AVMEDIA_TYPE_SUBTITLE;
 }
 
 /// Streams of a millisecond clock may give the clock itself for their rate.
@@ -285,6 +286,12 @@ bool IsFrameRate(AVRational rate) {
 bool IsTimed(const AVStream& stream) {
     const AVMediaType type = stream.codecpar->codec_type;
     return (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO) && !IsAttachedPicture(stream);
+}
+
+/// Whether the codec's subtitles are text, as against pictures.
+bool IsText(AVCodecID codec) {
+    const AVCodecDescriptor* const descriptor = avcodec_descriptor_get(codec);
+    return descriptor != nullptr && (descriptor->props & AV_CODEC_PROP_TEXT_SUB) != 0;
 }
 
 /// The demuxer of one file.
@@ -438,21 +445,32 @@ AudioSource DescribeAudio(const AVStream& stream) {
     return source;
 }
 
+SubtitleSource DescribeSubtitle(const AVStream& stream) {
+    SubtitleSource source;
+    source.streamIndex = stream.index;
+    source.codecId = avcodec_get_name(stream.codecpar->codec_id);
+    source.isText = IsText(stream.codecpar->codec_id);
+    return source;
+}
+
 // ---------------------------------------------------------------------------------------------- decoding
+
+Owned<AVCodecContext> OpenDecoder(const AVStream& stream) {
+    const std::string name = Quoted(avcodec_get_name(stream.codecpar->codec_id));
+    const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
+    if (codec == nullptr) throw MediaError("this FFmpeg has no decoder for " + name);
+    Owned<AVCodecContext> context = Own(avcodec_alloc_context3(codec));
+    Check(avcodec_parameters_to_context(context.get(), stream.codecpar), "cannot set up a decoder");
+    context->pkt_timebase = stream.time_base;
+    context->thread_count = 0;
+    const int result = avcodec_open2(context.get(), codec, nullptr);
+    if (result < 0) Fail("cannot open the decoder for " + name, result);
+    return context;
+}
 
 class Decoder {
 public:
-    explicit Decoder(const AVStream& stream) : m_frame(Own(av_frame_alloc())) {
-        const std::string name = Quoted(avcodec_get_name(stream.codecpar->codec_id));
-        const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
-        if (codec == nullptr) throw MediaError("this FFmpeg has no decoder for " + name);
-        m_context = Own(avcodec_alloc_context3(codec));
-        Check(avcodec_parameters_to_context(m_context.get(), stream.codecpar), "cannot set up a decoder");
-        m_context->pkt_timebase = stream.time_base;
-        m_context->thread_count = 0;
-        const int result = avcodec_open2(m_context.get(), codec, nullptr);
-        if (result < 0) Fail("cannot open the decoder for " + name, result);
-    }
+    explicit Decoder(const AVStream& stream) : m_context(OpenDecoder(stream)), m_frame(Own(av_frame_alloc())) {}
 
     /// Gives `onFrame` each frame that is ready; without a packet, all that are left. Damaged packets are passed
     /// over: what they cost the picture or the sound is less than what failing would.
@@ -490,6 +508,56 @@ private:
     Owned<AVCodecContext> m_context;
     Owned<AVFrame> m_frame;
     long long m_frames = 0;
+    int m_lastError = 0;
+};
+
+/// One event of subtitles.
+struct Subtitle {
+    Subtitle() = default;
+    Subtitle(const Subtitle&) = delete;
+    Subtitle& operator=(const Subtitle&) = delete;
+    ~Subtitle() { avsubtitle_free(&value); }
+
+    AVSubtitle value{};
+};
+
+class SubtitleDecoder {
+public:
+    explicit SubtitleDecoder(const AVStream& stream)
+        : m_context(OpenDecoder(stream)), m_packet(Own(av_packet_alloc())) {}
+
+    /// What the styles of the text are, as encoders take it over.
+    std::string_view Header() const {
+        if (m_context->subtitle_header == nullptr) return {};
+        return {reinterpret_cast<const char*>(m_context->subtitle_header),
+                static_cast<std::size_t>(m_context->subtitle_header_size)};
+    }
+
+    /// Gives `onSubtitle` the packet's event; without a packet, all that are left. Damaged packets are passed over.
+    template <class OnSubtitle>
+    void Decode(const AVPacket* packet, const OnSubtitle& onSubtitle) {
+        const bool isDelayed = (m_context->codec->capabilities & AV_CODEC_CAP_DELAY) != 0;
+        if (packet == nullptr && !isDelayed) return;
+        bool goesOn = true;
+        while (goesOn) {
+            av_packet_unref(m_packet.get());
+            if (packet != nullptr) Check(av_packet_ref(m_packet.get(), packet), "cannot keep a packet");
+            Subtitle subtitle;
+            int isThere = 0;
+            const int result = avcodec_decode_subtitle2(m_context.get(), &subtitle.value, &isThere, m_packet.get());
+            if (result == AVERROR(ENOMEM)) throw std::bad_alloc();
+            if (result < 0) m_lastError = result;
+            goesOn = packet == nullptr && result >= 0 && isThere != 0;
+            if (result >= 0 && isThere != 0) onSubtitle(subtitle.value);
+        }
+    }
+
+    /// The last of the errors passed over, 0 where there was none.
+    int LastError() const { return m_lastError; }
+
+private:
+    Owned<AVCodecContext> m_context;
+    Owned<AVPacket> m_packet;
     int m_lastError = 0;
 };
 
@@ -1135,6 +1203,48 @@ Encoder OpenAudioEncoder(const AudioJob& job, const AVCodecParameters& source, b
     return Encoder(std::move(encoder), Pass());
 }
 
+/// Finer than the clock of any other stream: the muxer of MP4 compares the end of an event with the time of the next
+/// packet of any stream without minding their clocks, and would end an event too early for one that overlaps it.
+constexpr AVRational subtitleClock = {1, 200000};
+
+/// Makes text of text.
+class SubtitleEncoder {
+public:
+    /// `header` is the decoder's.
+    SubtitleEncoder(const std::string& codecId, std::string_view header, bool globalHeader) {
+        const AVCodec& codec = FindEncoder(codecId, AVMEDIA_TYPE_SUBTITLE);
+        if (!IsText(codec.id)) throw MediaError("no text can become subtitles of " + Quoted(codecId));
+        m_context = NewEncoder(codec, globalHeader);
+        m_context->time_base = subtitleClock;
+        if (!header.empty()) {
+            void* const copy = av_mallocz(header.size() + 1);
+            if (copy == nullptr) throw std::bad_alloc();
+            std::copy(header.begin(), header.end(), static_cast<char*>(copy));
+            m_context->subtitle_header = static_cast<std::uint8_t*>(copy);
+            m_context->subtitle_header_size = static_cast<int>(header.size());
+        }
+        OpenEncoder(*m_context, {});
+    }
+
+    const AVCodecContext& Context() const { return *m_context; }
+
+    /// One event as a packet without times, empty where it says nothing.
+    Owned<AVPacket> Encode(const AVSubtitle& subtitle) {
+        Owned<AVPacket> packet = Own(av_packet_alloc());
+        constexpr int most = 1 << 20;
+        m_buffer.resize(most);
+        const int size = avcodec_encode_subtitle(m_context.get(), m_buffer.data(), most, &subtitle);
+        if (size < 0) Fail("the encoder " + Quoted(m_context->codec->name) + " failed", size);
+        Check(av_new_packet(packet.get(), size), "cannot make a packet");
+        std::copy_n(m_buffer.begin(), size, packet->data);
+        return packet;
+    }
+
+private:
+    Owned<AVCodecContext> m_context;
+    std::vector<std::uint8_t> m_buffer;
+};
+
 // ------------------------------------------------------------------------------------------------ muxing
 
 class Muxer {
@@ -1524,10 +1634,118 @@ private:
     long long m_samples = 0;
 };
 
+/// Whether a line of SSA, the form in which all decoders of text give it, shows nothing.
+bool IsEmpty(const char* line) {
+    constexpr int fieldsBeforeText = 8;
+    for (int field = 0; field < fieldsBeforeText; ++field) {
+        const char* const comma = std::strchr(line, ',');
+        if (comma == nullptr) return true;
+        line = comma + 1;
+    }
+    for (; *line != '\0'; ++line) {
+        const char* const end = *line == '{' ? std::strchr(line, '}') : nullptr;
+        if (end != nullptr) {
+            line = end;  // a style, which shows nothing by itself
+        } else if (*line == '\\' && line[1] != '\0' && std::strchr("Nnh", line[1]) != nullptr) {
+            ++line;
+        } else if (std::strchr(" \t\r\n", *line) == nullptr) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Subtitles that are decoded and encoded, event by event.
+class SubtitleStream : public OutputStream {
+public:
+    SubtitleStream(const Input& input, const AVStream& stream, const SubtitleJob& job, bool globalHeader, Muxer& muxer)
+        : m_input(input),
+          m_stream(stream),
+          m_decoder(stream),
+          m_encoder(job.codecId, m_decoder.Header(), globalHeader),
+          m_muxer(muxer),
+          m_outputIndex(muxer.AddStream(m_encoder.Context())),
+          m_startTime(input.StartTime()) {}
+
+    int SourceIndex() const override { return m_stream.index; }
+    bool WantsMore() const override { return true; }
+    double Seconds() const override { return static_cast<double>(m_end) / AV_TIME_BASE; }
+    void Report(ExportResult& result) const override { result.subtitles = m_events; }
+
+    void Take(const AVPacket& packet) override {
+        m_decoder.Decode(&packet, [&](AVSubtitle& subtitle) { Encode(subtitle, packet.pts, packet.duration); });
+    }
+
+    void Finish() override {
+        m_decoder.Decode(nullptr, [this](AVSubtitle& subtitle) { Encode(subtitle, AV_NOPTS_VALUE, 0); });
+        // To hold no words is no fault of subtitles, unlike to hold none that can be read.
+        if (m_events > 0 || m_decoder.LastError() >= 0) return;
+        Fail("nothing of the subtitle stream of " + m_input.QuotedName() + " could be decoded", m_decoder.LastError());
+    }
+
+private:
+    /// `time` and `duration` are the packet's, for what the event itself does not say.
+    void Encode(AVSubtitle& subtitle, std::int64_t time, std::int64_t duration) {
+        const auto microseconds = [&](std::int64_t ticks) {
+            return av_rescale_q(ticks, m_stream.time_base, av_get_time_base_q());
+        };
+        const auto fromMilliseconds = [](std::uint32_t count) { return std::int64_t{count} * (AV_TIME_BASE / 1000); };
+        if (subtitle.pts == AV_NOPTS_VALUE) {
+            subtitle.pts = time == AV_NOPTS_VALUE ? m_begin + m_startTime : microseconds(time);
+        }
+        const std::int64_t base = subtitle.pts - m_startTime;
+        const std::int64_t begin = base + fromMilliseconds(subtitle.start_display_time);
+        // FFmpeg gives an event its packet's duration where it has none, and so makes nonsense of an unknown one.
+        const bool isKnown = duration >= 0 && subtitle.end_display_time != UINT32_MAX;
+        std::int64_t end = isKnown ? base + fromMilliseconds(subtitle.end_display_time) : begin;
+        if (end <= begin) end = begin + endless;
+        if (end <= 0) return;  // over before the output begins
+        for (unsigned i = 0; i < subtitle.num_rects; ++i) Encode(subtitle, *subtitle.rects[i], begin, end);
+    }
+
+    void Encode(const AVSubtitle& event, AVSubtitleRect& text, std::int64_t begin, std::int64_t end) {
+        if (text.type != SUBTITLE_ASS || text.ass == nullptr || IsEmpty(text.ass)) return;
+        // Containers take no event that begins before the one before it.
+        begin = std::max(begin, m_begin);
+        end = std::max(end, begin);
+        AVSubtitleRect* texts[] = {&text};
+        AVSubtitle single{};
+        single.format = event.format;
+        single.pts = begin;
+        single.end_display_time = static_cast<std::uint32_t>((end - begin) / (AV_TIME_BASE / 1000));
+        single.num_rects = 1;
+        single.rects = texts;
+        const Owned<AVPacket> packet = m_encoder.Encode(single);
+        if (packet->size == 0) return;
+        packet->pts = packet->dts = begin;
+        packet->duration = end - begin;
+        packet->flags |= AV_PKT_FLAG_KEY;
+        m_muxer.Write(*packet, m_outputIndex, av_get_time_base_q());
+        m_begin = begin;
+        m_end = std::max(m_end, end);
+        ++m_events;
+    }
+
+    /// How long an event stays that does not say when it ends, and that none is known to follow.
+    static constexpr std::int64_t endless = 5 * AV_TIME_BASE;
+
+    const Input& m_input;
+    const AVStream& m_stream;
+    SubtitleDecoder m_decoder;
+    SubtitleEncoder m_encoder;
+    Muxer& m_muxer;
+    int m_outputIndex;
+    std::int64_t m_startTime;  // of the input, which becomes 0; this and all below in AV_TIME_BASE units
+    std::int64_t m_begin = 0;  // of the last event
+    std::int64_t m_end = 0;
+    long long m_events = 0;
+};
+
 // ---------------------------------------------------------------------------------------------- exporting
 
 void RequireComplete(const ExportJob& job) {
-    if (!job.video && !job.audio) throw MediaError("there is no stream to export");
+    if (!job.video && !job.audio && !job.subtitle && job.copies.empty())
+        throw MediaError("there is no stream to export");
     if (job.video) {
         const VideoJob& video = *job.video;
         if (video.width <= 0 || video.height <= 0) throw MediaError("the size of the picture must be above 0");
@@ -1553,19 +1771,33 @@ bool MakesTwoPasses(const VideoJob& job) {
 
 using OutputStreams = std::vector<std::unique_ptr<OutputStream>>;
 
+/// The stream of a subtitle job, which must be text.
+const AVStream& SelectText(Input& input, const SubtitleJob& job) {
+    const AVStream& stream = input.Select(job.streamIndex, AVMEDIA_TYPE_SUBTITLE);
+    if (IsText(stream.codecpar->codec_id)) return stream;
+    throw MediaError("the subtitle stream " + std::to_string(stream.index) + " of " + input.QuotedName() +
+                     " is no text but " + Quoted(avcodec_get_name(stream.codecpar->codec_id)));
+}
+
 OutputStreams MakeStreams(Input& input, const ExportJob& job, const Pass& pass, Muxer& muxer) {
     // All are selected before the first is made: together they tell when the output begins.
     const AVStream* const video = job.video ? &input.Select(job.video->streamIndex, AVMEDIA_TYPE_VIDEO) : nullptr;
     const AVStream* const audio = job.audio ? &input.Select(job.audio->streamIndex, AVMEDIA_TYPE_AUDIO) : nullptr;
+    const AVStream* const subtitle = job.subtitle ? &SelectText(input, *job.subtitle) : nullptr;
     const bool globalHeader = job.globalHeader || muxer.WantsGlobalHeader();
     OutputStreams streams;
     if (video != nullptr) {
         Encoder encoder = OpenVideoEncoder(*job.video, *video->codecpar, globalHeader, pass);
         streams.push_back(std::make_unique<VideoStream>(input, *video, *job.video, std::move(encoder), muxer));
     }
+    // The first of two passes hears the whole job, as the second does, for the same beginning; it makes the film alone.
+    if (pass.IsRecording()) return streams;
     if (audio != nullptr) {
         Encoder encoder = OpenAudioEncoder(*job.audio, *audio->codecpar, globalHeader);
         streams.push_back(std::make_unique<AudioStream>(input, *audio, std::move(encoder), muxer));
+    }
+    if (subtitle != nullptr) {
+        streams.push_back(std::make_unique<SubtitleStream>(input, *subtitle, *job.subtitle, globalHeader, muxer));
     }
     return streams;
 }
@@ -1606,11 +1838,9 @@ ExportResult RunPass(Input& input, const ExportJob& job, const Pass& pass, Muxer
 }
 
 void RunFirstPass(const ExportJob& job, const Pass& pass, ProgressMeter& progress) {
-    ExportJob videoOnly = job;
-    videoOnly.audio.reset();
     Input input(job.inputPath);
     Muxer muxer = Muxer::Discarding();
-    RunPass(input, videoOnly, pass, muxer, progress);
+    RunPass(input, job, pass, muxer, progress);
 }
 
 }  // namespace
@@ -1619,8 +1849,10 @@ InputInfo Probe(const std::string& path) {
     const Input input(path);
     const AVStream* const video = input.BestStream(AVMEDIA_TYPE_VIDEO, -1);
     const AVStream* const audio = input.BestStream(AVMEDIA_TYPE_AUDIO, video != nullptr ? video->index : -1);
-    if (video == nullptr && audio == nullptr) {
-        throw MediaError("cannot open " + input.QuotedName() + ": it holds neither pictures nor sound");
+    const AVStream* const timed = video != nullptr ? video : audio;
+    const AVStream* const subtitle = input.BestStream(AVMEDIA_TYPE_SUBTITLE, timed != nullptr ? timed->index : -1);
+    if (timed == nullptr && subtitle == nullptr) {
+        throw MediaError("cannot open " + input.QuotedName() + ": it holds neither pictures nor sound nor subtitles");
     }
     InputInfo info;
     info.path = path;
@@ -1628,6 +1860,7 @@ InputInfo Probe(const std::string& path) {
     info.duration = input.Duration();
     if (video != nullptr) info.video = DescribeVideo(input, *video);
     if (audio != nullptr) info.audio = DescribeAudio(*audio);
+    if (subtitle != nullptr) info.subtitle = DescribeSubtitle(*subtitle);
     return info;
 }
 

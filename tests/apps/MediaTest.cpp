@@ -93,6 +93,7 @@ struct Content {
     int extradataSize = 0;      ///< of the first stream, as the container gives it
     int profile = -1;           ///< of the first stream
     int colourMatrix = -1;      ///< of the first stream, as AVColorSpace
+    std::string titles;         ///< "begin-end text;" of each in milliseconds, line feeds as "/" and without styles
     long long videoBytes = 0;
     long long audioBytes = 0;
 
@@ -159,6 +160,25 @@ void AddPicture(Content& content, const AVFrame& frame, double time) {
     content.pictures.push_back(std::move(picture));
 }
 
+void AddTitle(Content& content, AVCodecContext& decoder, AVPacket& packet, AVRational timeBase) {
+    AVSubtitle title{};
+    int isThere = 0;
+    if (avcodec_decode_subtitle2(&decoder, &title, &isThere, &packet) < 0) throw std::runtime_error("no subtitle");
+    const auto milliseconds = [&](std::int64_t time) {
+        return std::to_string(av_rescale_q(time, timeBase, {1, 1000}));
+    };
+    for (unsigned i = 0; isThere != 0 && i < title.num_rects; ++i) {
+        std::string text = title.rects[i]->ass;
+        for (int field = 0; field < 8; ++field) text.erase(0, text.find(',') + 1);
+        for (std::size_t at = text.find("\\N"); at != std::string::npos; at = text.find("\\N"))
+            text.replace(at, 2, "/");
+        while (text.find('{') != std::string::npos) text.erase(text.find('{'), text.find('}') - text.find('{') + 1);
+        const std::string end = milliseconds(packet.pts + packet.duration);
+        content.titles += milliseconds(packet.pts) + "-" + end + " " + text + ";";
+    }
+    avsubtitle_free(&title);
+}
+
 Content ReadContent(const std::string& path) {
     AVFormatContext* opened = nullptr;
     if (avformat_open_input(&opened, path.c_str(), nullptr, nullptr) < 0) throw std::runtime_error("cannot open it");
@@ -181,7 +201,11 @@ Content ReadContent(const std::string& path) {
         if (avcodec_open2(decoders.back().get(), codec, nullptr) < 0) throw std::runtime_error("cannot decode it");
     }
     const std::unique_ptr<AVFrame, Release> frame(av_frame_alloc());
-    const auto decode = [&](unsigned index, const AVPacket* packet) {
+    const auto decode = [&](unsigned index, AVPacket* packet) {
+        if (decoders[index]->codec_type == AVMEDIA_TYPE_SUBTITLE) {
+            if (packet != nullptr) AddTitle(content, *decoders[index], *packet, input->streams[index]->time_base);
+            return;
+        }
         if (avcodec_send_packet(decoders[index].get(), packet) < 0) throw std::runtime_error("cannot decode it");
         while (avcodec_receive_frame(decoders[index].get(), frame.get()) >= 0) {
             const AVStream& stream = *input->streams[index];
@@ -373,8 +397,7 @@ TEST_F(Media, ProbeSaysWhyAFileCannotBeOpened) {
         {"garbage", RandomBytes(20000), ""},
         {"garbage.mp3", RandomBytes(20000), ""},
         {"zeros.wav", std::string(20000, '\0'), ""},
-        {"notes.txt", text, "neither pictures nor sound"},
-        {"titles.srt", "1\n00:00:00,000 --> 00:00:01,000\nHello\n", "neither pictures nor sound"},
+        {"notes.txt", text, "neither pictures nor sound nor subtitles"},
     };
     for (const auto& row : table) {
         SCOPED_TRACE(row.name);
@@ -712,6 +735,78 @@ TEST_F(Media, ACoverStandsBesideTheWholeSound) {
     }
 }
 
+// ------------------------------------------------------------------------------------------------ subtitles
+
+const char srtTitles[] =
+    "1\n00:00:00,100 --> 00:00:00,500\nOne\n\n2\n00:00:00,400 --> 00:00:00,700\n<i>Two</i>\n\n"
+    "3\n00:00:00,800 --> 00:00:00,900\n<b> </b>\n\n4\n00:00:01,000 --> 00:00:01,500\nDrei\nfünf\n\n"
+    "5\n00:00:20,000 --> 00:00:21,000\nlate\n";
+const char assTitles[] =
+    "[Script Info]\nScriptType: v4.00+\n\n[V4+ Styles]\nFormat: Name, Fontname, Fontsize\nStyle: Fancy,Courier,31\n\n"
+    "[Events]\nFormat: Layer, Start, End, Style, Name, MarginL, MarginR, MarginV, Effect, Text\n"
+    "Dialogue: 0,0:00:00.40,0:00:00.70,Fancy,,0,0,0,,{\\i1}Two{\\i0}\n"
+    "Dialogue: 0,0:00:00.10,0:00:00.50,Fancy,,0,0,0,,One\nDialogue: 0,0:00:00.80,0:00:00.90,Fancy,,0,0,0,,{\\b1}\\h\n"
+    "Dialogue: 0,0:00:01.00,0:00:01.50,Fancy,,0,0,0,,Drei\\Nfünf\nDialogue: "
+    "0,0:00:20.00,0:00:21.00,Fancy,,0,0,0,,late\n";
+
+TEST_F(Media, SubtitlesKeepTheirTimesAndWords) {
+    const struct {
+        const char* muxer;
+        const char* codec;
+        bool holdsFilms, showsOne;  ///< at a time
+    } targets[] = {
+        {"srt", "subrip", false, false},  {"ass", "ass", false, false},     {"webvtt", "webvtt", false, false},
+        {"mp4", "mov_text", true, true},  {"mov", "mov_text", true, true},  {"matroska", "subrip", true, false},
+        {"matroska", "ass", true, false}, {"webm", "webvtt", false, false},
+    };
+    WriteFile(Path("in.srt"), srtTitles);
+    WriteFile(Path("in.ass"), assTitles);
+    ClipSettings clip;
+    clip.muxer = "matroska";
+    clip.startTime = 5;
+    clip.titles = {{0.1, 0.5, "One"}, {0.4, 0.7, "<i>Two</i>"}, {0.8, 0.9, " "}, {1, 1.5, "Drei\nfünf"}};
+    clip.titles.push_back({20, 21, "late"});
+    Clip(clip, "in.mkv");
+    for (const char* const source : {"in.srt", "in.ass", "in.mkv", "whole in.mkv"}) {
+        const bool isWhole = source[0] == 'w';
+        const std::string input = Path(isWhole ? "in.mkv" : source);
+        const InputInfo info = Probe(input);
+        ASSERT_TRUE(info.subtitle);
+        EXPECT_TRUE(info.subtitle->isText);
+        EXPECT_EQ(info.subtitle->codecId, input.back() == 's' ? "ass" : "subrip");
+        EXPECT_EQ(info.subtitle->streamIndex, info.video ? 2 : 0);
+        for (const auto& target : targets) {
+            if (isWhole && !target.holdsFilms) continue;
+            SCOPED_TRACE(std::string(source) + " to " + target.codec + " in " + target.muxer);
+            ExportJob job = JobFor(input);
+            if (!isWhole) job.video.reset(), job.audio.reset();
+            job.muxer = target.muxer;
+            job.subtitle = SubtitleJob{info.subtitle->streamIndex, target.codec};
+            const ExportResult result = RunExport(job, Ignore);
+            EXPECT_EQ(result.subtitles, 4);
+            EXPECT_NEAR(result.duration, 21, 0.001);
+            const Content content = ReadContent(job.outputPath);
+            // The first samples of the sound move all streams where the container cannot say to skip them.
+            const bool isMoved = isWhole && target.muxer == std::string("matroska");
+            EXPECT_EQ(content.titles, isMoved ? "121-521 One;421-721 Two;1021-1521 Drei/fünf;20021-21021 late;"
+                                      : target.showsOne
+                                          ? "100-400 One;400-700 Two;1000-1500 Drei/fünf;20000-21000 late;"
+                                          : "100-500 One;400-700 Two;1000-1500 Drei/fünf;20000-21000 late;");
+            EXPECT_EQ(content.pictures.size(), isWhole ? 20u : 0u);
+            EXPECT_NEAR(content.PictureMark(), isWhole ? 0.4 : -1, 0.041);
+            const bool keepsStyles = target.codec == std::string("ass") && info.subtitle->codecId == "ass";
+            EXPECT_THAT(ReadFile(job.outputPath), HasSubstr(keepsStyles ? "Style: Fancy,Courier,31" : ""));
+        }
+    }
+    WriteFile(Path("endless.sub"), "{1}{1}25\n{25}{50}Hi\n{75}{}Hello\n");
+    ExportJob job = JobFor(Path("endless.sub"));
+    job.muxer = "srt";
+    job.subtitle = SubtitleJob{0, "subrip"};
+    RunExport(job, Ignore);
+    EXPECT_THAT(ReadFile(job.outputPath), HasSubstr("00:00:01,000 --> 00:00:02,000\nHi"));
+    EXPECT_THAT(ReadFile(job.outputPath), HasSubstr("00:00:03,000 --> 00:00:08,000\nHello"));
+}
+
 // ---------------------------------------------------------------------------------------------- rate control
 
 TEST_F(Media, ABetterQualityTakesMoreBytes) {
@@ -938,6 +1033,40 @@ TEST_F(MediaFailure, AJobThatDoesNotWorkOutIsToldPlainly) {
         SCOPED_TRACE(row.parts.back());
         ExportJob job = JobFor(input);
         row.change(job);
+        const std::string message = FailureOf(job);
+        for (const std::string& part : row.parts) EXPECT_THAT(message, HasSubstr(part));
+    }
+}
+
+TEST_F(MediaFailure, SubtitlesThatAreNoTextAreToldPlainly) {
+    ClipSettings clip;
+    clip.muxer = "matroska";
+    clip.titles = {{0.1, 0.5, "picture"}};
+    clip.titleCodec = "hdmv_pgs_subtitle";
+    const std::string pictures = Clip(clip, "pictures.mkv");
+    WriteFile(Path("in.srt"), srtTitles);
+    WriteFile(Path("latin1.srt"), "1\n00:00:00,100 --> 00:00:00,500\nf\xfcnf\n");
+    EXPECT_FALSE(Probe(pictures).subtitle->isText);
+    const struct {
+        std::string input;
+        SubtitleJob subtitle;
+        const char* muxer;
+        std::vector<std::string> parts;  ///< of the message
+    } table[] = {
+        {pictures, {2, "subrip"}, "srt", {"pictures.mkv'", "no text", "'hdmv_pgs_subtitle'"}},
+        {pictures, {1, "subrip"}, "srt", {"pictures.mkv'", "subtitle stream 1"}},
+        {Path("in.srt"), {0, "dvd_subtitle"}, "matroska", {"'dvd_subtitle'"}},
+        {Path("in.srt"), {0, "aac"}, "matroska", {"subtitle", "'aac'"}},
+        {Path("in.srt"), {0, "subrip"}, "mp4", {"'mp4'", "'subrip'"}},
+        {Path("latin1.srt"), {0, "subrip"}, "srt", {"latin1.srt'", "could be decoded", "Invalid data"}},
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.parts.back());
+        ExportJob job;
+        job.inputPath = row.input;
+        job.outputPath = Path("out");
+        job.muxer = row.muxer;
+        job.subtitle = row.subtitle;
         const std::string message = FailureOf(job);
         for (const std::string& part : row.parts) EXPECT_THAT(message, HasSubstr(part));
     }

@@ -241,6 +241,19 @@ void WriteSound(Writer& writer, const AVStream& stream, const ClipSettings& clip
     }
 }
 
+AVStream& AddTitles(Writer& writer, const ClipSettings& clip) {
+    const AVCodecDescriptor* const codec = avcodec_descriptor_get_by_name(clip.titleCodec.c_str());
+    if (codec == nullptr) throw std::runtime_error("cannot make the clip: its subtitles");
+    return writer.AddStream(AVMEDIA_TYPE_SUBTITLE, codec->id);
+}
+
+void WriteTitles(Writer& writer, const AVStream& stream, const ClipSettings& clip) {
+    for (const ClipSettings::Title& title : clip.titles) {
+        const std::vector<std::uint8_t> bytes(title.text.begin(), title.text.end());
+        writer.Write(stream, bytes, clip.startTime + title.begin, title.end - title.begin);
+    }
+}
+
 }  // namespace
 
 std::string MakeClip(const std::string& path, const ClipSettings& clip) {
@@ -251,12 +264,14 @@ std::string MakeClip(const std::string& path, const ClipSettings& clip) {
     AVStream* const secondVideo = clip.hasSecondVideo ? &AddVideo(writer, second) : nullptr;
     AVStream* const video = clip.frames > 0 ? &AddVideo(writer, clip) : nullptr;
     AVStream* const audio = clip.soundSeconds > 0 ? &AddSound(writer, clip) : nullptr;
+    AVStream* const titles = !clip.titles.empty() ? &AddTitles(writer, clip) : nullptr;
     if (clip.coverPicture) AddCover(writer);
     if (clip.hasSecondVideo && video != nullptr) video->disposition |= AV_DISPOSITION_DEFAULT;
     writer.Begin();
     if (secondVideo != nullptr) WritePictures(writer, *secondVideo, second);
     if (video != nullptr) WritePictures(writer, *video, clip);
     if (audio != nullptr) WriteSound(writer, *audio, clip);
+    if (titles != nullptr) WriteTitles(writer, *titles, clip);
     writer.Finish();
     return path;
 }

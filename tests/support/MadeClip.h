@@ -41,6 +41,13 @@ struct ClipSettings {
     /// Another picture stream of half the size stands before the main one, and the main one is marked as the default.
     bool hasSecondVideo = false;
     bool coverPicture = false;  ///< a PNG of 32 by 32 pixels, for the muxer "matroska"
+
+    struct Title {
+        double begin, end;  ///< seconds after the beginning
+        std::string text;
+    };
+    std::vector<Title> titles;          ///< subtitles, for the muxer "matroska"
+    std::string titleCodec = "subrip";  ///< FFmpeg's name; the bytes are those of the texts whatever it is
 };
 
 /// Writes the clip to `path`, and returns `path`. Throws std::runtime_error.
