@@ -16,6 +16,7 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavcodec/bsf.h>
 #include <libavfilter/avfilter.h>
 #include <libavfilter/buffersink.h>
 #include <libavfilter/buffersrc.h>
@@ -75,6 +76,7 @@ struct Release {
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
     void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
+    void operator()(AVBSFContext* filter) const { av_bsf_free(&filter); }
     void operator()(AVFilterGraph* graph) const { avfilter_graph_free(&graph); }
     void operator()(AVBufferSrcParameters* source) const {
         av_channel_layout_uninit(&source->ch_layout);
@@ -336,10 +338,15 @@ public:
 
     /// The stream of that number, which must be of that type; all streams not asked for are skipped from then on.
     const AVStream& Select(int index, AVMediaType type) {
-        const bool exists = index >= 0 && static_cast<unsigned>(index) < m_context->nb_streams;
-        if (!exists || m_context->streams[index]->codecpar->codec_type != type) {
+        if (!Exists(index) || m_context->streams[index]->codecpar->codec_type != type) {
             throw MediaError(m_name + " has no " + av_get_media_type_string(type) + " stream " + std::to_string(index));
         }
+        return Select(index);
+    }
+
+    /// The same of any type.
+    const AVStream& Select(int index) {
+        if (!Exists(index)) throw MediaError(m_name + " has no stream " + std::to_string(index));
         if (m_selected.empty()) {
             for (unsigned i = 0; i < m_context->nb_streams; ++i) m_context->streams[i]->discard = AVDISCARD_ALL;
         }
@@ -405,6 +412,8 @@ private:
         if (result < 0) Fail("cannot open " + Quoted(path), result);
         return Context(context);
     }
+
+    bool Exists(int index) const { return index >= 0 && static_cast<unsigned>(index) < m_context->nb_streams; }
 
     AVStream* Mutable(const AVStream& stream) const { return m_context->streams[stream.index]; }
 
@@ -1283,6 +1292,45 @@ public:
         return stream->index;
     }
 
+    /// The filter that brings the packets of a stream into the form that this container wants, null where none is
+    /// needed or where the muxer sees to it itself.
+    const char* PacketFilterFor(const AVCodecParameters& source) const {
+        const bool isPrefixed = source.extradata_size > 0 && source.extradata[0] == 1;  // rather than with start codes
+        return IsAvi() && source.codec_id == AV_CODEC_ID_H264 && isPrefixed ? "h264_mp4toannexb" : nullptr;
+    }
+
+    /// The same for a stream that goes over, of those parameters and with that rate of frames.
+    int AddCopy(const AVStream& source, const AVCodecParameters& sourceParameters, AVRational frameRate) {
+        AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
+        if (stream == nullptr) throw std::bad_alloc();
+        AVCodecParameters& parameters = *stream->codecpar;
+        Check(avcodec_parameters_copy(&parameters, &sourceParameters), "cannot describe a stream");
+        // Containers call codecs by names of their own, some by more than one: 'hvc1' and 'hev1' differ.
+        const AVCodecTag* const* const tags = m_context->oformat->codec_tag;
+        const bool holdsTag = tags != nullptr && av_codec_get_id(tags, parameters.codec_tag) == parameters.codec_id;
+        // One name may also tell the form of the packets.
+        const bool isReformed = PacketFilterFor(*source.codecpar) != nullptr;
+        if (!holdsTag || isReformed) parameters.codec_tag = 0;
+        // What one container says of the size of these packets is wrong in another.
+        const bool isOfBlocks = parameters.codec_id != AV_CODEC_ID_MP3 && parameters.codec_id != AV_CODEC_ID_AC3;
+        if (!isOfBlocks) parameters.block_align = 0;
+        CopySideData(source, *stream);
+        Check(av_dict_copy(&stream->metadata, source.metadata, 0), "cannot describe a stream");
+        stream->disposition = source.disposition;
+        stream->sample_aspect_ratio = source.sample_aspect_ratio;
+        stream->avg_frame_rate = source.avg_frame_rate;
+        stream->r_frame_rate = source.r_frame_rate;
+        stream->time_base = source.time_base;
+        if (parameters.codec_type == AVMEDIA_TYPE_SUBTITLE) stream->time_base = subtitleClock;
+        // A container of a steady rate takes the clock for it.
+        const bool isSteady = (m_context->oformat->flags & AVFMT_VARIABLE_FPS) == 0;
+        if (parameters.codec_type == AVMEDIA_TYPE_VIDEO && isSteady) {
+            stream->avg_frame_rate = frameRate;
+            stream->time_base = av_inv_q(frameRate);
+        }
+        return stream->index;
+    }
+
     /// Says that the stream is the cover picture of the others.
     void MarkCover(int stream) {
         m_context->streams[stream]->disposition |= AV_DISPOSITION_ATTACHED_PIC;
@@ -1303,6 +1351,15 @@ public:
         }
         CheckWriting(result);
     }
+
+    /// Whether the container tells when pictures are shown, rather than only in which order they are decoded.
+    bool TellsTimes() const { return (m_context->oformat->flags & AVFMT_NOTIMESTAMPS) == 0 && !IsAvi(); }
+
+    /// Whether the packets of one stream must be of rising times rather than of times that do not fall.
+    bool WantsRisingTimes() const { return (m_context->oformat->flags & AVFMT_TS_NONSTRICT) == 0; }
+
+    /// The clock of a stream, known after Begin().
+    AVRational TimeBase(int stream) const { return m_context->streams[stream]->time_base; }
 
     /// Takes the packet's content, and leaves it empty.
     void Write(AVPacket& packet, int stream, AVRational timeBase) {
@@ -1333,6 +1390,25 @@ private:
         m_context.reset(context);
         // What a decoder of an MPEG stream has between a packet's arrival and its turn; without it there is none.
         m_context->max_delay = 7 * AV_TIME_BASE / 10;
+    }
+
+    /// Such as how the picture is to be turned. Newer versions keep it in the parameters.
+    static void CopySideData(const AVStream& source, AVStream& stream) {
+#if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
+        for (int i = 0; i < source.nb_side_data; ++i) {
+            const AVPacketSideData& data = source.side_data[i];
+            std::uint8_t* const copy = av_stream_new_side_data(&stream, data.type, data.size);
+            if (copy == nullptr) throw std::bad_alloc();
+            std::copy_n(data.data, data.size, copy);
+        }
+#else
+        (void)source;
+        (void)stream;
+#endif
+    }
+
+    bool IsAvi() const {
+        return std::string_view(m_context->oformat->name) == "avi";
     }
 
     void CheckWriting(int result) const {
@@ -1741,6 +1817,153 @@ private:
     long long m_events = 0;
 };
 
+/// Brings packets into another form.
+class PacketFilter {
+public:
+    PacketFilter(const std::string& name, const AVStream& stream) {
+        const AVBitStreamFilter* const filter = av_bsf_get_by_name(name.c_str());
+        if (filter == nullptr) throw MediaError("this FFmpeg has no bitstream filter " + Quoted(name));
+        AVBSFContext* context = nullptr;
+        Check(av_bsf_alloc(filter, &context), "cannot set up a bitstream filter");
+        m_context.reset(context);
+        Check(avcodec_parameters_copy(context->par_in, stream.codecpar), "cannot set up a bitstream filter");
+        context->time_base_in = stream.time_base;
+        Check(av_bsf_init(context), "cannot set up a bitstream filter");
+    }
+
+    /// What the stream is behind the filter.
+    const AVCodecParameters& Parameters() const { return *m_context->par_out; }
+
+    /// Takes the packet's content, which is given to `onPacket` again when it is ready.
+    template <class OnPacket>
+    void Filter(AVPacket& packet, const OnPacket& onPacket) {
+        Check(av_bsf_send_packet(m_context.get(), &packet), "cannot bring a packet into another form");
+        for (;;) {
+            const int result = av_bsf_receive_packet(m_context.get(), &packet);
+            if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return;
+            Check(result, "cannot bring a packet into another form");
+            onPacket(packet);
+        }
+    }
+
+private:
+    Owned<AVBSFContext> m_context;
+};
+
+/// A stream that goes over as it is.
+class CopiedStream : public OutputStream {
+public:
+    CopiedStream(const Input& input, const AVStream& stream, Muxer& muxer)
+        : m_input(input),
+          m_stream(stream),
+          m_muxer(muxer),
+          m_filter(FilterFor(stream, muxer)),
+          m_outputIndex(
+              muxer.AddCopy(stream, m_filter ? m_filter->Parameters() : *stream.codecpar, input.FrameRate(stream))),
+          m_startTime(av_rescale_q(input.StartTime(), av_get_time_base_q(), stream.time_base)),
+          m_packet(Own(av_packet_alloc())) {}
+
+    int SourceIndex() const override { return m_stream.index; }
+    /// An attached picture is one packet.
+    bool WantsMore() const override { return !(IsAttachedPicture(m_stream) && m_packets > 0); }
+    double Seconds() const override { return static_cast<double>(m_end) * av_q2d(m_stream.time_base); }
+    void Report(ExportResult& result) const override { result.copiedPackets += m_packets; }
+
+    void Take(const AVPacket& packet) override {
+        if (!WantsMore()) return;
+        // What stands before the first key frame cannot be decoded without what was cut off.
+        const bool isKey = (packet.flags & AV_PKT_FLAG_KEY) != 0;
+        if (m_packets == 0 && !isKey && Type() == AVMEDIA_TYPE_VIDEO) return;
+        Check(av_packet_ref(m_packet.get(), &packet), "cannot keep a packet");
+        if (m_filter == nullptr) {
+            Write(*m_packet);
+        } else {
+            m_filter->Filter(*m_packet, [this](AVPacket& filtered) { Write(filtered); });
+        }
+    }
+
+    void Finish() override {
+        const bool isSteady = Type() == AVMEDIA_TYPE_VIDEO || Type() == AVMEDIA_TYPE_AUDIO;
+        if (m_packets > 0 || !isSteady) return;
+        throw MediaError("the stream " + std::to_string(m_stream.index) + " of " + m_input.QuotedName() +
+                         " holds nothing that can be copied");
+    }
+
+private:
+    static std::unique_ptr<PacketFilter> FilterFor(const AVStream& stream, const Muxer& muxer) {
+        const char* const name = muxer.PacketFilterFor(*stream.codecpar);
+        return name != nullptr ? std::make_unique<PacketFilter>(name, stream) : nullptr;
+    }
+
+    void Write(AVPacket& packet) {
+        SetTimes(packet);
+        m_end = std::max(m_end, std::max(packet.pts, packet.dts) + packet.duration);
+        m_nextTime = packet.dts + packet.duration;
+        Rescale(packet);
+        ++m_packets;
+        m_muxer.Write(packet, m_outputIndex, m_muxer.TimeBase(m_outputIndex));
+    }
+
+    AVMediaType Type() const { return m_stream.codecpar->codec_type; }
+
+    /// Brings the times to the line of the output, in the time base of the source, and makes up for missing ones.
+    void SetTimes(AVPacket& packet) const {
+        if (IsAttachedPicture(m_stream)) {
+            packet.pts = packet.dts = 0;
+            return;
+        }
+        if (packet.pts != AV_NOPTS_VALUE) packet.pts -= m_startTime;
+        if (packet.dts != AV_NOPTS_VALUE) packet.dts -= m_startTime;
+        if (packet.dts == AV_NOPTS_VALUE) {
+            const bool isFirst = m_packets == 0 && packet.pts != AV_NOPTS_VALUE;
+            packet.dts = isFirst ? packet.pts : m_nextTime;
+        }
+        if (packet.pts == AV_NOPTS_VALUE) {
+            // Only to decode the pictures would tell: H.264 in AVI is such a stream.
+            const bool isReordered = Type() == AVMEDIA_TYPE_VIDEO && m_stream.codecpar->video_delay > 0;
+            if (isReordered && m_muxer.TellsTimes()) {
+                throw MediaError("the stream " + std::to_string(m_stream.index) + " of " + m_input.QuotedName() +
+                                 " does not say when its pictures are shown, and must be encoded anew");
+            }
+            packet.pts = packet.dts;
+        }
+        // Muxers would move all streams for an event that began before the film.
+        if (Type() == AVMEDIA_TYPE_SUBTITLE) packet.pts = packet.dts = std::max<std::int64_t>(packet.pts, 0);
+    }
+
+    /// Brings the times to the time base of the output, and in order where they are not.
+    void Rescale(AVPacket& packet) {
+        const AVRational timeBase = m_muxer.TimeBase(m_outputIndex);
+        const int samples =
+            Type() == AVMEDIA_TYPE_AUDIO ? av_get_audio_frame_duration2(m_stream.codecpar, packet.size) : 0;
+        if (samples > 0) {
+            // A coarse clock of the source rounds each time by itself; the samples tell what it was.
+            const AVRational sample = {1, m_stream.codecpar->sample_rate};
+            packet.dts = av_rescale_delta(m_stream.time_base, packet.dts, sample, samples, &m_sampleTime, timeBase);
+            packet.pts = packet.dts;
+            packet.duration = av_rescale_q(packet.duration, m_stream.time_base, timeBase);
+        } else {
+            av_packet_rescale_ts(&packet, m_stream.time_base, timeBase);
+        }
+        if (m_packets > 0) packet.dts = std::max(packet.dts, m_lastTime + (m_muxer.WantsRisingTimes() ? 1 : 0));
+        packet.pts = std::max(packet.pts, packet.dts);
+        m_lastTime = packet.dts;
+    }
+
+    const Input& m_input;
+    const AVStream& m_stream;
+    Muxer& m_muxer;
+    std::unique_ptr<PacketFilter> m_filter;  // null where the packets go over as they are
+    int m_outputIndex;
+    std::int64_t m_startTime;  // of the input, which becomes 0; this and the next two in the time base of the source
+    std::int64_t m_nextTime = 0;
+    std::int64_t m_end = 0;
+    std::int64_t m_sampleTime = AV_NOPTS_VALUE;  // what av_rescale_delta remembers
+    std::int64_t m_lastTime = 0;                 // of decoding, in the time base of the output
+    long long m_packets = 0;
+    Owned<AVPacket> m_packet;
+};
+
 // ---------------------------------------------------------------------------------------------- exporting
 
 void RequireComplete(const ExportJob& job) {
@@ -1784,6 +2007,8 @@ OutputStreams MakeStreams(Input& input, const ExportJob& job, const Pass& pass, 
     const AVStream* const video = job.video ? &input.Select(job.video->streamIndex, AVMEDIA_TYPE_VIDEO) : nullptr;
     const AVStream* const audio = job.audio ? &input.Select(job.audio->streamIndex, AVMEDIA_TYPE_AUDIO) : nullptr;
     const AVStream* const subtitle = job.subtitle ? &SelectText(input, *job.subtitle) : nullptr;
+    std::vector<const AVStream*> copies;
+    for (const int index : job.copies) copies.push_back(&input.Select(index));
     const bool globalHeader = job.globalHeader || muxer.WantsGlobalHeader();
     OutputStreams streams;
     if (video != nullptr) {
@@ -1799,6 +2024,7 @@ OutputStreams MakeStreams(Input& input, const ExportJob& job, const Pass& pass, 
     if (subtitle != nullptr) {
         streams.push_back(std::make_unique<SubtitleStream>(input, *subtitle, *job.subtitle, globalHeader, muxer));
     }
+    for (const AVStream* const copy : copies) streams.push_back(std::make_unique<CopiedStream>(input, *copy, muxer));
     return streams;
 }
 

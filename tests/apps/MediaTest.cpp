@@ -349,6 +349,19 @@ private:
     std::optional<std::string> m_oldTemporary;
 };
 
+class MediaFailure : public Media {
+protected:
+    /// Runs an export that fails, and checks that nothing but its message tells of it.
+    std::string FailureOf(const ExportJob& job) {
+        WriteFile(job.outputPath, "what was there before");
+        const std::set<std::string> before = Files();
+        const std::string message = MessageOf([&] { RunExport(job, Ignore); });
+        EXPECT_EQ(Files(), before);
+        EXPECT_TRUE(ReadFile(job.outputPath) == "what was there before");
+        return message;
+    }
+};
+
 // ------------------------------------------------------------------------------------------------- Probe
 
 TEST_F(Media, ProbeDescribesBothStreams) {
@@ -807,6 +820,138 @@ TEST_F(Media, SubtitlesKeepTheirTimesAndWords) {
     EXPECT_THAT(ReadFile(job.outputPath), HasSubstr("00:00:03,000 --> 00:00:08,000\nHello"));
 }
 
+// ------------------------------------------------------------------------------------------- copied streams
+
+class MediaCopy : public MediaFailure {
+protected:
+    /// A clip of H.264 with B frames and of AAC, H.265 where the container is "mp4"; a job to copy both streams.
+    ExportJob JobForCopies(const std::string& muxer, const std::string& codec = "h264") {
+        ClipSettings clip;
+        clip.startTime = 5;
+        clip.markTime = 1;
+        clip.frames = 50;
+        clip.soundSeconds = 2;
+        ExportJob job = JobFor(Clip(clip));
+        job.muxer = muxer;
+        job.outputPath = Path("coded");
+        job.video->codecId = codec;
+        job.video->maxBFrames = 2;
+        job.video->keyFrameInterval = 20;
+        job.video->options = {{"preset", "veryfast"}};
+        RunExport(job, Ignore);
+        ExportJob copy;
+        copy.inputPath = job.outputPath;
+        copy.outputPath = Path("out");
+        copy.muxer = muxer;
+        copy.copies = {0, 1};
+        return copy;
+    }
+};
+
+TEST_F(MediaCopy, CopiesAreTheSamePicturesAndSoundInStep) {
+    for (const char* const source : {"mp4", "matroska", "mpegts", "avi", "flv"}) {
+        ExportJob job = JobForCopies(source);
+        const Content before = ReadContent(job.inputPath);
+        ASSERT_EQ(before.pictures.size(), 50u);
+        ASSERT_TRUE(std::any_of(before.pictures.begin(), before.pictures.end(), [](auto& p) { return p.type == 'B'; }));
+        for (const char* const target : {"mp4", "mov", "matroska", "mpegts", "avi", "flv"}) {
+            SCOPED_TRACE(std::string(source) + " to " + target);
+            job.muxer = target;
+            const bool tellsTimes = target != std::string("avi");  // and not the order of decoding alone
+            if (source == std::string("avi") && tellsTimes) {
+                EXPECT_THAT(FailureOf(job), HasSubstr("does not say when its pictures are shown"));
+                continue;
+            }
+            double done = 0;
+            const ExportResult result = RunExport(job, [&](const Progress& p) { done = p.secondsDone; });
+            EXPECT_NEAR(done, 2, 0.15);
+            EXPECT_NEAR(result.duration, 2, 0.1);
+            EXPECT_NEAR(static_cast<double>(result.copiedPackets), 50 + 95, 2);
+            const Content after = ReadContent(job.outputPath);
+            ASSERT_EQ(after.pictures.size(), 50u);
+            for (std::size_t i = 0; i < 50; ++i) {
+                EXPECT_EQ(after.pictures[i].luma, before.pictures[i].luma) << i;
+                if (!tellsTimes) continue;
+                const double shown = after.pictures[i].time - after.pictures[0].time;
+                EXPECT_NEAR(shown, static_cast<double>(i) / 25, 0.0011) << i;
+            }
+            EXPECT_NEAR(after.SoundSeconds(), 2, 0.1);
+            if (!tellsTimes) continue;
+            EXPECT_NEAR(after.SoundMark() - after.PictureMark(), before.SoundMark() - before.PictureMark(), 0.0021);
+            EXPECT_NEAR(after.SoundMark() - after.PictureMark(), 0, 0.045);
+        }
+    }
+}
+
+TEST_F(MediaCopy, ACopyAndAnEncodedStreamStayInStep) {
+    for (const char* const muxer : {"mp4", "mpegts", "matroska"}) {
+        for (const int copied : {0, 1}) {
+            SCOPED_TRACE(std::string(muxer) + " copied " + std::to_string(copied));
+            const ExportJob copies = JobForCopies(muxer);
+            ExportJob job = JobFor(copies.inputPath);
+            job.muxer = muxer;
+            job.copies = {copied};
+            copied == 0 ? job.video.reset() : job.audio.reset();
+            RunExport(job, Ignore);
+            const Content content = ReadContent(job.outputPath);
+            EXPECT_NEAR(static_cast<double>(content.pictures.size()), 50.5, 0.5);
+            EXPECT_NEAR(content.SoundMark() - content.PictureMark(), 0, 0.045);
+        }
+    }
+}
+
+TEST_F(MediaCopy, ATagIsKeptWhereTheContainerKnowsIt) {
+    ExportJob job = JobForCopies("mp4", "hevc");
+    std::string bytes = ReadFile(job.inputPath);
+    ASSERT_NE(bytes.find("hev1"), std::string::npos);
+    WriteFile(job.inputPath, bytes.replace(bytes.find("hev1"), 4, "hvc1"));
+    const struct {
+        const char* muxer;
+        unsigned tag;
+    } table[] = {{"mp4", MKTAG('h', 'v', 'c', '1')},
+                 {"mov", MKTAG('h', 'v', 'c', '1')},
+                 {"matroska", 0},
+                 {"mpegts", MKTAG('H', 'E', 'V', 'C')}};
+    for (const auto& row : table) {
+        job.muxer = row.muxer;
+        RunExport(job, Ignore);
+        const InputInfo info = Probe(job.outputPath);
+        EXPECT_EQ(info.video->codecTag, row.tag) << row.muxer;
+        EXPECT_GT(info.video->codecDataSize, 20u) << row.muxer;
+        EXPECT_EQ(ReadContent(job.outputPath).pictures.size(), 50u) << row.muxer;
+    }
+}
+
+TEST_F(MediaCopy, CoversAndSubtitlesGoOverToo) {
+    ClipSettings clip;
+    clip.muxer = "matroska";
+    clip.startTime = 5;
+    clip.frames = 0;
+    clip.coverPicture = true;
+    clip.titles = {{0.1, 0.5, "One"}, {0.6, 0.7, "Two"}};
+    ExportJob job = JobFor(Clip(clip, "in.mkv"));
+    job.video.reset();
+    job.muxer = "flac";
+    job.audio->codecId = "flac";
+    job.copies = {2};
+    EXPECT_EQ(RunExport(job, Ignore).copiedPackets, 1);
+    EXPECT_TRUE(Probe(job.outputPath).video->isAttachedPicture);
+    EXPECT_NEAR(ReadContent(job.outputPath).SoundSeconds(), 0.8, 0.01);
+    job.audio.reset();
+    job.muxer = "image2";
+    RunExport(job, Ignore);
+    EXPECT_EQ(ReadContent(job.outputPath).pictures.at(0).width, 32);
+    job.muxer = "srt";
+    job.copies = {1};
+    RunExport(job, Ignore);
+    EXPECT_EQ(ReadContent(job.outputPath).titles, "100-500 One;600-700 Two;");
+    job.copies = {7};
+    EXPECT_THAT(FailureOf(job), AllOf(HasSubstr("in.mkv'"), HasSubstr("no stream 7")));
+    job.copies = {1};
+    job.muxer = "mp4";
+    EXPECT_THAT(FailureOf(job), AllOf(HasSubstr("'mp4'"), HasSubstr("'subrip'")));
+}
+
 // ---------------------------------------------------------------------------------------------- rate control
 
 TEST_F(Media, ABetterQualityTakesMoreBytes) {
@@ -950,19 +1095,6 @@ TEST_F(Media, ProgressCoversBothPasses) {
 }
 
 // -------------------------------------------------------------------------------------------------- failures
-
-class MediaFailure : public Media {
-protected:
-    /// Runs an export that fails, and checks that nothing but its message tells of it.
-    std::string FailureOf(const ExportJob& job) {
-        WriteFile(job.outputPath, "what was there before");
-        const std::set<std::string> before = Files();
-        const std::string message = MessageOf([&] { RunExport(job, Ignore); });
-        EXPECT_EQ(Files(), before);
-        EXPECT_TRUE(ReadFile(job.outputPath) == "what was there before");
-        return message;
-    }
-};
 
 TEST_F(MediaFailure, AJobThatDoesNotWorkOutIsToldPlainly) {
     using Change = void (*)(ExportJob&);
