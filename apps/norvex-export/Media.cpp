@@ -1340,7 +1340,7 @@ public:
     }
 
     void Begin() {
-        if (m_isOnePicture && m_context->nb_streams > 1) FailAsOnePicture();
+        if (m_isOnePicture) RequireOnePicture();
         const int result = avformat_write_header(m_context.get(), nullptr);
         if (result >= 0) return;
         for (unsigned i = 0; i < m_context->nb_streams; ++i) {
@@ -1413,6 +1413,13 @@ private:
 
     void CheckWriting(int result) const {
         if (result < 0) Fail("cannot write " + m_name, result);
+    }
+
+    void RequireOnePicture() const {
+        if (m_context->nb_streams != 1) FailAsOnePicture();
+        // By the name of its file, the planes of a raw picture may go to files of their own.
+        if (m_context->streams[0]->codecpar->codec_id != AV_CODEC_ID_RAWVIDEO) return;
+        throw MediaError("the container " + Quoted(m_context->oformat->name) + " does not hold 'rawvideo'");
     }
 
     /// The next picture would take the place of the one before it.

@@ -160,7 +160,8 @@ InputInfo Probe(const std::string& path);
 /// `onProgress` may be empty. It is called from the calling thread, some ten times per second and once more when
 /// all is done but for the output's name. What it throws ends the export as a failure does, and is passed on.
 ///
-/// Throws MediaError, also where an encoder does not know an option, or where nothing of a stream can be decoded.
+/// Throws MediaError, also where an encoder does not know an option, where nothing of a stream can be decoded, or
+/// where a stream that is to go over as it is does not say when its pictures are shown.
 ExportResult RunExport(const ExportJob& job, const std::function<void(const Progress&)>& onProgress);
 
 }  // namespace NorvexExport
