@@ -7,6 +7,7 @@
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IPreset.h"
+#include "norvex/interfaces/Proc/IFilterResample.h"
 
 namespace Norvex::Conf {
 
@@ -72,6 +73,10 @@ Property AssemblePreset(const std::vector<Property>& sections) {
             AddStream(preset, P::KEY_FILTER_AUDIO_CODEC, section, AudioPlaces());
         } else if (!name.empty()) {
             preset.SetChild(name, section);
+            // The resampler's section keeps the sample format beside the node in which rules look for it.
+            if (name == Proc::IFilterResample::CLASS_ID && section.ChildExists(A::TAG_SAMPLE_FORMAT)) {
+                MakePath(preset, SampleFormatPath()).CopyDataFrom(section[A::TAG_SAMPLE_FORMAT]);
+            }
         }
     }
     return preset;
