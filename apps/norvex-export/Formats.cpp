@@ -11,32 +11,121 @@ namespace NorvexExport {
 
 namespace {
 
+using C = Norvex::Conf::IFormatCodec;
 using F = Norvex::Conf::IFormatFile;
+using S = Norvex::Conf::IFormatCodecSubtitle;
+using V = Norvex::Conf::IFormatCodecVideo;
 
-struct Format {
+template <class Row, std::size_t N, class Predicate>
+const Row* FindRow(const Row (&rows)[N], const Predicate& predicate) {
+    const Row* const row = std::find_if(std::begin(rows), std::end(rows), predicate);
+    return row != std::end(rows) ? row : nullptr;
+}
+
+struct Muxer {
     const std::string* id;
-    const char* muxer;
+    const char* name;
 };
 
 // clang-format off
-/// Only containers whose id is not the name of the muxer that writes them. The muxer that FFmpeg calls m4v writes a
-/// bare stream of MPEG-4 pictures; what players know as M4V is MP4 for Apple's players, like the audio kinds.
-constexpr Format g_formats[] = {
-    // id              muxer
-    {&F::FORMAT_M4V,  "ipod"},
-    {&F::FORMAT_M4A,  "ipod"},
-    {&F::FORMAT_M4B,  "ipod"},
-    {&F::FORMAT_M4R,  "ipod"},
-    {&F::FORMAT_F4A,  "f4v"},
+/// Only containers whose id is not the name of the muxer that writes them. The muxers that FFmpeg calls m4v,
+/// mpeg1video and mpeg2video write a bare stream of pictures; what players know by these names is MP4 for Apple's
+/// players, like the audio kinds, and MPEG program streams.
+constexpr Muxer g_muxers[] = {
+    {&F::FORMAT_M4V,        "ipod"},
+    {&F::FORMAT_M4A,        "ipod"},
+    {&F::FORMAT_M4B,        "ipod"},
+    {&F::FORMAT_M4R,        "ipod"},
+    {&F::FORMAT_F4A,        "f4v"},
+    {&F::FORMAT_MKA,        "matroska"},
+    {&F::FORMAT_MPEG1VIDEO, "mpeg"},
+    {&F::FORMAT_MPEG2VIDEO, "vob"},
+    {&F::FORMAT_MPEG2TS,    "mpegts"},
+    {&F::FORMAT_WMV,        "asf"},
+    {&F::FORMAT_WMA,        "asf"},
+    {&F::FORMAT_SSA,        "ass"},
+};
+
+/// Still pictures. All but AVIF are written by the muxer of picture files, whatever their codec.
+constexpr Muxer g_stills[] = {
+    {&F::FORMAT_JPEG,     "image2"}, {&F::FORMAT_BMP,    "image2"}, {&F::FORMAT_PNG,  "image2"},
+    {&F::FORMAT_TIFF,     "image2"}, {&F::FORMAT_DPX,    "image2"}, {&F::FORMAT_PBM,  "image2"},
+    {&F::FORMAT_JPEG2000, "image2"}, {&F::FORMAT_JPEGLS, "image2"}, {&F::FORMAT_PCX,  "image2"},
+    {&F::FORMAT_PGM,      "image2"}, {&F::FORMAT_PPM,    "image2"}, {&F::FORMAT_XBM,  "image2"},
+    {&F::FORMAT_TARGA,    "image2"}, {&F::FORMAT_PAM,    "image2"}, {&F::FORMAT_SGI,  "image2"},
+    {&F::FORMAT_PGMYUV,   "image2"}, {&F::FORMAT_XWD,    "image2"}, {&F::FORMAT_AVIF, "avif"},
+    {&F::FORMAT_HEIC,     "heic"},   {&F::FORMAT_HEIF,   "heif"},  // FFmpeg writes neither yet
+};
+
+struct Extension {
+    const char* extension;
+    const std::string* id;
+};
+
+/// Only extensions that are not themselves ids.
+constexpr Extension g_extensions[] = {
+    {"3gpp", &F::FORMAT_3GP},       {"aac", &F::FORMAT_AAC},      {"aif", &F::FORMAT_AIFF},
+    {"jfif", &F::FORMAT_JPEG},      {"jp2", &F::FORMAT_JPEG2000}, {"jpg", &F::FORMAT_JPEG},
+    {"jls", &F::FORMAT_JPEGLS},     {"m1v", &F::FORMAT_MPEG},     {"m2ts", &F::FORMAT_MPEG2TS},
+    {"m2v", &F::FORMAT_MPEG2VIDEO}, {"mkv", &F::FORMAT_MATROSKA}, {"mpg", &F::FORMAT_MPEG},
+    {"mts", &F::FORMAT_MPEG2TS},    {"oga", &F::FORMAT_OGG},      {"snd", &F::FORMAT_AU},
+    {"tga", &F::FORMAT_TARGA},      {"tif", &F::FORMAT_TIFF},     {"ts", &F::FORMAT_MPEGTS},
+};
+
+struct Codec {
+    const std::string* id;
+    const char* name;
+};
+
+/// Subtitle codecs under an older name of theirs.
+constexpr Codec g_codecs[] = {
+    {&S::CODEC_ID_SRT, "subrip"},
+    {&S::CODEC_ID_SSA, "ass"},
+};
+
+struct Option {
+    const std::string* codec;
+    const std::string* tag;
+    const std::string* value;
+    const char* option;  ///< null where the encoder needs none
+    const char* ffmpeg;
+};
+
+/// Only texts that FFmpeg has under other names than the rule book.
+constexpr Option g_options[] = {
+    {&V::CODEC_ID_MPEG4,  &C::TAG_PROFILE, &V::TAG_MPEG4_PROFILE_SIMPLE,          "profile", "0"},
+    {&V::CODEC_ID_MPEG4,  &C::TAG_PROFILE, &V::TAG_MPEG4_PROFILE_CORE_SCALABLE,   "profile", "8"},
+    {&V::CODEC_ID_MPEG4,  &C::TAG_PROFILE, &V::TAG_MPEG4_PROFILE_MAIN,            "profile", "3"},
+    {&V::CODEC_ID_MPEG4,  &C::TAG_PROFILE, &V::TAG_MPEG4_PROFILE_ADVANCED_SIMPLE, "profile", "15"},
+    {&V::CODEC_ID_PRORES, &C::TAG_PROFILE, &V::TAG_PRORES_PROFILE_422,            "profile", "2"},
+    {&V::CODEC_ID_HAP,    &C::TAG_FORMAT,  &V::TAG_FORMAT_HAP,                    "format",  "hap"},
+    {&V::CODEC_ID_HAP,    &C::TAG_FORMAT,  &V::TAG_FORMAT_HAP_ALPHA,              "format",  "hap_alpha"},
+    {&V::CODEC_ID_HAP,    &C::TAG_FORMAT,  &V::TAG_FORMAT_HAP_Q,                  "format",  "hap_q"},
+    // The pixel format settles these profiles, and each library's encoder of AV1 has its own scale of speeds.
+    {&V::CODEC_ID_VP9,    &C::TAG_PROFILE, &V::TAG_VP9_PROFILE_0,                 nullptr,   nullptr},
+    {&V::CODEC_ID_AV1,    &C::TAG_PROFILE, &V::TAG_AV1_PROFILE_MAIN,              nullptr,   nullptr},
+    {&V::CODEC_ID_AV1,    &C::TAG_PRESET,  &V::TAG_AV1_PRESET_FASTER,             nullptr,   nullptr},
+};
+
+struct SizeRate {
+    const std::string* codec;
+    int width;   ///< pixels
+    int height;  ///< pixels
+    Norvex::Core::Ratio rate;
 };
 // clang-format on
 
 }  // namespace
 
 std::string MuxerOf(const std::string& formatId) {
-    const auto* const format = std::find_if(std::begin(g_formats), std::end(g_formats),
-                                            [&formatId](const Format& row) { return *row.id == formatId; });
-    return format != std::end(g_formats) ? format->muxer : formatId;
+    const auto isFormat = [&formatId](const Muxer& row) { return *row.id == formatId; };
+    if (const Muxer* const muxer = FindRow(g_muxers, isFormat)) return muxer->name;
+    if (const Muxer* const muxer = FindRow(g_stills, isFormat)) return muxer->name;
+    return formatId;
+}
+
+bool IsStill(const std::string& formatId) {
+    return FindRow(g_stills, [&formatId](const Muxer& row) { return *row.id == formatId; }) != nullptr;
 }
 
 std::string FormatOf(const std::string& path) {
@@ -44,7 +133,34 @@ std::string FormatOf(const std::string& path) {
     if (!extension.empty()) extension.erase(0, 1);
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return extension;
+    const Extension* const row =
+        FindRow(g_extensions, [&extension](const Extension& r) { return extension == r.extension; });
+    return row != nullptr ? *row->id : extension;
+}
+
+std::string CodecNameOf(const std::string& codecId) {
+    const Codec* const row = FindRow(g_codecs, [&codecId](const Codec& r) { return *r.id == codecId; });
+    return row != nullptr ? row->name : codecId;
+}
+
+std::optional<std::pair<std::string, std::string>> EncoderOptionOf(const std::string& codecId, const std::string& tag,
+                                                                   const std::string& value) {
+    const Option* const row =
+        FindRow(g_options, [&](const Option& r) { return *r.codec == codecId && *r.tag == tag && *r.value == value; });
+    if (row == nullptr) return std::pair(tag, value);
+    if (row->option == nullptr) return std::nullopt;
+    return std::pair<std::string, std::string>(row->option, row->ffmpeg);
+}
+
+std::optional<Norvex::Core::Ratio> FrameRateOf(const std::string& codecId, int width, int height) {
+    // The two systems of DV (SMPTE 314M).
+    static const SizeRate rows[] = {
+        {&V::CODEC_ID_DVVIDEO, 720, 480, {30000, 1001}},
+        {&V::CODEC_ID_DVVIDEO, 720, 576, {25, 1}},
+    };
+    const SizeRate* const row =
+        FindRow(rows, [&](const SizeRate& r) { return *r.codec == codecId && r.width == width && r.height == height; });
+    return row != nullptr ? std::optional(row->rate) : std::nullopt;
 }
 
 }  // namespace NorvexExport

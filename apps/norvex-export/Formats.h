@@ -1,16 +1,35 @@
-/// What the program has to know of containers beyond the rule book: which muxer of FFmpeg writes one, and which
-/// extensions stand for it.
+/// What the program has to know beyond the rule book, in one place: which muxer of FFmpeg writes a container, which
+/// extensions stand for it, and what FFmpeg calls a codec or an encoder's option.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
+
+#include "norvex/foundation/Property.h"
 
 namespace NorvexExport {
 
 /// FFmpeg's short name of the muxer of a container id.
 std::string MuxerOf(const std::string& formatId);
 
+/// Whether the container holds one picture.
+bool IsStill(const std::string& formatId);
+
 /// The container id for the extension of a path; empty for a path without one. An extension that stands for nothing
 /// else is taken as a container id.
 std::string FormatOf(const std::string& path);
+
+/// FFmpeg's name of the codec that writes what the rule book calls by this id.
+std::string CodecNameOf(const std::string& codecId);
+
+/// A text of the rule book under the encoder options of a codec, as FFmpeg's option and value; none where FFmpeg has no
+/// option for it, or settles it by other means.
+std::optional<std::pair<std::string, std::string>> EncoderOptionOf(const std::string& codecId, const std::string& tag,
+                                                                   const std::string& value);
+
+/// The frame rate (frames per second) that an encoder insists on for a size, or none.
+std::optional<Norvex::Core::Ratio> FrameRateOf(const std::string& codecId, int width, int height);
 
 }  // namespace NorvexExport

@@ -1,13 +1,13 @@
 /// The road from a request to settings that an encoder takes, through the rule book.
 #pragma once
 
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "Media.h"
 #include "Request.h"
+#include "norvex/Conf/Review/CorrectionReport.h"
 #include "norvex/foundation/Property.h"
 
 namespace NorvexExport {
@@ -18,28 +18,18 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// A rule or a constraint that a stream did not keep.
-struct Violation {
-    std::string path;     ///< of the value, in the preset or the codec's section
-    std::string value;    ///< as text
-    std::string allowed;  ///< what would be allowed, in words
-};
-
-/// A value that was changed on the way.
-struct Change {
-    std::string path;  ///< in the stream's tree
-    std::string from;  ///< as text, empty where it was absent
-    std::string to;    ///< as text, empty where it was removed
-    std::string by;    ///< who changed it: "format", "codec" or "rules"
-};
-
+/// What becomes of one stream.
 struct StreamPlan {
-    bool isVideo = false;
-    std::string source;              ///< what the input has, in words
-    Norvex::Core::Property asked;    ///< the stream's flat tree after the preset was applied
-    Norvex::Core::Property settled;  ///< the same after correction
-    std::vector<Violation> broken;   ///< before correction
-    std::vector<Change> changes;
+    enum class Kind { Video, Audio, Subtitle };
+
+    Kind kind = Kind::Video;
+    std::string source;                                  ///< what the input has, in words
+    bool isCopied = false;                               ///< carried over unchanged; the rest is empty then
+    Norvex::Core::Property asked;                        ///< the stream's flat tree after the preset was applied
+    Norvex::Core::Property settled;                      ///< the same after correction
+    std::vector<Norvex::Conf::Finding> lookedAt;         ///< on what was asked, broken or not
+    std::vector<Norvex::Conf::CorrectedValue> changes;   ///< by the helpers
+    std::vector<Norvex::Conf::CorrectedValue> givenWay;  ///< by the program: what was not asked, to what was
 };
 
 struct Plan {
@@ -48,11 +38,15 @@ struct Plan {
     std::string formatId;
     std::vector<StreamPlan> streams;
     std::vector<std::string> notes;  ///< what the user may want to know, a sentence each
+    Norvex::Core::Property settled;  ///< the preset that gives the same again
     ExportJob job;
 };
 
 /// Takes the census of encoders. Once, before the first plan.
 void TakeCensus();
+
+/// Adds to the choices what the preset of that text says, where nothing else was chosen. Throws RequestError.
+void ChooseFromPreset(Request& request, const std::string& presetText);
 
 /// Settles the request for this input. Throws RequestError.
 Plan MakePlan(const Request& request, const InputInfo& input);

@@ -7,12 +7,19 @@
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
+#include "common/PresetJson.h"
+#include "norvex/Norvex.h"
+
 namespace NorvexExport {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
+using Norvex::Conf::CorrectedValue;
+using Norvex::Conf::Finding;
 using Norvex::Core::Property;
+using Norvex::Core::PropertyValueToString;
+using NorvexApps::ToJson;
 
 /// Escape sequences, or nothing.
 struct Style {
@@ -24,28 +31,6 @@ struct Style {
 };
 constexpr Style g_plain = {"", "", "", "", ""};
 constexpr Style g_coloured = {"\033[1m", "\033[2m", "\033[33m", "\033[31m", "\033[0m"};
-
-Json ToJson(const Property& node) {
-    switch (node.GetType()) {
-        case Norvex::PT_BOOL:
-            return node.GetBool();
-        case Norvex::PT_DOUBLE:
-            return node.GetDouble();
-        case Norvex::PT_INT64:
-            return node.GetInt64();
-        case Norvex::PT_STRING:
-            return node.GetString();
-        case Norvex::PT_RATIO:
-            return Norvex::Core::PropertyValueToString(node);
-        case Norvex::PT_NONE:
-            return nullptr;
-        case Norvex::PT_NODE:
-            break;
-    }
-    Json object = Json::object();
-    for (const Property& child : node) object[child.GetName()] = ToJson(child);
-    return object;
-}
 
 struct Row {
     std::string path;
@@ -66,24 +51,129 @@ void CollectRows(const Property& node, const std::string& path, std::vector<Row>
     }
 }
 
+std::string TextOf(const std::optional<Property>& value) {
+    return value ? PropertyValueToString(*value) : "-";
+}
+
+/// What a helper is called: "format mp4", "codec aac", or a filter's class id.
+std::string HelperName(const std::string& kind, const std::string& id) {
+    if (id.empty()) return kind;
+    return (kind == Norvex::Conf::IPreset::KEY_FORMAT ? "format " : "codec ") + id;
+}
+
+/// All that was changed, in the order in which it happened.
+std::vector<std::pair<const CorrectedValue*, std::string>> ChangesOf(const StreamPlan& stream) {
+    std::vector<std::pair<const CorrectedValue*, std::string>> changes;
+    for (const CorrectedValue& change : stream.changes) {
+        changes.emplace_back(&change, HelperName(change.helperKind, change.helperId));
+    }
+    for (const CorrectedValue& change : stream.givenWay) changes.emplace_back(&change, "your choice");
+    return changes;
+}
+
+std::vector<const Finding*> BrokenOf(const StreamPlan& stream) {
+    std::vector<const Finding*> broken;
+    for (const Finding& finding : stream.lookedAt) {
+        if (finding.verdict != Finding::Verdict::Violated) continue;
+        // A constraint and a rule often say the same of a value.
+        const bool isKnown = std::any_of(broken.begin(), broken.end(), [&finding](const Finding* known) {
+            return known->value == finding.value && known->allowed.words == finding.allowed.words;
+        });
+        if (!isKnown) broken.push_back(&finding);
+    }
+    return broken;
+}
+
 /// Every value of the settled tree, and with it what it was where something changed it; removed ones at the end.
 std::vector<Row> RowsOf(const StreamPlan& stream) {
     std::vector<Row> rows;
     CollectRows(stream.settled, {}, rows);
-    for (const Change& change : stream.changes) {
-        auto row = std::find_if(rows.begin(), rows.end(), [&change](const Row& r) { return r.path == change.path; });
+    for (const auto& [change, by] : ChangesOf(stream)) {
+        const std::string& path = change->path;
+        auto row = std::find_if(rows.begin(), rows.end(), [&path](const Row& r) { return r.path == path; });
         if (row == rows.end()) {
-            rows.push_back({change.path, change.from, "-", change.by});
+            rows.push_back({path, TextOf(change->before), "-", by});
             continue;
         }
         // The first change of a value knows what was asked, the last one who had the last word.
-        if (row->by.empty()) row->asked = change.from.empty() ? "-" : change.from;
-        row->by = change.by;
+        if (row->by.empty()) row->asked = TextOf(change->before);
+        row->by = by;
     }
     return rows;
 }
 
-std::string StreamText(const StreamPlan& stream, const Style& style) {
+const char* KindName(StreamPlan::Kind kind) {
+    switch (kind) {
+        case StreamPlan::Kind::Video:
+            return "video";
+        case StreamPlan::Kind::Audio:
+            return "audio";
+        case StreamPlan::Kind::Subtitle:
+            break;
+    }
+    return "subtitles";
+}
+
+const char* VerdictName(Finding::Verdict verdict) {
+    switch (verdict) {
+        case Finding::Verdict::Kept:
+            return "kept";
+        case Finding::Verdict::DoesNotApply:
+            return "does not apply";
+        case Finding::Verdict::Violated:
+            break;
+    }
+    return "broken";
+}
+
+const char* ReasonName(CorrectedValue::Reason reason) {
+    switch (reason) {
+        case CorrectedValue::Reason::Broken:
+            return "broken";
+        case CorrectedValue::Reason::Default:
+            return "default";
+        case CorrectedValue::Reason::Helper:
+            break;
+    }
+    return "helper";
+}
+
+/// One line: who looked, at what, and what came of it.
+std::string FindingText(const Finding& finding) {
+    std::string text = fmt::format("{:<15} {:<20} {}", VerdictName(finding.verdict),
+                                   HelperName(finding.helperKind, finding.helperId), finding.path);
+    if (finding.value) text += " = " + PropertyValueToString(*finding.value);
+    const bool isViolated = finding.verdict == Finding::Verdict::Violated;
+    const std::string allowed =
+        isViolated || !finding.constraint ? finding.allowed.words : WhatIsAllowed(*finding.constraint).words;
+    if (!allowed.empty()) text += "; allowed: " + allowed;
+    if (!finding.conditionPath.empty()) text += "; when " + finding.conditionPath + " = " + TextOf(finding.condition);
+    return text;
+}
+
+std::string ExplainText(const StreamPlan& stream, const Style& style) {
+    std::string text = fmt::format("  {}looked at:{}\n", style.dim, style.reset);
+    for (const Finding& finding : stream.lookedAt) text += "  - " + FindingText(finding) + '\n';
+    const auto changes = ChangesOf(stream);
+    if (!changes.empty()) text += fmt::format("  {}changed:{}\n", style.dim, style.reset);
+    for (const auto& [change, by] : changes) {
+        text +=
+            fmt::format("  - {}: {} became {} by {}", change->path, TextOf(change->before), TextOf(change->after), by);
+        if (change->broken) {
+            text += ": " + change->broken->message;
+        } else if (change->reason == CorrectedValue::Reason::Default) {
+            text += ", its default";
+        }
+        text += '\n';
+    }
+    return text;
+}
+
+std::string StreamText(const StreamPlan& stream, bool explain, const Style& style) {
+    if (stream.isCopied) {
+        return fmt::format("\n{}{}{}  {}carried over unchanged: {}{}\n", style.bold, KindName(stream.kind), style.reset,
+                           style.dim, stream.source, style.reset);
+    }
     const std::vector<Row> rows = RowsOf(stream);
     std::size_t path = 4;
     std::size_t asked = 5;
@@ -93,8 +183,8 @@ std::string StreamText(const StreamPlan& stream, const Style& style) {
         asked = std::max(asked, row.asked.size());
         settled = std::max(settled, row.settled.size());
     }
-    std::string text = fmt::format("\n{}{}{}  {}from {}{}\n", style.bold, stream.isVideo ? "Video" : "Audio",
-                                   style.reset, style.dim, stream.source, style.reset);
+    std::string text = fmt::format("\n{}{}{}  {}from {}{}\n", style.bold, KindName(stream.kind), style.reset, style.dim,
+                                   stream.source, style.reset);
     text += fmt::format("  {}{:<{}}  {:<{}}  {:<{}}  by{}\n", style.dim, "", path, "asked", asked, "settled", settled,
                         style.reset);
     for (const Row& row : rows) {
@@ -105,12 +195,23 @@ std::string StreamText(const StreamPlan& stream, const Style& style) {
         line.erase(line.find_last_not_of(' ') + 1);
         text += line + '\n';
     }
-    if (stream.broken.empty()) return text;
-    text += fmt::format("  {}broken before:{}\n", style.warning, style.reset);
-    for (const Violation& violation : stream.broken) {
-        text += fmt::format("  - {} = {}: allowed is {}\n", violation.path, violation.value, violation.allowed);
+    if (const auto broken = BrokenOf(stream); !broken.empty()) {
+        text += fmt::format("  {}broken before:{}\n", style.warning, style.reset);
+        for (const Finding* const finding : broken) text += "  - " + finding->message + '\n';
     }
-    return text;
+    return explain ? text + ExplainText(stream, style) : text;
+}
+
+Json FindingJson(const Finding& finding) {
+    return {{"helper", HelperName(finding.helperKind, finding.helperId)},
+            {"kind", finding.source == Finding::Source::Rule ? "rule" : "constraint"},
+            {"verdict", VerdictName(finding.verdict)},
+            {"path", finding.path},
+            {"value", finding.value ? ToJson(*finding.value) : Json()},
+            {"conditionPath", finding.conditionPath},
+            {"condition", finding.condition ? ToJson(*finding.condition) : Json()},
+            {"allowed", finding.allowed.words},
+            {"message", finding.message}};
 }
 
 std::string BytesText(std::uintmax_t bytes) {
@@ -126,7 +227,7 @@ std::string PlanText(const Plan& plan, bool colours) {
     std::string text =
         fmt::format("{}{}{} -> {}{}{}  {}{}, {:.2f} s{}\n", style.bold, plan.request.input, style.reset, style.bold,
                     plan.request.output, style.reset, style.dim, plan.formatId, plan.input.duration, style.reset);
-    for (const StreamPlan& stream : plan.streams) text += StreamText(stream, style);
+    for (const StreamPlan& stream : plan.streams) text += StreamText(stream, plan.request.explain, style);
     for (const std::string& note : plan.notes) text += "\n" + note + "\n";
     return text;
 }
@@ -135,31 +236,35 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
     Json streams = Json::array();
     for (const StreamPlan& stream : plan.streams) {
         Json broken = Json::array();
-        for (const Violation& v : stream.broken) {
-            broken.push_back({{"path", v.path}, {"value", v.value}, {"allowed", v.allowed}});
-        }
+        for (const Finding* const finding : BrokenOf(stream)) broken.push_back(FindingJson(*finding));
         Json changes = Json::array();
-        for (const Change& c : stream.changes) {
-            changes.push_back({{"path", c.path},
-                               {"from", c.from.empty() ? Json() : Json(c.from)},
-                               {"to", c.to.empty() ? Json() : Json(c.to)},
-                               {"by", c.by}});
+        for (const auto& [change, by] : ChangesOf(stream)) {
+            changes.push_back({{"path", change->path},
+                               {"from", change->before ? ToJson(*change->before) : Json()},
+                               {"to", change->after ? ToJson(*change->after) : Json()},
+                               {"by", by},
+                               {"reason", ReasonName(change->reason)},
+                               {"message", change->broken ? change->broken->message : std::string()}});
         }
-        streams.push_back({{"type", stream.isVideo ? "video" : "audio"},
-                           {"source", stream.source},
-                           {"asked", ToJson(stream.asked)},
-                           {"settled", ToJson(stream.settled)},
-                           {"broken", broken},
-                           {"changes", changes}});
+        Json json = {{"type", KindName(stream.kind)},
+                     {"source", stream.source},
+                     {"copied", stream.isCopied},
+                     {"asked", ToJson(stream.asked)},
+                     {"settled", ToJson(stream.settled)},
+                     {"broken", broken},
+                     {"changes", changes}};
+        if (plan.request.explain) {
+            for (const Finding& finding : stream.lookedAt) json["lookedAt"].push_back(FindingJson(finding));
+        }
+        streams.push_back(json);
     }
     Json document = {{"input", plan.request.input}, {"output", plan.request.output},
                      {"format", plan.formatId},     {"muxer", plan.job.muxer},
                      {"streams", streams},          {"notes", plan.notes}};
     if (result != nullptr) {
-        document["result"] = {{"videoFrames", result->videoFrames},
-                              {"audioSamples", result->audioSamples},
-                              {"duration", result->duration},
-                              {"bytes", result->bytes}};
+        document["result"] = {{"videoFrames", result->videoFrames}, {"audioSamples", result->audioSamples},
+                              {"subtitles", result->subtitles},     {"copiedPackets", result->copiedPackets},
+                              {"duration", result->duration},       {"bytes", result->bytes}};
     }
     // A file name need not be UTF-8; what is not is shown by the replacement character.
     return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';

@@ -3,42 +3,41 @@
 
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "norvex/foundation/Property.h"
 
 namespace NorvexExport {
 
-/// A value that the user chose, where the rule book has it: a tag in a codec's section, or below one.
+/// A value that the user chose, at its path in a preset.
 struct Choice {
     std::string path;
     Norvex::Core::Property value;
-    std::string option;  ///< the command line option it came from, for messages
+    std::string option;  ///< the command line option, or the line of the preset's file, it came from
 };
 
 struct Request {
     std::string input;
     std::string output;
-    std::string format;      ///< container id; empty: by the extension of `output`
-    std::string videoCodec;  ///< codec id; empty: the container's default
-    std::string audioCodec;
+    std::string presetFile;      ///< a preset to start from
+    std::string savePresetFile;  ///< where to write what was settled on
+
+    std::vector<Choice> choices;  ///< of two for one path the last counts
     bool noVideo = false;
     bool noAudio = false;
-
-    std::vector<Choice> video;  ///< of the video codec's section
-    std::vector<Choice> audio;  ///< of the audio codec's section
-
-    std::optional<std::pair<int, int>> size;       ///< pixels
-    std::string resizeMode;                        ///< a value of Proc::IResize::MODE; empty: the resizer's own
-    std::optional<Norvex::Core::Ratio> frameRate;  ///< frames per second
-    std::optional<int> sampleRate;                 ///< Hz
-    std::string layout;                            ///< a channel layout's name
-    std::string sampleFormat;                      ///< a sample format's name
+    bool copy = false;  ///< carry streams over unchanged where the container takes them
 
     bool dryRun = false;
+    bool explain = false;
     bool json = false;
     bool quiet = false;
+
+    /// The choice for a path, or null.
+    const Choice* Find(const std::string& path) const;
+    /// The text chosen for a path, or none.
+    std::string TextAt(const std::string& path) const;
+    /// Whether anything was chosen in a section of the preset, its codec id aside.
+    bool Asks(const std::string& section) const;
 };
 
 /// What came of reading a command line: a request, or an exit status with everything already said.

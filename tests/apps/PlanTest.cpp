@@ -16,8 +16,10 @@ using A = IFormatCodecAudio;
 using C = IFormatCodec;
 using V = IFormatCodecVideo;
 
-const std::string g_profile = "encode_options/profile";
-const std::string g_preset = "encode_options/preset";
+const std::string g_profile = "video_codec/encode_options/profile";
+const std::string g_preset = "video_codec/encode_options/preset";
+const std::string g_audioBitrate = "audio_codec/bitrate";
+const std::string g_resize = "filter_resize/resize/";
 
 InputInfo Film() {
     InputInfo input;
@@ -53,6 +55,11 @@ Choice Chosen(const std::string& path, const T& value, const std::string& option
     return {path, Norvex::Core::Property(path, value), option};
 }
 
+std::vector<Choice> Sized(int width, int height) {
+    return {Chosen(g_resize + "frame_size_mode", "custom", "--size"), Chosen(g_resize + "width", width, "--size"),
+            Chosen(g_resize + "height", height, "--size")};
+}
+
 class PlanTest : public testing::Test {
 protected:
     static void SetUpTestSuite() { TakeCensus(); }
@@ -77,23 +84,25 @@ TEST_F(PlanTest, KeepsTheSourcesSizeAndRatesWhereNothingIsAsked) {
 
 TEST_F(PlanTest, TellsWhatWasBrokenAndWhoMendedIt) {
     Request request = ToMp4();
-    request.audio = {Chosen(C::TAG_BITRATE, 100000, "--audio-bitrate")};
+    request.choices = {Chosen(g_audioBitrate, 100000, "--audio-bitrate")};
     const Plan plan = MakePlan(request, Film());
     const StreamPlan& audio = plan.streams.at(1);
     EXPECT_EQ(audio.asked[C::TAG_BITRATE].GetInt64(), 100000);
     EXPECT_EQ(audio.settled[C::TAG_BITRATE].GetInt64(), 96000);
-    const auto& change = audio.changes.at(1);
-    EXPECT_EQ(change.path + ' ' + change.from + ' ' + change.to + ' ' + change.by, "bitrate 100000 96000 codec");
-    EXPECT_THAT(audio.broken, testing::Contains(testing::Field(&Violation::value, "100000")));
+    const CorrectedValue& change = audio.changes.at(1);
+    EXPECT_EQ(change.path + ' ' + change.helperKind + ' ' + change.helperId, "bitrate audio_codec aac");
+    EXPECT_EQ(change.before->GetInt64(), 100000);
+    EXPECT_EQ(change.after->GetInt64(), 96000);
+    EXPECT_THAT(change.broken->message, HasSubstr("audio_codec/bitrate is 100000 but must be one of 32000, "));
     EXPECT_EQ(plan.job.audio->bitrate, 96000);
 }
 
 TEST_F(PlanTest, WhatWasNotAskedGivesWayToWhatWas) {
     Request request = ToMp4();
-    request.video = {Chosen(g_preset, V::TAG_X264_PRESET_ULTRAFAST, "--preset")};
+    request.choices = {Chosen(g_preset, V::TAG_X264_PRESET_ULTRAFAST, "--preset")};
     const Plan plan = MakePlan(request, Film());
-    EXPECT_EQ(plan.streams.at(0).settled[g_profile].GetString(), V::TAG_X264_PROFILE_BASELINE);
-    EXPECT_EQ(plan.streams.at(0).changes.back().by, "rules");
+    EXPECT_EQ(plan.streams.at(0).settled["encode_options/profile"].GetString(), V::TAG_X264_PROFILE_BASELINE);
+    EXPECT_EQ(plan.streams.at(0).givenWay.at(0).before->GetString(), V::TAG_X264_PROFILE_MAIN);
 }
 
 TEST_F(PlanTest, MakesAnOddSourceEven) {
@@ -108,7 +117,7 @@ TEST_F(PlanTest, MakesAnOddSourceEven) {
 
 TEST_F(PlanTest, TwoPassesAimAtTheBitrateOfTheQuality) {
     Request request = ToMp4();
-    request.video = {Chosen(V::TAG_MULTIPASS_ENCODING, V::TAG_TWO_PASS_MODE, "--two-pass")};
+    request.choices = {Chosen("video_codec/passes", V::TAG_TWO_PASS_MODE, "--two-pass")};
     const Plan plan = MakePlan(request, Film());
     EXPECT_TRUE(plan.job.video->twoPass);
     EXPECT_EQ(plan.job.video->rateControl, RateControl::Bitrate);
@@ -129,8 +138,8 @@ TEST_F(PlanTest, BringsAPictureOfAnotherShapeToTheSize) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.mode);
         Request request = ToMp4();
-        request.size = {640, 360};
-        request.resizeMode = c.mode;
+        request.choices = Sized(640, 360);
+        request.choices.push_back(Chosen(g_resize + "mode", std::string(c.mode), "--resize-mode"));
         const Plan plan = MakePlan(request, Film());
         EXPECT_EQ(plan.job.video->width, c.width);
         EXPECT_EQ(plan.job.video->height, c.height);
@@ -167,54 +176,59 @@ TEST_P(PlanRefuses, WithPlainWords) {
 INSTANTIATE_TEST_SUITE_P(
     Requests, PlanRefuses,
     testing::Values(
-        Refusal{"UnknownFormat", [](Request& r, InputInfo&) { r.format = "mp5"; },
+        Refusal{"UnknownFormat",
+                [](Request& r, InputInfo&) { r.choices = {Chosen("format/container", "mp5", "--format")}; },
                 "unknown format 'mp5'; the formats are 3g2"},
         Refusal{"NoExtension", [](Request& r, InputInfo&) { r.output = "film"; }, "no extension"},
-        Refusal{"UnknownCodec", [](Request& r, InputInfo&) { r.videoCodec = "h999"; }, "unknown codec 'h999'"},
-        Refusal{"CodecOfAnotherKind", [](Request& r, InputInfo&) { r.videoCodec = "aac"; },
+        Refusal{"UnknownCodec",
+                [](Request& r, InputInfo&) { r.choices = {Chosen("video_codec/codec_id", "h999", "--video")}; },
+                "unknown codec 'h999'"},
+        Refusal{"CodecOfAnotherKind",
+                [](Request& r, InputInfo&) { r.choices = {Chosen("video_codec/codec_id", "aac", "--video")}; },
                 "does not carry the codec 'aac'"},
-        Refusal{"CodecTheFormatRefuses", [](Request& r, InputInfo&) { r.audioCodec = "pcm_s16le"; },
+        Refusal{"CodecTheFormatRefuses",
+                [](Request& r, InputInfo&) { r.choices = {Chosen("audio_codec/codec_id", "pcm_s16le", "--audio")}; },
                 "does not carry the codec 'pcm_s16le'; it carries "},
-        Refusal{"NoPicture", [](Request& r, InputInfo& i) { i.video.reset(), r.videoCodec = "h264"; },
+        Refusal{"NoPicture",
+                [](Request& r, InputInfo& i) {
+                    i.video.reset(), r.choices = {Chosen("video_codec/codec_id", "h264", "--video")};
+                },
                 "no picture in the input"},
         Refusal{"NothingLeft", [](Request& r, InputInfo& i) { i.video.reset(), r.noAudio = true; }, "has no stream"},
-        Refusal{"OddSize",
-                [](Request& r, InputInfo&) {
-                    r.size = {641, 480};
-                },
-                "'641' is not legal here"},
-        Refusal{"SizeOutOfRange",
-                [](Request& r, InputInfo&) {
-                    r.size = {16, 480};
-                },
-                "--size: '16'"},
+        Refusal{"OddSize", [](Request& r, InputInfo&) { r.choices = Sized(641, 480); }, "'641' is not legal here"},
+        Refusal{"SizeOutOfRange", [](Request& r, InputInfo&) { r.choices = Sized(16, 480); }, "--size: '16'"},
         Refusal{"UnknownResizeMode",
-                [](Request& r, InputInfo&) {
-                    r.size = {640, 480}, r.resizeMode = "melt";
-                },
+                [](Request& r, InputInfo&) { r.choices = {Chosen(g_resize + "mode", "melt", "--resize-mode")}; },
                 "--resize-mode: 'melt' is not legal here; allowed: one of smart_fit"},
-        Refusal{"UnknownPreset", [](Request& r, InputInfo&) { r.video = {Chosen(g_preset, "quickest", "--preset")}; },
+        Refusal{"UnknownPreset", [](Request& r, InputInfo&) { r.choices = {Chosen(g_preset, "quickest", "--preset")}; },
                 "--preset: 'quickest' is not legal here; allowed: one of ultrafast"},
         Refusal{"ChoicesThatContradict",
                 [](Request& r, InputInfo&) {
-                    r.video = {Chosen(g_preset, "ultrafast", "--preset"), Chosen(g_profile, "high", "--profile")};
+                    r.choices = {Chosen(g_preset, "ultrafast", "--preset"), Chosen(g_profile, "high", "--profile")};
                 },
                 "--profile: 'high' is not legal here; allowed: baseline"},
-        Refusal{"UnknownLayout", [](Request& r, InputInfo&) { r.layout = "9.9"; }, "--layout: unknown name '9.9'"},
-        Refusal{"UnknownSampleFormat", [](Request& r, InputInfo&) { r.sampleFormat = "s17"; },
+        Refusal{"UnknownLayout",
+                [](Request& r, InputInfo&) {
+                    r.choices = {Chosen("filter_resample/resample/channel_layout", "9.9", "--layout")};
+                },
+                "--layout: unknown name '9.9'"},
+        Refusal{"UnknownSampleFormat",
+                [](Request& r, InputInfo&) {
+                    r.choices = {Chosen("filter_resample/sample_format", "s17", "--sample-format")};
+                },
                 "--sample-format: unknown name"}),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(PlanTest, IsPrintedForProgramsWithItsTypes) {
     Request request = ToMp4();
-    request.audio = {Chosen(C::TAG_BITRATE, 100000, "--audio-bitrate")};
+    request.choices = {Chosen(g_audioBitrate, 100000, "--audio-bitrate")};
     const auto json = nlohmann::json::parse(PlanJson(MakePlan(request, Film()), nullptr));
     EXPECT_EQ(json["format"], "mp4");
     const auto& video = json["streams"][0]["settled"];
     EXPECT_EQ(video[V::TAG_FPS], "30000/1001");
     EXPECT_EQ(video[V::TAG_WIDTH], 640);
     EXPECT_EQ(video[C::TAG_CODEC_OPTIONS_ENCODE][V::TAG_USE_HW_CONTEXT], true);
-    EXPECT_EQ(json["streams"][1]["changes"][1]["to"], "96000");
+    EXPECT_EQ(json["streams"][1]["changes"][1]["to"], 96000);
     EXPECT_FALSE(json.contains("result"));
 }
 

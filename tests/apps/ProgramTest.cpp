@@ -58,7 +58,7 @@ private:
 
 TEST_F(ProgramTest, ExportsWhatWasAskedFor) {
     Clip();
-    const Outcome outcome = Run("in.mkv out.mp4 --size 160x120 --fps 25 --audio-bitrate 100000 --preset ultrafast");
+    const Outcome outcome = Run("in.mkv out.mp4 --size 160x120 --fps 25 --audio-bitrate 100000 --encoder-preset ultrafast");
     ASSERT_EQ(outcome.status, 0) << outcome.text;
     EXPECT_THAT(outcome.text, HasSubstr("100000   96000"));
     EXPECT_THAT(outcome.text, HasSubstr("Wrote out.mp4"));

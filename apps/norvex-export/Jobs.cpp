@@ -1,0 +1,125 @@
+#include "Jobs.h"
+
+#include "Formats.h"
+#include "norvex/Norvex.h"
+
+namespace NorvexExport {
+
+namespace {
+
+using namespace Norvex;
+using namespace Norvex::Conf;
+using Core::Property;
+using A = IFormatCodecAudio;
+using C = IFormatCodec;
+using V = IFormatCodecVideo;
+using Proc::IResize;
+
+Fit FitOf(const Property& resizeSection, const FrameInfo& source, const FrameInfo& target) {
+    const auto settings = Proc::IFilterResize::Property2Settings(resizeSection);
+    using Modes = Proc::SettingsResizer::CustomModes;
+    if (settings.frameSizeMode != Proc::SettingsResizer::FrameSizeModes::Custom) return Fit::Stretch;
+    switch (settings.mode) {
+        case Modes::Letterbox:
+            return Fit::Letterbox;
+        case Modes::Crop:
+            return Fit::Crop;
+        case Modes::Auto: {
+            const auto shape = [](const FrameInfo& frame) {
+                return static_cast<double>(frame.width) * frame.aspectX /
+                       (static_cast<double>(frame.height) * frame.aspectY);
+            };
+            const double ratio = shape(source) / shape(target);
+            return ratio > 0.98 && ratio < 1.02 ? Fit::Stretch : Fit::Letterbox;
+        }
+        default:
+            return Fit::Stretch;
+    }
+}
+
+const char* ScalerOf(const Property& resizeSection) {
+    switch (Proc::IFilterResize::Property2Settings(resizeSection).method) {
+        case Proc::SettingsResizer::Methods::Point:
+            return "neighbor";
+        case Proc::SettingsResizer::Methods::FastBilinear:
+            return "fast_bilinear";
+        case Proc::SettingsResizer::Methods::Bilinear:
+            return "bilinear";
+        case Proc::SettingsResizer::Methods::Bicubic:
+            break;
+    }
+    return "bicubic";
+}
+
+int ToInt(const Property& value) {
+    return static_cast<int>(value.GetInt64());
+}
+
+Fraction ToFraction(const Core::Ratio& ratio) {
+    return {static_cast<int>(ratio.numerator()), static_cast<int>(ratio.denominator())};
+}
+
+/// The encoder's options, by FFmpeg's names.
+std::vector<std::pair<std::string, std::string>> EncoderOptions(const Property& stream) {
+    std::vector<std::pair<std::string, std::string>> options;
+    if (!stream.ChildExists(C::TAG_CODEC_OPTIONS_ENCODE)) return options;
+    const Property& section = stream[C::TAG_CODEC_OPTIONS_ENCODE];
+    for (const std::string* tag : {&C::TAG_PRESET, &C::TAG_PROFILE, &C::TAG_FORMAT, &V::TAG_X264_TUNE}) {
+        if (!section.ChildExists(*tag)) continue;
+        const auto option = EncoderOptionOf(stream[C::TAG_CODEC_ID].GetString(), *tag, section[*tag].GetString());
+        if (option) options.push_back(*option);
+    }
+    return options;
+}
+
+template <class Job>
+void SetRateControl(const Property& stream, Job& job) {
+    const bool variable = stream.ChildExists(C::TAG_BITRATE_MODE) &&
+                          stream[C::TAG_BITRATE_MODE].GetString() == C::TAG_BITRATE_MODE_VBR &&
+                          stream.ChildExists(C::TAG_QUALITY);
+    job.rateControl = variable ? RateControl::Quality : RateControl::Bitrate;
+    if (stream.ChildExists(C::TAG_BITRATE)) job.bitrate = stream[C::TAG_BITRATE].GetInt64();
+    if (stream.ChildExists(C::TAG_QUALITY)) job.quality = ToInt(stream[C::TAG_QUALITY]);
+}
+
+}  // namespace
+
+VideoJob MakeVideoJob(const Property& stream, const VideoSource& source, const Property& resizeSection) {
+    VideoJob job;
+    job.streamIndex = source.streamIndex;
+    job.codecId = stream[C::TAG_CODEC_ID].GetString();
+    job.width = ToInt(stream[V::TAG_WIDTH]);
+    job.height = ToInt(stream[V::TAG_HEIGHT]);
+    job.sampleAspect = {ToInt(stream[V::TAG_ASPECTX]), ToInt(stream[V::TAG_ASPECTY])};
+    job.frameRate = ToFraction(stream[V::TAG_FPS].GetRatio());
+    job.fit = FitOf(resizeSection,
+                    {source.width, source.height, source.sampleAspect.numerator, source.sampleAspect.denominator},
+                    {job.width, job.height, job.sampleAspect.numerator, job.sampleAspect.denominator});
+    job.scaler = ScalerOf(resizeSection);
+    SetRateControl(stream, job);
+    job.twoPass = stream.ChildExists(V::TAG_MULTIPASS_ENCODING) &&
+                  stream[V::TAG_MULTIPASS_ENCODING].GetString() == V::TAG_TWO_PASS_MODE;
+    // Two passes aim at a bitrate: the one that the quality stands for.
+    if (job.twoPass) job.rateControl = RateControl::Bitrate;
+    if (stream.ChildExists(V::TAG_MAX_B_FRAME_SEQUENCE)) job.maxBFrames = ToInt(stream[V::TAG_MAX_B_FRAME_SEQUENCE]);
+    if (stream.ChildExists(V::TAG_MAX_I_FRAME_INTERVAL)) {
+        job.keyFrameInterval = ToInt(stream[V::TAG_MAX_I_FRAME_INTERVAL]);
+    }
+    if (stream.ChildExists(C::TAG_THREAD_NUMBER)) job.threads = ToInt(stream[C::TAG_THREAD_NUMBER]);
+    job.options = EncoderOptions(stream);
+    return job;
+}
+
+AudioJob MakeAudioJob(const Property& stream, const AudioSource& source) {
+    AudioJob job;
+    job.streamIndex = source.streamIndex;
+    job.codecId = stream[C::TAG_CODEC_ID].GetString();
+    job.sampleRate = ToInt(stream[A::TAG_SAMPLE_RATE]);
+    job.layout = stream[A::TAG_LAYOUT].GetString();
+    job.sampleFormat = stream[A::TAG_SAMPLE_FORMAT].GetString();
+    SetRateControl(stream, job);
+    job.options = EncoderOptions(stream);
+    return job;
+}
+
+}  // namespace NorvexExport
