@@ -1,0 +1,98 @@
+// norvex-rules: the rule book to look at.
+
+#include <CLI/CLI.hpp>
+#include <boost/exception/diagnostic_information.hpp>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+
+#include "Book.h"
+#include "Check.h"
+#include "Page.h"
+#include "Texts.h"
+#include "common/PresetJson.h"
+
+namespace {
+
+using namespace NorvexRules;
+
+void Print(const std::string& text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+std::string ReadText(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    if (!file.is_open() || file.bad()) throw std::runtime_error("cannot read '" + path + "'");
+    return text;
+}
+
+/// Writes to a file, or to standard output where none is named.
+void Write(const std::string& path, const std::string& text) {
+    if (path.empty()) return Print(text);
+    std::ofstream file(path, std::ios::binary);
+    if (!file.write(text.data(), static_cast<std::streamsize>(text.size())) || !file.flush()) {
+        throw std::runtime_error("cannot write '" + path + "'");
+    }
+}
+
+/// Returns the exit status: 0 for a preset that keeps every rule.
+int CheckFile(const std::string& path, bool json) {
+    MakeBook();  // takes the census, by which containers know what they carry
+    try {
+        const NorvexApps::PresetDocument document = NorvexApps::ReadPreset(ReadText(path));
+        NorvexApps::RequireKnownNames(document);
+        const Judgement judgement = Judge(document.preset);
+        Print(json ? JudgementJson(judgement) : JudgementText(judgement));
+        return judgement.broken.empty() ? 0 : 1;
+    } catch (const NorvexApps::PresetError& error) {
+        throw std::runtime_error("'" + path + "', " + error.what());
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("Shows what may be exported: defaults, allowed values and rules.", "norvex-rules");
+    app.set_version_flag("--version", NORVEX_VERSION);
+    app.require_subcommand(1);
+    int status = 0;
+    std::string kind;
+    std::string id;
+    std::string file;
+    bool json = false;
+
+    app.add_subcommand("list", "Every container, codec and filter")->callback([] { Print(ListText(MakeBook())); });
+    auto* const show = app.add_subcommand("show", "One helper, such as: show format mp4, show video h264");
+    show->add_option("KIND", kind, "format, video, audio or filter")->required();
+    show->add_option("ID", id, "Its id, as in the list")->required();
+    show->callback([&] {
+        const auto text = ShowText(MakeBook(), kind, id);
+        if (!text) throw std::runtime_error("there is no " + kind + " '" + id + "'; try norvex-rules list");
+        Print(*text);
+    });
+    app.add_subcommand("matrix", "Containers by codecs")->callback([] { Print(MatrixText(MakeBook())); });
+    auto* const check = app.add_subcommand("check", "Judge a preset, and show it mended; status 1 if it breaks a rule");
+    check->add_option("FILE", file, "The preset, as norvex-export --save-preset writes it")->required();
+    check->add_flag("--json", json, "Print for programs");
+    check->callback([&] { status = CheckFile(file, json); });
+    auto* const all = app.add_subcommand("json", "Everything, for programs");
+    all->add_option("FILE", file, "Where to write it (default: standard output)");
+    all->callback([&] { Write(file, MakeBook().dump(2) + '\n'); });
+    auto* const page = app.add_subcommand("html", "Everything, as one page for a browser");
+    page->add_option("FILE", file, "Where to write it (default: standard output)");
+    page->callback([&] { Write(file, PageHtml(MakeBook())); });
+
+    try {
+        app.parse(argc, argv);
+        return status;
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : 2;
+    } catch (const std::runtime_error& error) {
+        std::fprintf(stderr, "norvex-rules: %s\n", error.what());
+    } catch (const std::exception&) {
+        std::fprintf(stderr, "norvex-rules: unexpected failure\n%s\n",
+                     boost::current_exception_diagnostic_information().c_str());
+    }
+    return 1;
+}

@@ -1,0 +1,156 @@
+"""The rule book's page in a real browser: search, filter, links, keyboard, phone and dark mode.
+
+PageTest.py NORVEX_RULES FOLDER: makes the page and screenshots in FOLDER. Speaks to chromedriver by itself, so that no
+package beyond Debian's browser is needed.
+"""
+import base64
+import json
+import pathlib
+import subprocess
+import sys
+import time
+import urllib.request
+
+ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
+PORT = 9517
+
+
+class Browser:
+    def __init__(self, dark=False, size=(1280, 900)):
+        arguments = ["--headless=new", "--no-sandbox", "--disable-gpu", f"--window-size={size[0]},{size[1]}"]
+        options = {"args": arguments}
+        if size[0] < 500:
+            options["mobileEmulation"] = {"deviceMetrics": {"width": size[0], "height": size[1], "pixelRatio": 2}}
+        answer = self.ask("POST", "/session", {"capabilities": {"alwaysMatch": {"goog:chromeOptions": options}}})
+        self.session = "/session/" + answer["sessionId"]
+        if dark:
+            media = {"features": [{"name": "prefers-color-scheme", "value": "dark"}]}
+            command = {"cmd": "Emulation.setEmulatedMedia", "params": media}
+            self.ask("POST", self.session + "/goog/cdp/execute", command)
+
+    @staticmethod
+    def ask(method, path, body=None):
+        data = None if body is None else json.dumps(body).encode()
+        request = urllib.request.Request(f"http://127.0.0.1:{PORT}{path}", data, method=method)
+        with urllib.request.urlopen(request, timeout=60) as answer:
+            return json.load(answer)["value"]
+
+    def open(self, url):
+        self.ask("POST", self.session + "/url", {"url": url})
+
+    def run(self, script):
+        return self.ask("POST", self.session + "/execute/sync", {"script": script, "args": []})
+
+    def find(self, selector):
+        return self.ask("POST", self.session + "/element", {"using": "css selector", "value": selector})[ELEMENT]
+
+    def click(self, selector):
+        self.ask("POST", f"{self.session}/element/{self.find(selector)}/click", {})
+
+    def type(self, selector, text):
+        element = self.find(selector)
+        self.ask("POST", f"{self.session}/element/{element}/clear", {})
+        self.ask("POST", f"{self.session}/element/{element}/value", {"text": text})
+
+    def press(self, *keys):
+        actions = [{"type": kind, "value": key} for key in keys for kind in ("keyDown", "keyUp")]
+        self.ask("POST", self.session + "/actions", {"actions": [{"type": "key", "id": "keys", "actions": actions}]})
+
+    def picture(self, path):
+        path.write_bytes(base64.b64decode(self.ask("GET", self.session + "/screenshot")))
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *failure):
+        self.ask("DELETE", self.session)
+
+
+def expect(what, get, wanted):
+    """What a click or a key sets off may come a moment later."""
+    for _ in range(30):
+        found = get() if callable(get) else get
+        if found == wanted:
+            print("ok", what)
+            return
+        time.sleep(0.1)
+    raise AssertionError(f"{what}: found {found!r}, wanted {wanted!r}")
+
+
+SHOWN = "return [...document.querySelectorAll('article')].filter((a) => a.offsetParent).map((a) => a.id)"
+GRID = "return [document.querySelectorAll('#gridTable tbody tr').length, document.querySelectorAll('#gridTable thead th').length - 1]"
+
+
+def test_desk(browser, url, folder, book):
+    browser.open(url)
+    expect("asks no network", lambda: browser.run("return performance.getEntriesByType('resource').length"), 0)
+    helpers = sum(len(book[key]) for key in ("formats", "videoCodecs", "audioCodecs", "filters"))
+    expect("a section for each helper", lambda: len(browser.run(SHOWN)), helpers)
+
+    carriers = [f for f in book["formats"] if f["video"]]
+    codecs = {codec for f in carriers for codec in f["video"]["codecs"]}
+    expect("the grid is whole", lambda: browser.run(GRID), [len(carriers), len(codecs)])
+    marks = "return document.querySelectorAll('#gridTable td.yes').length"
+    expect("the grid's marks", lambda: browser.run(marks), sum(len(f["video"]["codecs"]) for f in carriers))
+    browser.type("#gridCodec", "vp9")
+    expect("the grid filters", lambda: browser.run(GRID), [sum("vp9" in f["video"]["codecs"] for f in carriers), 1])
+    browser.picture(folder / "filtered.png")
+    browser.type("#gridCodec", "nothing")
+    expect("the grid may be empty", lambda: browser.run(GRID), [0, 0])
+
+    browser.type("#search", "9800000")
+    expect("search finds values", lambda: browser.run(SHOWN), ["formats-dvd", "formats-svcd", "formats-vcd"])
+    browser.type("#search", "no such thing")
+    expect("search says that there is nothing", lambda: browser.run("return !document.getElementById('nothing').hidden"), True)
+    browser.type("#search", "x265 hevc")
+    browser.click("#videoCodecs-hevc summary")
+    opened = "return document.querySelector('#videoCodecs-hevc .body').innerText"
+    expect("a section tells its rules", lambda: "video_codec/encode_options/profile is main" in browser.run(opened), True)
+    expect("a section tells its carriers", lambda: "mpegts" in browser.run(opened), True)
+    browser.click("#videoCodecs-hevc a[href='#formats-mp4']")
+    expect("a link leads on", lambda: browser.run("return document.querySelector('#formats-mp4 details').open"), True)
+    expect("a link ends the search", lambda: len(browser.run(SHOWN)), helpers)
+    browser.picture(folder / "linked.png")
+
+    browser.run("document.activeElement.blur()")
+    browser.press("/")
+    expect("a key leads to the search", lambda: browser.run("return document.activeElement.id"), "search")
+    browser.press("\ue004", "\ue004")  # twice Tab
+    expect("Tab leads on", lambda: browser.run("return document.activeElement.getAttribute('href')"), "#formats")
+    browser.press("\ue007")  # Enter
+    expect("Enter follows a link", lambda: browser.run("return location.hash"), "#formats")
+
+
+def test_phone_and_dark(browser, url, folder):
+    browser.open(url + "#formats-mp4")
+    wide = browser.run("return document.documentElement.scrollWidth > innerWidth")
+    expect("a phone shows the whole width", wide, False)
+    expect("dark mode is dark", lambda: browser.run("return getComputedStyle(document.body).backgroundColor"), "rgb(20, 24, 27)")
+    browser.picture(folder / "phone-dark.png")
+
+
+def main():
+    program, folder = sys.argv[1], pathlib.Path(sys.argv[2])
+    folder.mkdir(parents=True, exist_ok=True)
+    page = folder / "rulebook.html"
+    subprocess.run([program, "html", str(page)], check=True)
+    book = json.loads(subprocess.run([program, "json"], check=True, capture_output=True).stdout)
+    driver = subprocess.Popen(
+        ["chromedriver", f"--port={PORT}", "--silent"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    try:
+        for _ in range(100):
+            try:
+                if Browser.ask("GET", "/status")["ready"]:
+                    break
+            except OSError:
+                time.sleep(0.1)
+        url = page.resolve().as_uri()
+        with Browser() as browser:
+            test_desk(browser, url, folder, book)
+        with Browser(dark=True, size=(390, 844)) as browser:
+            test_phone_and_dark(browser, url, folder)
+    finally:
+        driver.terminate()
+
+
+main()
