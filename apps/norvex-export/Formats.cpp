@@ -107,11 +107,11 @@ constexpr Option g_options[] = {
     {&V::CODEC_ID_AV1,    &C::TAG_PRESET,  &V::TAG_AV1_PRESET_FASTER,             nullptr,   nullptr},
 };
 
-struct SizeRate {
+struct SizeForm {
     const std::string* codec;
     int width;   ///< pixels
     int height;  ///< pixels
-    Norvex::Core::Ratio rate;
+    EncoderForm form;
 };
 // clang-format on
 
@@ -122,6 +122,12 @@ std::string MuxerOf(const std::string& formatId) {
     if (const Muxer* const muxer = FindRow(g_muxers, isFormat)) return muxer->name;
     if (const Muxer* const muxer = FindRow(g_stills, isFormat)) return muxer->name;
     return formatId;
+}
+
+std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::string& formatId) {
+    // Without it the packets have no time codes, and players do not know the sound of discs.
+    if (formatId == F::FORMAT_MPEG2TS) return {{"mpegts_m2ts_mode", "1"}};
+    return {};
 }
 
 bool IsStill(const std::string& formatId) {
@@ -152,15 +158,15 @@ std::optional<std::pair<std::string, std::string>> EncoderOptionOf(const std::st
     return std::pair<std::string, std::string>(row->option, row->ffmpeg);
 }
 
-std::optional<Norvex::Core::Ratio> FrameRateOf(const std::string& codecId, int width, int height) {
+const EncoderForm* FormOf(const std::string& codecId, long long width, long long height) {
     // The two systems of DV (SMPTE 314M).
-    static const SizeRate rows[] = {
-        {&V::CODEC_ID_DVVIDEO, 720, 480, {30000, 1001}},
-        {&V::CODEC_ID_DVVIDEO, 720, 576, {25, 1}},
+    static const SizeForm rows[] = {
+        {&V::CODEC_ID_DVVIDEO, 720, 480, {{30000, 1001}, "yuv411p"}},
+        {&V::CODEC_ID_DVVIDEO, 720, 576, {{25, 1}, "yuv420p"}},
     };
-    const SizeRate* const row =
-        FindRow(rows, [&](const SizeRate& r) { return *r.codec == codecId && r.width == width && r.height == height; });
-    return row != nullptr ? std::optional(row->rate) : std::nullopt;
+    const SizeForm* const row =
+        FindRow(rows, [&](const SizeForm& r) { return *r.codec == codecId && r.width == width && r.height == height; });
+    return row != nullptr ? &row->form : nullptr;
 }
 
 }  // namespace NorvexExport

@@ -14,6 +14,9 @@ namespace NorvexExport {
 /// FFmpeg's short name of the muxer of a container id.
 std::string MuxerOf(const std::string& formatId);
 
+/// The options, by FFmpeg's names, without which that muxer would write something else than the container.
+std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::string& formatId);
+
 /// Whether the container holds one picture.
 bool IsStill(const std::string& formatId);
 
@@ -29,7 +32,13 @@ std::string CodecNameOf(const std::string& codecId);
 std::optional<std::pair<std::string, std::string>> EncoderOptionOf(const std::string& codecId, const std::string& tag,
                                                                    const std::string& value);
 
-/// The frame rate (frames per second) that an encoder insists on for a size, or none.
-std::optional<Norvex::Core::Ratio> FrameRateOf(const std::string& codecId, int width, int height);
+/// What an encoder insists on for a frame size.
+struct EncoderForm {
+    Norvex::Core::Ratio frameRate;  ///< frames per second
+    const char* pixelFormat;        ///< FFmpeg's name
+};
+
+/// Null for an encoder that takes any.
+const EncoderForm* FormOf(const std::string& codecId, long long width, long long height);
 
 }  // namespace NorvexExport

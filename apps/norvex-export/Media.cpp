@@ -1097,13 +1097,14 @@ std::vector<AVPixelFormat> SuitablePixelFormats(const AVCodec& codec) {
     return formats;
 }
 
-AVPixelFormat ChoosePixelFormat(const AVCodec& codec, const Options& options, AVPixelFormat source) {
+AVPixelFormat ChoosePixelFormat(const AVCodec& codec, const VideoJob& job, AVPixelFormat source) {
     std::vector<AVPixelFormat> formats = SuitablePixelFormats(codec);
-    const AVPixelFormat byProfile = ProfilePixelFormat(codec.id, options);
-    if (byProfile != AV_PIX_FMT_NONE) {
-        if (Takes(formats, byProfile)) return byProfile;
+    const AVPixelFormat named = av_get_pix_fmt(job.pixelFormat.c_str());
+    const AVPixelFormat wanted = named != AV_PIX_FMT_NONE ? named : ProfilePixelFormat(codec.id, job.options);
+    if (wanted != AV_PIX_FMT_NONE) {
+        if (Takes(formats, wanted)) return wanted;
         throw MediaError("the encoder " + Quoted(codec.name) + " does not take the pixel format " +
-                         Quoted(av_get_pix_fmt_name(byProfile)) + " of its profile");
+                         Quoted(av_get_pix_fmt_name(wanted)));
     }
     if (formats.empty()) return source != AV_PIX_FMT_NONE ? source : AV_PIX_FMT_YUV420P;
     if (source == AV_PIX_FMT_NONE) return formats.front();
@@ -1181,7 +1182,7 @@ Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, b
     Owned<AVCodecContext> encoder = NewEncoder(codec, globalHeader);
     encoder->width = job.width;
     encoder->height = job.height;
-    encoder->pix_fmt = ChoosePixelFormat(codec, job.options, static_cast<AVPixelFormat>(source.format));
+    encoder->pix_fmt = ChoosePixelFormat(codec, job, static_cast<AVPixelFormat>(source.format));
     encoder->sample_aspect_ratio = KnownAspect(ToRational(job.sampleAspect));
     const AVRational rate = ToRational(job.frameRate);
     encoder->framerate = IsPositive(rate) ? rate : AVRational{25, 1};  // a single picture may go without
@@ -1259,8 +1260,12 @@ private:
 class Muxer {
 public:
     /// Writes the container to `file`.
-    Muxer(const std::string& container, const PendingFile& file)
+    Muxer(const std::string& container, const Options& options, const PendingFile& file)
         : Muxer(container, file.QuotedName(), FileUrl(file.Path())) {
+        for (const auto& [name, value] : options) {
+            const int result = av_opt_set(m_context.get(), name.c_str(), value.c_str(), AV_OPT_SEARCH_CHILDREN);
+            if (result < 0) Fail("the container " + Quoted(container) + " does not take " + name + "=" + value, result);
+        }
         if (m_isOnePicture) {
             // It opens the file by itself, and must not take the name for that of a series.
             Check(av_opt_set_int(m_context->priv_data, "update", 1, 0), "cannot set up the container");
@@ -2114,7 +2119,7 @@ ExportResult RunExport(const ExportJob& job, const std::function<void(const Prog
     const Pass pass = {passes, passes, record ? &*record : nullptr};
     ExportResult result;
     {
-        Muxer muxer(job.muxer, file);
+        Muxer muxer(job.muxer, job.muxerOptions, file);
         result = RunPass(input, job, pass, muxer, progress);
     }
     result.bytes = file.Size();

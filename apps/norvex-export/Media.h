@@ -85,6 +85,7 @@ struct VideoJob {
     int height = 0;         ///< pixels
     Fraction sampleAspect;  ///< shape of one pixel, taken for 1/1 where it is not positive
     /// Frames per second; frames are repeated or left out to meet it. A cover and a still picture need none.
+    std::string pixelFormat;  ///< FFmpeg's name; by the profile and the source where it is empty
     Fraction frameRate;
     Fit fit = Fit::Stretch;
     std::string scaler;  ///< "neighbor", "fast_bilinear", "bilinear" or "bicubic", which is taken where it is empty
@@ -123,7 +124,8 @@ struct SubtitleJob {
 struct ExportJob {
     std::string inputPath;
     std::string outputPath;
-    std::string muxer;          ///< FFmpeg's short name of the muxer; "image2" holds one picture alone
+    std::string muxer;  ///< FFmpeg's short name of the muxer; "image2" holds one picture alone
+    std::vector<std::pair<std::string, std::string>> muxerOptions;  ///< by FFmpeg's names
     bool globalHeader = false;  ///< the container keeps codec headers out of the packets
     std::optional<VideoJob> video;
     std::optional<AudioJob> audio;

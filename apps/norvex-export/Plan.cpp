@@ -165,10 +165,10 @@ std::vector<std::pair<long long, long long>> SizesOf(const IDataHelper& codec) {
 std::pair<long long, long long> NearestSize(const std::vector<std::pair<long long, long long>>& sizes,
                                             const std::string& codecId, const VideoSource& source) {
     const auto distance = [&](const std::pair<long long, long long>& size) {
-        const auto rate = FrameRateOf(codecId, static_cast<int>(size.first), static_cast<int>(size.second));
-        const double ofRate = rate ? std::abs(boost::rational_cast<double>(*rate) -
-                                              boost::rational_cast<double>(ToRatio(source.frameRate)))
-                                   : 0.0;
+        const EncoderForm* const form = FormOf(codecId, size.first, size.second);
+        const double ofRate = form == nullptr ? 0.0
+                                              : std::abs(boost::rational_cast<double>(form->frameRate) -
+                                                         boost::rational_cast<double>(ToRatio(source.frameRate)));
         const long long area = 1LL * source.width * source.height;
         return std::pair(ofRate, std::llabs(size.first * size.second - area));
     };
@@ -327,9 +327,10 @@ void PlanVideo(Plan& plan, const NamedHelper& format, const Property& formatTree
     const Property resize = ResizeSection(plan, codec, source);
     Property frameRate = FrameRateSection(request);
     const Property& size = resize[IResize::CLASS_ID];
-    const auto insisted = FrameRateOf(codec.id, static_cast<int>(size[V::TAG_WIDTH].GetInt64()),
-                                      static_cast<int>(size[V::TAG_HEIGHT].GetInt64()));
-    if (insisted && !request.Asks(Proc::IFilterFrameRate::CLASS_ID)) frameRate.SetChildT(V::TAG_FPS, *insisted);
+    const EncoderForm* const form = FormOf(codec.id, size[V::TAG_WIDTH].GetInt64(), size[V::TAG_HEIGHT].GetInt64());
+    if (form != nullptr && !request.Asks(Proc::IFilterFrameRate::CLASS_ID)) {
+        frameRate.SetChildT(V::TAG_FPS, form->frameRate);
+    }
 
     Property values = VideoStreamOf(source, codec.id);
     if (isCover) values.SetChildT(V::TAG_COVER_FLAG, true);
@@ -339,8 +340,18 @@ void PlanVideo(Plan& plan, const NamedHelper& format, const Property& formatTree
     plan.job.video = MakeVideoJob(settled.settled, source, resize);
     plan.job.video->isCover = isCover;
     plan.job.video->isStill = IsStill(plan.formatId);
+    if (form != nullptr) plan.job.video->pixelFormat = form->pixelFormat;
     plan.settled.SetChild(resize.GetName(), resize);
     plan.streams.push_back(std::move(settled));
+}
+
+/// Whether the codec's rules settle the sample format. Where they do not, the encoder is left to choose.
+bool HasSampleFormatRule(const IDataHelper& codec) {
+    RuleList rules;
+    codec.GetValidationRules(rules);
+    const std::string path = Path({Proc::IFilterResample::CLASS_ID, Proc::IResample::CLASS_ID, A::TAG_SAMPLE_FORMAT});
+    return std::any_of(rules.begin(), rules.end(),
+                       [&path](const auto& rule) { return rule.second->GetSecondPath() == path; });
 }
 
 void PlanAudio(Plan& plan, const NamedHelper& format, const Property& formatTree) {
@@ -368,13 +379,15 @@ void PlanAudio(Plan& plan, const NamedHelper& format, const Property& formatTree
     settled.kind = StreamPlan::Kind::Audio;
     settled.source = WordsFor(source);
     plan.job.audio = MakeAudioJob(settled.settled, source);
+    plan.streams.push_back(std::move(settled));
+    const bool isFormatChosen = request.Find(Path({Proc::IFilterResample::CLASS_ID, A::TAG_SAMPLE_FORMAT})) != nullptr;
+    if (!isFormatChosen && !HasSampleFormatRule(*codec.helper)) plan.job.audio->sampleFormat.clear();
     const int stored = DataHelperAudioCodecPCM::GetStoredBitsPerSample(codec.id);
-    const int counted = SampleFmtRecord::Find(plan.job.audio->sampleFormat).bits;
+    const int counted = SampleFmtRecord::Find(plan.streams.back().settled[A::TAG_SAMPLE_FORMAT].GetString()).bits;
     if (stored != 0 && stored != counted) {
         plan.notes.push_back("'" + codec.id + "' stores " + std::to_string(stored) + " of the " +
                              std::to_string(counted) + " bits that its encoder takes and the bitrate counts.");
     }
-    plan.streams.push_back(std::move(settled));
 }
 
 /// Subtitles go into subtitle files, and into films where they were asked for.
@@ -495,6 +508,7 @@ Plan MakePlan(const Request& request, const InputInfo& input) {
     plan.job.inputPath = request.input;
     plan.job.outputPath = request.output;
     plan.job.muxer = MuxerOf(plan.formatId);
+    plan.job.muxerOptions = MuxerOptionsOf(plan.formatId);
     plan.job.globalHeader = FormatHasGlobalHeader(plan.formatId);
     PlanVideo(plan, format, formatTree);
     PlanAudio(plan, format, formatTree);

@@ -1,3 +1,4 @@
+#!/usr/bin/env python3
 """The rule book's page in a real browser: search, filter, links, keyboard, phone and dark mode.
 
 PageTest.py NORVEX_RULES FOLDER: makes the page and screenshots in FOLDER. Speaks to chromedriver by itself, so that no
