@@ -74,6 +74,9 @@ Owned<AVFrame> DrawPicture(const ClipSettings& clip, AVPixelFormat format, doubl
     for (const AVBufferRef* const buffer : frame->buf) {
         if (buffer != nullptr) std::memset(buffer->data, 0, buffer->size);  // lines are written by "or"
     }
+    for (std::uint32_t i = 0; format == AV_PIX_FMT_PAL8 && i < 256; ++i) {
+        reinterpret_cast<std::uint32_t*>(frame->data[1])[i] = 0xff000000 | i * 0x010101;
+    }
 
     const AVPixFmtDescriptor& descriptor = *av_pix_fmt_desc_get(format);
     const bool isRgb = (descriptor.flags & AV_PIX_FMT_FLAG_RGB) != 0;
