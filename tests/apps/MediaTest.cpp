@@ -676,6 +676,7 @@ TEST_F(Media, AStillPictureIsTheFirstFrame) {
             job.outputPath = Path("still." + Words(row)[2]);
             job.video->isStill = job.video->twoPass = true;
             job.video->frameRate = {0, 1};
+            job.video->width = 32;
             const std::set<std::string> before = Files();
             int calls = 0;
             const ExportResult result = RunExport(job, [&](const Progress&) {
@@ -686,12 +687,12 @@ TEST_F(Media, AStillPictureIsTheFirstFrame) {
             EXPECT_EQ(result.bytes, fs::file_size(job.outputPath));
             const Content content = ReadContent(job.outputPath);
             ASSERT_EQ(content.pictures.size(), 1u);
-            ASSERT_EQ(content.pictures[0].luma.size(), 64u * 48);
+            ASSERT_EQ(content.pictures[0].luma.size(), 32u * 48);
             double left = 0, right = 0;  // means over some columns, for some formats are black and white alone
-            for (int x = 0; x < 8; ++x)
-                left += content.pictures[0].Column(x), right += content.pictures[0].Column(63 - x);
-            EXPECT_NEAR(left / 8, ClipSettings::RAMP_LEFT, 25);
-            EXPECT_NEAR(right / 8, ClipSettings::RAMP_RIGHT, 25);
+            for (int x = 0; x < 4; ++x)
+                left += content.pictures[0].Column(x), right += content.pictures[0].Column(31 - x);
+            EXPECT_NEAR(left / 4, ClipSettings::RAMP_LEFT, 25);
+            EXPECT_NEAR(right / 4, ClipSettings::RAMP_RIGHT, 25);
             fs::remove(job.outputPath);
             EXPECT_EQ(Files(), before);
         }
@@ -739,11 +740,12 @@ TEST_F(MediaFailure, SubtitlesKeepTheirTimesAndWords) {
     clip.titles = {
         {.1, .5, "One"}, {.4, .7, "<i>Two</i>"}, {.8, .9, "<b> </b>"}, {1, 1.5, "3\nfünf"}, {20, 21, "late"}};
     Clip(clip, "in.mkv");
-    for (const std::string input : {"in.mkv", "out.ass", "out.srt", "out.mp4"}) {
+    for (const std::string input : {"in.mkv", "out.ass", "out.srt", "out.matroska"}) {
         for (const std::string row : {"ass ass", "srt subrip", "webvtt webvtt", "webm webvtt", "mp4 mov_text",
                                       "mov mov_text", "matroska subrip", "matroska ass"}) {
             for (const bool isWhole : {false, true}) {
                 if (isWhole && (input != "in.mkv" || row[0] != 'm')) continue;
+                if (input == "out.matroska" && row != "srt subrip") continue;
                 SCOPED_TRACE(input + " to " + row + (isWhole ? " beside the film" : ""));
                 ExportJob job = JobFor(Path(input));
                 if (!isWhole) job.video.reset(), job.audio.reset();
@@ -753,9 +755,8 @@ TEST_F(MediaFailure, SubtitlesKeepTheirTimesAndWords) {
                 EXPECT_EQ(RunExport(job, Ignore).subtitles, 4);
                 const Content content = ReadContent(job.outputPath);
                 // The first samples of the sound move all streams where the container cannot say to skip them.
-                EXPECT_EQ(content.titles, Words(row)[1] == "mov_text" || input == "out.mp4" ? oneAtATime
-                                          : isWhole                                         ? moved
-                                                                                            : all);
+                const bool isMoved = isWhole || input == "out.matroska";
+                EXPECT_EQ(content.titles, Words(row)[1] == "mov_text" ? oneAtATime : isMoved ? moved : all);
                 EXPECT_NEAR(content.PictureMark(), isWhole ? 0.4 : -1, 0.041);
             }
         }
