@@ -1639,7 +1639,10 @@ public:
         if (job.isCover) MarkCover();
     }
 
-    void Report(ExportResult& result) const override { result.videoFrames = m_frames; }
+    void Report(ExportResult& result) const override {
+        result.videoFrames = m_frames;
+        result.videoBitrate = EncoderContext().bit_rate;
+    }
 
 private:
     bool IsSingle() const override { return NorvexExport::IsSingle(m_job); }
@@ -1683,7 +1686,10 @@ public:
     AudioStream(const Input& input, const AVStream& stream, Encoder encoder, Muxer& muxer)
         : TranscodedStream(input, stream, std::move(encoder), muxer) {}
 
-    void Report(ExportResult& result) const override { result.audioSamples = m_samples; }
+    void Report(ExportResult& result) const override {
+        result.audioSamples = m_samples;
+        result.audioBitrate = EncoderContext().bit_rate;
+    }
 
 private:
     bool IsSingle() const override { return false; }

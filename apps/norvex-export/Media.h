@@ -145,6 +145,8 @@ struct ExportResult {
     long long audioSamples = 0;   ///< of one channel
     long long subtitles = 0;      ///< events of encoded subtitles
     long long copiedPackets = 0;  ///< of all streams that went over as they are
+    long long videoBitrate = 0;   ///< bits per second, as the opened encoder has it; 0 where it has none
+    long long audioBitrate = 0;   ///< the same
     double duration = 0;          ///< seconds, of the longest stream
     std::uintmax_t bytes = 0;     ///< size of the output
 };

@@ -1,0 +1,30 @@
+# Debian packages: cpack in the build folder makes the library, what is needed to build with it, and the programs.
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_VENDOR Norvex)
+set(CPACK_PACKAGE_CONTACT "Norvex <norvex@localhost>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL runtime development programs)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# The packages are made together, so that the programs find the library that is not installed yet.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/norvex)
+
+set(library libnorvex${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${library})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "${PROJECT_DESCRIPTION}: shared library")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libnorvex-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "${PROJECT_DESCRIPTION}: development files")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+    "${library} (= ${PROJECT_VERSION}), libboost-dev, libavformat-dev, libavcodec-dev, libavutil-dev")
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME norvex-tools)
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION video)
+set(CPACK_DEBIAN_PROGRAMS_DESCRIPTION "${PROJECT_DESCRIPTION}: programs")
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION})")
+
+include(CPack)

@@ -1,0 +1,292 @@
+// What the rule book calls legal, held against the encoders and muxers of the running build: each container with each
+// codec that it offers, and each value of each codec and those beside its edges. Every settled stream is encoded for a
+// second, written and read back. A table tells pair by pair what came of it; a failure without a reason in the table of
+// reasons below ends the program with status 1.
+//
+// sweep FOLDER [fast]   fast: each container with each codec, and no values
+
+#include <fmt/format.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <set>
+#include <string_view>
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+#include "Formats.h"
+#include "Plan.h"
+#include "norvex/Norvex.h"
+#include "support/MadeClip.h"
+
+namespace {
+
+using namespace Norvex;
+using namespace Norvex::Conf;
+using namespace NorvexExport;
+using Core::Property;
+using P = IPreset;
+using V = IFormatCodecVideo;
+using A = IFormatCodecAudio;
+
+struct Reason {
+    const char* what;   ///< the beginning of a row's name, or all of it
+    const char* words;  ///< what the failure says, in part
+    const char* whose;
+    const char* why;
+};
+
+// clang-format off
+/// What is known not to go, and whose doing it is. docs/sweep.md says more.
+constexpr Reason g_reasons[] = {
+    {"",              "has no muxer",              "FFmpeg", "it writes no such container"},
+    {"",              "has no encoder",            "FFmpeg", "the build has no encoder for it"},
+    {"",              "there are no rules",        "system", "the container lists a codec that has no helper"},
+};
+// clang-format on
+
+const Reason* FindReason(const std::string& what, const std::string& failure) {
+    for (const Reason& reason : g_reasons) {
+        if (what.compare(0, std::string_view(reason.what).size(), reason.what) == 0 &&
+            failure.find(reason.words) != std::string::npos) {
+            return &reason;
+        }
+    }
+    return nullptr;
+}
+
+std::string Join(const std::set<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) text += (text.empty() ? "" : "+") + word;
+    return text;
+}
+
+class Sweep {
+public:
+    explicit Sweep(const std::filesystem::path& folder) : m_folder(folder) {
+        NorvexTest::ClipSettings clip;
+        clip.frames = 25;
+        clip.width = 160;
+        clip.height = 120;
+        clip.soundSeconds = 1;
+        m_clip = NorvexTest::MakeClip((folder / "clip.nut").string(), clip);
+        m_titles = (folder / "titles.srt").string();
+        std::ofstream(m_titles) << "1\n00:00:00,000 --> 00:00:00,800\nA line\n\n";
+    }
+
+    /// A row: an export with these choices, over a name.
+    void Try(const std::string& what, const std::string& format, const std::vector<Choice>& choices, bool isTitles) {
+        Request request;
+        request.input = isTitles ? m_titles : m_clip;
+        request.output = (m_folder / ("out." + Extension(format))).string();
+        request.choices = choices;
+        request.choices.insert(request.choices.begin(),
+                               {P::KEY_FORMAT + "/" + IFormatFile::TAG_CONTAINER, Property("", format), "sweep"});
+        std::string settled;
+        std::string bitrates;
+        std::string failure;
+        try {
+            const Plan plan = MakePlan(request, Probe(request.input));
+            std::set<std::string> asked;
+            for (const StreamPlan& stream : plan.streams) {
+                asked.insert(CodecNameOf(stream.settled[V::TAG_CODEC_ID].GetString()));
+                CompareOrders(what, format, stream);
+            }
+            settled = Join(asked);
+            const ExportResult result = RunExport(plan.job, {});
+            bitrates = Bitrates(plan.job, result);
+            failure = ReadBack(request.output, format, asked);
+        } catch (const RequestError& error) {
+            failure = error.what();
+        } catch (const MediaError& error) {
+            failure = error.what();
+        }
+        Print(what, settled, bitrates, failure);
+    }
+
+    int Finish() const {
+        fmt::print("{} went, {} did not for a known reason, {} did not go\n", m_went, m_explained, m_failed);
+        return m_failed == 0 ? 0 : 1;
+    }
+
+private:
+    /// Some demuxers go by the name alone.
+    static std::string Extension(const std::string& format) {
+        return format == IFormatFile::FORMAT_TARGA ? "tga" : format;
+    }
+
+    static std::string Bitrates(const ExportJob& job, const ExportResult& result) {
+        const auto text = [](const char* kind, RateControl control, long long set, long long opened) {
+            if (control == RateControl::Quality || set == 0 || set == opened) return std::string();
+            return fmt::format(" {} {} opened {}", kind, set, opened);
+        };
+        return (job.video ? text("video", job.video->rateControl, job.video->bitrate, result.videoBitrate) : "") +
+               (job.audio ? text("audio", job.audio->rateControl, job.audio->bitrate, result.audioBitrate) : "");
+    }
+
+    static std::string ReadBack(const std::string& path, const std::string& format,
+                                const std::set<std::string>& asked) {
+        std::set<std::string> found;
+        const InputInfo info = Probe(path);
+        if (info.video) found.insert(info.video->codecId);
+        if (info.audio) found.insert(info.audio->codecId);
+        if (info.subtitle) found.insert(info.subtitle->codecId);
+        (void)format;
+        return found == asked ? std::string() : "read back as " + Join(found);
+    }
+
+    /// The host corrects by the container first. Where the other order gives something else, the table says so.
+    void CompareOrders(const std::string& what, const std::string& format, const StreamPlan& stream) {
+        if (stream.kind == StreamPlan::Kind::Subtitle) return;
+        const NamedHelper container = FindHelper(P::KEY_FORMAT, format);
+        const NamedHelper codec = FindHelper(stream.asked.GetName(), stream.asked[V::TAG_CODEC_ID].GetString());
+        Property formatFirst = stream.asked;
+        Property codecFirst = stream.asked;
+        CorrectWithReport(formatFirst, {container, codec});
+        CorrectWithReport(codecFirst, {codec, container});
+        if (formatFirst == codecFirst) return;
+        for (const Property& value : formatFirst) {
+            if (codecFirst.ChildExists(value.GetName()) && codecFirst[value.GetName()] == value) continue;
+            fmt::print("{}: codec first gives another {}\n", what, value.GetName());
+        }
+    }
+
+    void Print(const std::string& what, const std::string& settled, const std::string& bitrates,
+               const std::string& failure) {
+        std::string verdict = "went";
+        if (!failure.empty()) {
+            const Reason* const reason = FindReason(what, failure);
+            verdict = reason == nullptr ? "FAILED: " + failure
+                                        : fmt::format("{}: {} ({})", reason->whose, reason->why, failure);
+            ++(reason == nullptr ? m_failed : m_explained);
+        } else {
+            ++m_went;
+        }
+        fmt::print("{:<58} {:<24} {}{}\n", what, settled, verdict, bitrates);
+        std::fflush(stdout);
+    }
+
+    std::filesystem::path m_folder;
+    std::string m_clip;
+    std::string m_titles;
+    int m_went = 0;
+    int m_explained = 0;
+    int m_failed = 0;
+};
+
+struct Kind {
+    const std::string& streamType;
+    const std::string& key;
+    const std::string& flatName;
+};
+
+/// The codecs that a container offers of a kind.
+std::vector<std::string> CodecsOf(const IDataHelper& format, const Kind& kind) {
+    ConstraintMap constraints;
+    format.GetConstraints(constraints);
+    const auto codecs = constraints.find(P::KEY_STREAMS + P::INDEX + kind.streamType + "/" + kind.key + "/codec_id");
+    std::vector<std::string> ids;
+    if (codecs == constraints.end()) return ids;
+    for (const Property& codec : WhatIsAllowed(*codecs->second).values) ids.push_back(codec.GetString());
+    return ids;
+}
+
+Choice Chosen(const std::string& path, const Property& value) {
+    return {path, value, "sweep"};
+}
+
+const Kind g_kinds[] = {{P::STREAM_TYPE_VIDEO, P::KEY_FILTER_VIDEO_CODEC, V::TAG_FORMAT_CODEC_VIDEO},
+                        {P::STREAM_TYPE_AUDIO, P::KEY_FILTER_AUDIO_CODEC, A::TAG_FORMAT_CODEC_AUDIO}};
+
+void SweepPairs(Sweep& sweep) {
+    for (const auto& [format, helper] : GetAvailableDataHelpers(P::KEY_FORMAT)) {
+        bool isTitles = true;
+        for (const Kind& kind : g_kinds) {
+            for (const std::string& codec : CodecsOf(*helper, kind)) {
+                isTitles = false;
+                sweep.Try(format + " " + codec, format, {Chosen(kind.key + "/codec_id", Property("", codec))}, false);
+            }
+        }
+        if (isTitles) sweep.Try(format + " subtitles", format, {}, true);
+    }
+}
+
+/// The container in which a codec's values are tried: one that reads back well, where one carries the codec.
+std::string CarrierOf(const std::string& codec, const Kind& kind) {
+    std::string carrier;
+    for (const auto& [format, helper] : GetAvailableDataHelpers(P::KEY_FORMAT)) {
+        const auto codecs = CodecsOf(*helper, kind);
+        if (format == IFormatFile::FORMAT_QFX_1_0 || std::find(codecs.begin(), codecs.end(), codec) == codecs.end()) {
+            continue;
+        }
+        if (format == IFormatFile::FORMAT_MATROSKA) return format;
+        if (carrier.empty() || format == IFormatFile::FORMAT_MOV) carrier = format;
+    }
+    return carrier;
+}
+
+/// All that a constraint lists, or the edges of its range, and what lies beside them.
+std::vector<Property> ValuesToTry(const IPropertyConstraint& constraint) {
+    const Allowed allowed = WhatIsAllowed(constraint);
+    std::vector<Property> values = allowed.values;
+    std::vector<Property> edges;
+    if (allowed.min) edges.push_back(*allowed.min);
+    if (allowed.max) edges.push_back(*allowed.max);
+    for (const Property& value : allowed.values) {
+        if (value.GetType() == PT_INT64) edges.push_back(value);
+    }
+    values.insert(values.end(), edges.begin(), edges.end());
+    if (edges.empty()) return values;
+    const auto less = [](const Property& one, const Property& two) { return one.GetInt64() < two.GetInt64(); };
+    const auto [low, high] = std::minmax_element(edges.begin(), edges.end(), less);
+    values.emplace_back("", low->GetInt64() - 1);
+    values.emplace_back("", high->GetInt64() + 1);
+    return values;
+}
+
+void SweepValues(Sweep& sweep) {
+    for (const Kind& kind : g_kinds) {
+        for (const auto& [codec, helper] : GetAvailableDataHelpers(kind.key)) {
+            const std::string carrier = CarrierOf(codec, kind);
+            if (carrier.empty() || IsStill(carrier) || !Proc::FindEncoder(codec, Proc::ImplNames::FFMPEG)) continue;
+            std::map<std::string, SP<const IPropertyConstraint>> tried;
+            helper->GetConstraints(tried);
+            RuleList rules;
+            helper->GetValidationRules(rules);
+            for (const auto& [key, rule] : rules) tried[rule->GetSecondPath()] = rule->GetSecondConstraint();
+            for (const auto& [key, constraint] : tried) {
+                const bool isOfPreset =
+                    key.compare(0, 7, "filter_") == 0 || key.compare(0, kind.key.size(), kind.key) == 0;
+                const std::string path = isOfPreset ? key : kind.key + "/" + key;
+                for (const Property& value : ValuesToTry(*constraint)) {
+                    if (value.GetType() == PT_NODE) continue;
+                    std::vector<Choice> choices = {Chosen(kind.key + "/codec_id", Property("", codec)),
+                                                   Chosen(path, value)};
+                    // A bitrate is heeded in the mode that holds it.
+                    if (path == kind.key + "/bitrate") {
+                        choices.push_back(Chosen(kind.key + "/bitrate_mode", Property("", V::TAG_BITRATE_MODE_CBR)));
+                    }
+                    sweep.Try(fmt::format("{} {}={}", codec, path, Core::PropertyValueToString(value)), carrier,
+                              choices, false);
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) return 2;
+    av_log_set_level(AV_LOG_QUIET);
+    std::filesystem::create_directories(argv[1]);
+    TakeCensus();
+    Sweep sweep(argv[1]);
+    SweepPairs(sweep);
+    if (argc < 3) SweepValues(sweep);
+    return sweep.Finish();
+}
