@@ -1290,10 +1290,6 @@ public:
         stream->time_base = encoder.time_base;
         stream->avg_frame_rate = encoder.framerate;
         stream->sample_aspect_ratio = encoder.sample_aspect_ratio;
-        // Containers call experimental what holds a codec of such an encoder, too.
-        if (encoder.strict_std_compliance == FF_COMPLIANCE_EXPERIMENTAL) {
-            m_context->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
-        }
         return stream->index;
     }
 
@@ -1395,6 +1391,8 @@ private:
         m_context.reset(context);
         // What a decoder of an MPEG stream has between a packet's arrival and its turn; without it there is none.
         m_context->max_delay = 7 * AV_TIME_BASE / 10;
+        // What may go in is settled before; the muxer says that it carries even what it then calls experimental.
+        m_context->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
     }
 
     /// Such as how the picture is to be turned. Newer versions keep it in the parameters.

@@ -43,9 +43,17 @@ struct Reason {
 // clang-format off
 /// What is known not to go, and whose doing it is. docs/sweep.md says more.
 constexpr Reason g_reasons[] = {
-    {"",              "has no muxer",              "FFmpeg", "it writes no such container"},
-    {"",              "has no encoder",            "FFmpeg", "the build has no encoder for it"},
-    {"",              "there are no rules",        "system", "the container lists a codec that has no helper"},
+    {"qfx",            "has no muxer",       "system", "the format of projects is no file of FFmpeg's"},
+    {"",               "has no muxer",       "FFmpeg", "it writes no such container"},
+    {"",               "has no encoder",     "FFmpeg", "the build has no encoder for it"},
+    {"",               "there are no rules", "system", "the container lists a codec that has no helper"},
+    {"aiff",           "does not hold",      "system", "AIFF offers what WAV carries"},
+    {"f4a",            "does not hold",      "system", "F4A offers what M4A carries"},
+    {"matroska dts",   "'dca'",              "system", "DTS has no rules, and its default bitrate is too low for the encoder"},
+    {"mka dts",        "'dca'",              "system", "DTS has no rules, and its default bitrate is too low for the encoder"},
+    {"avi flac",       "Invalid argument",   "FFmpeg", "its muxer says that it carries FLAC, and does not write it"},
+    {"flv pcm_s16be",  "pcm_s16le",          "FFmpeg", "its demuxer knows one byte order"},
+    {"mp4 mp2",        "mp3",                "FFmpeg", "MP4 has one number for both, and its demuxer takes it for MP3"},
 };
 // clang-format on
 
