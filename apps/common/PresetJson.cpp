@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <initializer_list>
 #include <iterator>
 #include <limits>
 #include <set>
@@ -143,7 +144,10 @@ public:
 
     reference operator*() const { return *m_position; }
     CountingIterator& operator++() {
-        if (*m_position == '\n') ++*m_line;
+        // The end of a line counts with what follows it: the parser reads one character past a number before it
+        // tells of it.
+        if (m_isLineOver) ++*m_line;
+        m_isLineOver = *m_position == '\n';
         ++m_position;
         return *this;
     }
@@ -153,6 +157,7 @@ public:
 private:
     const char* m_position;
     int* m_line;
+    bool m_isLineOver = false;
 };
 
 /// Builds values from the parser's events.
@@ -195,7 +200,8 @@ public:
     bool start_array(std::size_t /*size*/) { return Open(Value::Kind::List); }
     bool end_array() { return Close(); }
     bool parse_error(std::size_t /*position*/, const std::string& token, const nlohmann::detail::exception& error) {
-        (void)error;
+        constexpr int outOfRange = 406;
+        if (error.id == outOfRange) Fail(m_line, "the number " + token + " is too large");
         const std::string last = token.empty() ? "the end of the text" : "'" + token + "'";
         Fail(m_line, "this is no JSON, at " + last);
     }
@@ -332,48 +338,63 @@ using A = Conf::IFormatCodecAudio;
 using F = Conf::IFormatFile;
 using P = Conf::IPreset;
 
-void CollectPaths(const Property& node, const std::string& path, std::set<std::string>& paths) {
+/// Whether what stands there is a section, by path.
+using Paths = std::map<std::string, bool>;
+
+void CollectPaths(const Property& node, const std::string& path, Paths& paths) {
     for (const Property& child : node) {
         const std::string below = Join(path, child.GetName());
-        paths.insert(below);
+        paths[below] = child.GetType() == PT_NODE;
         CollectPaths(child, below, paths);
     }
 }
 
 /// The parameters of a section: those of its helper's defaults and constraints, and those that every codec may have.
-std::set<std::string> ParametersOf(const std::string& kind, const Conf::IDataHelper& helper) {
-    std::set<std::string> paths;
+Paths ParametersOf(const std::string& kind, const Conf::IDataHelper& helper) {
+    Paths paths;
+    const auto add = [&paths](std::initializer_list<std::string> parameters) {
+        for (const std::string& parameter : parameters) paths.emplace(parameter, false);
+    };
     CollectPaths(helper.GetDefaults(), std::string(), paths);
     Conf::ConstraintMap constraints;
     helper.GetConstraints(constraints);
-    for (const auto& constraint : constraints) paths.insert(constraint.first);
+    for (const auto& constraint : constraints) add({constraint.first});
     if (kind == P::KEY_FILTER_VIDEO_CODEC || kind == P::KEY_FILTER_AUDIO_CODEC) {
         const std::string options = V::TAG_CODEC_OPTIONS_ENCODE;
-        paths.insert({V::TAG_CODEC_ID, V::TAG_BITRATE, V::TAG_BITRATE_MODE, V::TAG_QUALITY, V::TAG_GLOBAL_HEADER,
-                      V::TAG_THREAD_NUMBER, options, Join(options, V::TAG_APPROVED_VBR_MODE_ONLY)});
+        paths.emplace(options, true);
+        add({V::TAG_CODEC_ID, V::TAG_BITRATE, V::TAG_BITRATE_MODE, V::TAG_QUALITY, V::TAG_GLOBAL_HEADER,
+             V::TAG_THREAD_NUMBER, Join(options, V::TAG_APPROVED_VBR_MODE_ONLY)});
     }
     if (kind == P::KEY_FILTER_VIDEO_CODEC) {
-        paths.insert({V::TAG_FPS, V::TAG_MAX_B_FRAME_SEQUENCE, V::TAG_MAX_I_FRAME_INTERVAL, V::TAG_MULTIPASS_ENCODING,
-                      V::TAG_BITS_PER_PIXEL});
+        add({V::TAG_FPS, V::TAG_MAX_B_FRAME_SEQUENCE, V::TAG_MAX_I_FRAME_INTERVAL, V::TAG_MULTIPASS_ENCODING,
+             V::TAG_BITS_PER_PIXEL});
     }
-    if (kind == Proc::IFilterResample::CLASS_ID) paths.insert(A::TAG_SAMPLE_FORMAT);
+    if (kind == Proc::IFilterResample::CLASS_ID) add({A::TAG_SAMPLE_FORMAT});
     return paths;
 }
 
 void RequireKnownParameters(const PresetDocument& document, const Property& section, const Conf::IDataHelper& helper) {
-    const std::set<std::string> known = ParametersOf(section.GetName(), helper);
-    std::set<std::string> named;
+    const Paths known = ParametersOf(section.GetName(), helper);
+    Paths named;
     CollectPaths(section, std::string(), named);
-    for (const std::string& path : named) {
+    for (const auto& [path, isSection] : named) {
         // The streams of a container are its own business: any number of them.
-        if (known.count(path) != 0 || path.compare(0, P::KEY_STREAMS.size(), P::KEY_STREAMS) == 0) continue;
+        if (path.compare(0, P::KEY_STREAMS.size(), P::KEY_STREAMS) == 0) continue;
         const std::string whole = Join(section.GetName(), path);
-        throw PresetError(document.PlaceOf(whole) + ": there is no parameter '" + whole + "'");
+        const auto parameter = known.find(path);
+        if (parameter == known.end()) {
+            throw PresetError(document.PlaceOf(whole) + ": there is no parameter '" + whole + "'");
+        }
+        if (parameter->second != isSection) {
+            throw PresetError(document.PlaceOf(whole) + ": '" + whole + "' must be " +
+                              (isSection ? "a value" : "a section"));
+        }
     }
 }
 
 void RequireKnownSection(const PresetDocument& document, const Property& section) {
     const std::string& kind = section.GetName();
+    if (section.GetType() != PT_NODE) throw PresetError(document.PlaceOf(kind) + ": '" + kind + "' must be a section");
     std::string id;
     if (kind == P::KEY_FILTER_SUBTITLE_CODEC) {  // a codec id alone: subtitle codecs have no helpers
         for (const Property& value : section) {

@@ -494,7 +494,23 @@ void ChooseFromPreset(Request& request, const std::string& presetText) {
     request.choices.insert(request.choices.begin(), choices.begin(), choices.end());
 }
 
-Plan MakePlan(const Request& request, const InputInfo& input) {
+namespace {
+
+/// A value of a type that cannot be read comes from a preset: the command line gives every value its type.
+[[noreturn]] void RefuseUnreadable(const Request& request, const Core::PropertyException& error) {
+    const auto* const name = boost::get_error_info<Core::PropertyException::TagPropertyName>(error);
+    const auto* const type = boost::get_error_info<Core::PropertyException::TagPropertyType>(error);
+    for (auto choice = request.choices.rbegin(); choice != request.choices.rend(); ++choice) {
+        const std::string tag = choice->path.substr(choice->path.rfind(Property::SEPARATOR) + 1);
+        if (name != nullptr && type != nullptr && tag == *name && choice->value.GetType() == *type) {
+            throw RequestError(choice->option + ": '" + Core::PropertyValueToString(choice->value) +
+                               "' is no value of the type of '" + choice->path + "'");
+        }
+    }
+    throw;
+}
+
+Plan PlanFor(const Request& request, const InputInfo& input) {
     Plan plan;
     plan.request = request;
     plan.input = input;
@@ -520,6 +536,16 @@ Plan MakePlan(const Request& request, const InputInfo& input) {
         if (!stream.isCopied) AddSettled(stream.settled, plan.settled);
     }
     return plan;
+}
+
+}  // namespace
+
+Plan MakePlan(const Request& request, const InputInfo& input) {
+    try {
+        return PlanFor(request, input);
+    } catch (const Core::PropertyException& error) {
+        RefuseUnreadable(request, error);
+    }
 }
 
 }  // namespace NorvexExport

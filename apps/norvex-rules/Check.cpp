@@ -31,11 +31,16 @@ std::vector<Finding> TakeOpen(std::vector<Finding>& findings) {
     return taken;
 }
 
-/// Whether the value is a legal one now, and was not before.
+/// Whether the value is a legal one now.
 bool Mend(Property& preset, const Finding& finding) {
-    if (!finding.value || finding.problem == Finding::Problem::WrongType || !preset.ChildExists(finding.path))
-        return false;
-    return finding.constraint->Fixup(preset[finding.path]);
+    if (!finding.value || finding.problem == Finding::Problem::WrongType) return false;
+    // Rules look for the sample format beside the other values of the resampler; its section may have it above them.
+    const std::string& resampler = Proc::IFilterResample::CLASS_ID;
+    const std::string beside = resampler + Property::SEPARATOR + IFormatCodecAudio::TAG_SAMPLE_FORMAT;
+    const bool isBeside =
+        preset.ChildExists(beside) && StreamPathOf(finding.path) == IFormatCodecAudio::TAG_SAMPLE_FORMAT;
+    const std::string& path = isBeside ? beside : finding.path;
+    return preset.ChildExists(path) && finding.constraint->Fixup(preset[path]);
 }
 
 Json FindingsJson(const std::vector<Finding>& findings) {
@@ -88,7 +93,8 @@ std::string JudgementJson(const Judgement& judgement) {
                        {"open", FindingsJson(judgement.open)},
                        {"left", FindingsJson(judgement.left)},
                        {"mended", Json::parse(NorvexApps::WritePreset(judgement.mended))}};
-    return json.dump(2) + '\n';
+    // A text of the preset need not be UTF-8.
+    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
 }
 
 }  // namespace NorvexRules

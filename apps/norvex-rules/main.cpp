@@ -22,9 +22,9 @@ void Print(const std::string& text) {
 
 std::string ReadText(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    file.peek();  // a folder opens too, and fails when it is read
     if (!file.is_open() || file.bad()) throw std::runtime_error("cannot read '" + path + "'");
-    return text;
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 /// Writes to a file, or to standard output where none is named.

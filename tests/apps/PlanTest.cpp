@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Report.h"
+#include "common/PresetJson.h"
 #include "norvex/Norvex.h"
 
 namespace {
@@ -58,6 +59,10 @@ Choice Chosen(const std::string& path, const T& value, const std::string& option
 std::vector<Choice> Sized(int width, int height) {
     return {Chosen(g_resize + "frame_size_mode", "custom", "--size"), Chosen(g_resize + "width", width, "--size"),
             Chosen(g_resize + "height", height, "--size")};
+}
+
+Choice Codec(const char* kind, const std::string& id) {
+    return Chosen(std::string(kind) + "_codec/codec_id", id, std::string("--") + kind);
 }
 
 class PlanTest : public testing::Test {
@@ -197,6 +202,24 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"NothingLeft", [](Request& r, InputInfo& i) { i.video.reset(), r.noAudio = true; }, "has no stream"},
         Refusal{"OddSize", [](Request& r, InputInfo&) { r.choices = Sized(641, 480); }, "'641' is not legal here"},
         Refusal{"SizeOutOfRange", [](Request& r, InputInfo&) { r.choices = Sized(16, 480); }, "--size: '16'"},
+        Refusal{"SizeThatTheCodecHasNot",
+                [](Request& r, InputInfo&) {
+                    r.output = "a.avi", r.choices = Sized(640, 480), r.choices.push_back(Codec("video", "dvvideo"));
+                },
+                "--size: '640x480' is not legal here; allowed: one of 720x"},
+        Refusal{"RateBesideAnAutomaticCodec",
+                [](Request& r, InputInfo&) {
+                    r.choices = {Chosen("audio_codec/codec_id", "auto", "--audio"),
+                                 Chosen("filter_resample/resample/sample_rate", 44100, "--sample-rate")};
+                },
+                "--sample-rate: '44100' is not legal here; allowed: "},
+        Refusal{"PicturesForSubtitles",
+                [](Request& r, InputInfo& i) {
+                    r.output = "a.srt", i.subtitle = SubtitleSource{2, "dvd_subtitle", false};
+                },
+                "the subtitles of the input (dvd_subtitle) are pictures"},
+        Refusal{"NoSubtitles", [](Request& r, InputInfo&) { r.output = "a.srt"; },
+                "there are no subtitles in the input"},
         Refusal{"UnknownResizeMode",
                 [](Request& r, InputInfo&) { r.choices = {Chosen(g_resize + "mode", "melt", "--resize-mode")}; },
                 "--resize-mode: 'melt' is not legal here; allowed: one of smart_fit"},
@@ -218,6 +241,144 @@ INSTANTIATE_TEST_SUITE_P(
                 },
                 "--sample-format: unknown name"}),
     [](const auto& test) { return std::string(test.param.name); });
+
+/// What becomes of each stream, as "KIND: CODEC" or "KIND: copied", and the notes.
+std::string Told(const Plan& plan) {
+    const char* const kinds[] = {"video", "audio", "subtitles"};
+    std::string text;
+    for (const StreamPlan& stream : plan.streams) {
+        text += std::string(kinds[static_cast<int>(stream.kind)]) + ": " +
+                (stream.isCopied ? "copied" : stream.settled[C::TAG_CODEC_ID].GetString()) + '\n';
+    }
+    for (const std::string& note : plan.notes) text += note + '\n';
+    return text;
+}
+
+Plan PlanOf(const std::string& format, std::vector<Choice> choices, InputInfo input, bool copy = false) {
+    Request request = ToMp4();
+    request.copy = copy;
+    request.choices = std::move(choices);
+    request.choices.push_back(Chosen("format/container", format, "--format"));
+    return MakePlan(request, input);
+}
+
+TEST_F(PlanTest, TellsWhatIsCopiedLeftOutOrBroughtToAForm) {
+    InputInfo film = Film(), stored = Film(), cover = Film(), titled = Film(), half = Film();
+    film.video->frameRate = {25, 1};
+    stored.video->codecId = "h264", stored.video->codecDataSize = 40, stored.video->pixelFormat = "yuv420p";
+    stored.audio->codecId = "aac", stored.audio->codecDataSize = 5;
+    cover.video->isAttachedPicture = true;
+    half.video->width = 352, half.video->height = 288;
+    titled.subtitle = SubtitleSource{2, "subrip", true};
+    const std::vector<Choice> sized = Sized(320, 240), rate = {Chosen(g_audioBitrate, 64000, "--audio-bitrate")};
+    const std::string holdsSound = "' holds sound; give --video to take the first picture for a cover.\n";
+    const struct {
+        Plan plan;
+        std::string told;
+    } cases[] = {
+        {PlanOf("matroska", {}, stored, true), "video: copied\naudio: copied\n"},
+        {PlanOf("matroska", {}, stored), "video: h264\naudio: aac\n"},
+        {PlanOf("mp4", sized, stored, true),
+         "video: h264\naudio: copied\nThe picture is encoded, since something was asked of it.\n"},
+        {PlanOf("mp4", rate, stored, true),
+         "video: copied\naudio: aac\nThe sound is encoded, since something was asked of it.\n"},
+        {PlanOf("mp4", {}, film, true),
+         "video: copied\naudio: aac\n'mp4' does not take the sound (pcm_s16le) as it is; it is encoded.\n"},
+        {PlanOf("mp3", {}, cover), "video: mjpeg\naudio: mp3\n"},
+        {PlanOf("flac", {Codec("video", "png")}, film), "video: png\naudio: flac\n"},
+        {PlanOf("m4a", {}, cover, true),
+         "video: mjpeg\naudio: aac\n'm4a' does not take the sound (pcm_s16le) as it is; it is encoded.\n"},
+        {PlanOf("mp3", {}, film), "audio: mp3\n'mp3" + holdsSound},
+        {PlanOf("png", {}, film), "video: png\n'png' holds no sound; it is left out.\n"},
+        {PlanOf("srt", {}, titled), "subtitles: srt\n"},
+        {PlanOf("matroska", {Codec("subtitle", "ass")}, titled), "video: h264\naudio: aac\nsubtitles: ass\n"},
+        {PlanOf("matroska", {}, titled), "video: h264\naudio: aac\n"},
+        {PlanOf("avi", {Codec("video", "dvvideo")}, film),
+         "video: dvvideo\naudio: mp3\n'dvvideo' has its own frame sizes; the picture is brought to 720x576.\n"},
+        {PlanOf("avi", {Codec("video", "dvvideo")}, Film()),
+         "video: dvvideo\naudio: mp3\n'dvvideo' has its own frame sizes; the picture is brought to 720x480.\n"},
+        {PlanOf("3gp", {}, half),
+         "video: h263\naudio: aac\n'h263' has its own frame sizes; the picture is brought to 352x288.\n"},
+    };
+    for (const auto& [plan, told] : cases) EXPECT_EQ(Told(plan), told) << plan.formatId;
+    EXPECT_TRUE(PlanOf("mp3", {}, cover).job.video->isCover);
+    EXPECT_EQ(PlanOf("avi", {Codec("video", "dvvideo")}, film).job.video->frameRate.numerator, 25);
+    EXPECT_EQ(
+        PlanOf("mp4", {Chosen("audio_codec/bitrate_mode", "cbr_auto", "--audio-bitrate")}, film).job.audio->bitrate,
+        256000);
+}
+
+/// What a plan comes to, whatever the order of its values.
+std::string JobText(const Plan& plan) {
+    return nlohmann::json::parse(NorvexApps::ToJson(plan.settled).dump()).dump() + plan.job.muxer +
+           (plan.job.video ? std::to_string(plan.job.video->width) + 'x' + std::to_string(plan.job.video->bitrate)
+                           : "") +
+           (plan.job.audio ? std::to_string(plan.job.audio->sampleRate) + '/' + std::to_string(plan.job.audio->bitrate)
+                           : "");
+}
+
+TEST_F(PlanTest, ASavedPresetGivesTheSamePlan) {
+    const struct {
+        const char* format;
+        std::vector<Choice> choices;
+    } cases[] = {
+        {"mp4", {}},
+        {"mp4", Sized(320, 240)},
+        {"avi", {Codec("video", "mjpeg"), Codec("audio", "ac3")}},
+        {"avi", {Codec("video", "dvvideo")}},
+        {"3gp", {}},
+        {"ogg", {}},
+        {"webm", {Codec("video", "vp8"), Codec("audio", "vorbis")}},
+        {"png", {}},
+        {"mov", {Codec("video", "prores"), Codec("audio", "pcm_s24le")}},
+        {"flac", {Codec("video", "png")}},
+        {"mp4", {Chosen("audio_codec/bitrate_mode", "cbr_auto", "--audio-bitrate"), Codec("video", "hevc")}},
+    };
+    for (const auto& [format, choices] : cases) {
+        SCOPED_TRACE(format);
+        const Plan plan = PlanOf(format, choices, Film());
+        Request again = ToMp4();
+        ChooseFromPreset(again, NorvexApps::WritePreset(plan.settled));
+        EXPECT_EQ(JobText(MakePlan(again, Film())), JobText(plan));
+    }
+}
+
+TEST_F(PlanTest, ReadsPresetsAndSaysWhatIsWrongWithThem) {
+    const auto choose = [](const std::string& sections, std::vector<Choice> choices) {
+        Request request = ToMp4();
+        request.presetFile = "my.json";
+        request.choices = std::move(choices);
+        ChooseFromPreset(request, "{\"norvex-preset\": 1, \"preset\": {\n" + sections + "\n}}");
+        return MakePlan(request, Film());
+    };
+    // What was set for one codec means nothing to another, and what was chosen counts more than what was set.
+    const std::string mp3 = "\"audio_codec\": {\"codec_id\": \"mp3\", \"bitrate\": 64000}";
+    EXPECT_EQ(choose(mp3, {}).job.audio->bitrate, 64000);
+    EXPECT_EQ(choose(mp3, {Chosen(g_audioBitrate, 96000, "--audio-bitrate")}).job.audio->bitrate, 96000);
+    EXPECT_EQ(Told(choose(mp3, {Codec("audio", "aac")})), "video: h264\naudio: aac\n");
+    EXPECT_EQ(choose(mp3, {Codec("audio", "aac")}).job.audio->bitrate, 256000);
+    const std::pair<std::string, const char*> refused[] = {
+        {"\"audio_codec\": {", "'my.json', line 3: this is no JSON"},
+        {"\"audio_codec\": {\"codec_id\": \"mp4\"}", "'my.json', line 2: there is no codec 'mp4'"},
+        {"\"filter_volume\": {}", "line 2: this program has no use for 'filter_volume'"},
+        {"\"filter_rate\": {\"frame_rate\": 25}",
+         "preset, line 2: '25' is no value of the type of 'filter_rate/frame_rate'"},
+        {"\"filter_resample\": {\"resample\": {\"sample_rate\": \"x\"}}",
+         "preset, line 2: 'x' is no value of the type of "},
+        {"\"filter_resample\": {\"sample_format\": 5}", "preset, line 2: '5' is no value of the type of "},
+        {"\"video_codec\": {\"codec_id\": \"h264\", \"passes\": 5}", "preset, line 2: '5' is no value of the type of "},
+        {"\"filter_resize\": {\"resize\": {\"mode\": 5}}",
+         "preset, line 2: '5' is not legal here; allowed: one of smart_fit"},
+    };
+    for (const auto& [sections, words] : refused) {
+        try {
+            choose(sections, {});
+            ADD_FAILURE() << sections << " was not refused";
+        } catch (const RequestError& error) {
+            EXPECT_THAT(error.what(), testing::StartsWith(words));
+        }
+    }
+}
 
 TEST_F(PlanTest, IsPrintedForProgramsWithItsTypes) {
     Request request = ToMp4();

@@ -1,64 +1,30 @@
 // norvex-export as a user runs it.
 
 #include <gmock/gmock.h>
-#include <sys/wait.h>
 
-#include <array>
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "Media.h"
 #include "support/MadeClip.h"
+#include "support/ProgramFixture.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
+using Outcome = NorvexTest::Outcome;
 
-struct Outcome {
-    int status;
-    std::string text;  ///< standard output and standard error
-};
-
-class ProgramTest : public testing::Test {
+class ProgramTest : public NorvexTest::ProgramFixture {
 protected:
-    ProgramTest() {
-        const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
-        m_folder = fs::path(testing::TempDir()) / (std::string("norvex-program-") + test->name());
-        fs::remove_all(m_folder);
-        fs::create_directories(m_folder);
-    }
-    ~ProgramTest() override { fs::remove_all(m_folder); }
-
-    std::string File(const std::string& name) const { return (m_folder / name).string(); }
+    ProgramTest() : ProgramFixture(NORVEX_EXPORT) {}
 
     std::string Clip() const { return NorvexTest::MakeClip(File("in.mkv"), {}); }
-
-    Outcome Run(const std::string& arguments) const {
-        const std::string command = "cd '" + m_folder.string() + "' && '" NORVEX_EXPORT "' " + arguments + " 2>&1";
-        std::FILE* const pipe = popen(command.c_str(), "r");
-        Outcome outcome{};
-        std::array<char, 4096> part{};
-        for (std::size_t size; (size = std::fread(part.data(), 1, part.size(), pipe)) > 0;) {
-            outcome.text.append(part.data(), size);
-        }
-        outcome.status = WEXITSTATUS(pclose(pipe));
-        return outcome;
-    }
-
-    std::size_t FileCount() const {
-        return static_cast<std::size_t>(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()));
-    }
-
-private:
-    fs::path m_folder;
 };
 
 TEST_F(ProgramTest, ExportsWhatWasAskedFor) {
     Clip();
-    const Outcome outcome = Run("in.mkv out.mp4 --size 160x120 --fps 25 --audio-bitrate 100000 --encoder-preset ultrafast");
+    const Outcome outcome =
+        Run("in.mkv out.mp4 --size 160x120 --fps 25 --audio-bitrate 100000 --encoder-preset ultrafast");
     ASSERT_EQ(outcome.status, 0) << outcome.text;
     EXPECT_THAT(outcome.text, HasSubstr("100000   96000"));
     EXPECT_THAT(outcome.text, HasSubstr("Wrote out.mp4"));
@@ -76,6 +42,17 @@ TEST_F(ProgramTest, DryRunWritesNothing) {
     ASSERT_EQ(outcome.status, 0) << outcome.text;
     EXPECT_EQ(nlohmann::json::parse(outcome.text)["streams"].size(), 2U);
     EXPECT_EQ(FileCount(), 1U);
+}
+
+TEST_F(ProgramTest, StartsFromAPresetThatItSavedAndExplainsItself) {
+    Clip();
+    ASSERT_EQ(Run("in.mkv out.avi --audio mp3 --size 160x120 --save-preset my.json --dry-run --quiet").status, 0);
+    ASSERT_EQ(Run("in.mkv out.avi --preset my.json --save-preset again.json --dry-run --quiet").status, 0);
+    EXPECT_EQ(Read("again.json"), Read("my.json"));
+    const Outcome outcome = Run("in.mkv out.avi --preset my.json --dry-run --explain");
+    EXPECT_THAT(outcome.text, HasSubstr("filter_resize/resize/width"));
+    EXPECT_EQ(Run("in.mkv out.mkv --preset none.json").text, "norvex-export: cannot read 'none.json'\n");
+    EXPECT_EQ(Run("in.mkv out.mkv --preset .").text, "norvex-export: cannot read '.'\n");
 }
 
 TEST_F(ProgramTest, AFailureIsOnePlainLineAndLeavesTheOldOutput) {

@@ -1,15 +1,11 @@
 #include <gmock/gmock.h>
-#include <libintl.h>
 
-#include <clocale>
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <limits>
 
 #include "support/Corrections.h"
 #include "support/Failures.h"
+#include "support/Translation.h"
 
 namespace {
 
@@ -156,38 +152,11 @@ TEST(ConstraintSet, IsWorded) {
     EXPECT_EQ(SetOf<bool>({})->Description("x"), "Parameter x must be one of the following values: %2");
 }
 
-/// The bytes of a gettext catalogue with one message beside its header, which stands under the empty message.
-std::string Catalogue(const std::string& message, const std::string& translation) {
-    const std::string texts[] = {"", message, "Content-Type: text/plain; charset=UTF-8\n", translation};
-    std::vector<std::uint32_t> words = {0x950412de, 0, 2, 28, 44, 0, 60};  // two texts each in tables at 28 and 44
-    std::string body;
-    for (const std::string& text : texts) {
-        words.push_back(static_cast<std::uint32_t>(text.size()));
-        words.push_back(static_cast<std::uint32_t>(60 + body.size()));
-        body += text + '\0';
-    }
-    return std::string(reinterpret_cast<const char*>(words.data()), 60) + body;
-}
-
 TEST(ConstraintSet, TakesItsSentenceFromTheHostsCatalogue) {
-    std::string place = (std::filesystem::temp_directory_path() / "norvexXXXXXX").string();
-    ASSERT_NE(mkdtemp(place.data()), nullptr);
-    const std::filesystem::path folder = place;
-    std::filesystem::create_directories(folder / "xx/LC_MESSAGES");
-    std::ofstream(folder / "xx/LC_MESSAGES/core.mo", std::ios::binary)
-        << Catalogue("Parameter %1 must be one of the following values: %2", "%2: nur das für %1 (%1)");
-    // A locale by another name: in C, and of late in C.UTF-8 too, gettext leaves messages alone.
-    std::filesystem::create_directory_symlink("/usr/lib/locale/C.utf8", folder / "xx.utf8");
-    setenv("LOCPATH", place.c_str(), 1);
-    setenv("LANGUAGE", "xx", 1);
-    bindtextdomain("core", place.c_str());
-    EXPECT_NE(setlocale(LC_ALL, "xx.UTF-8"), nullptr);
+    const Translation translation(
+        {{"Parameter %1 must be one of the following values: %2", "%2: nur das für %1 (%1)"}});
     EXPECT_EQ(SetOf<long long>({1, 2})->Description("x"), "1 2 : nur das für x (x)");
     EXPECT_EQ(Core::GetLocalizationManagerForDomain("core").manager.Translate("", "core"), "");
-    setlocale(LC_ALL, "C");
-    unsetenv("LANGUAGE");
-    unsetenv("LOCPATH");
-    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
 #include "norvex/Conf/Review/CorrectionReport.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
+#include <map>
 #include <utility>
 
-#include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/Conf/Review/PresetAssembly.h"
 
 namespace Norvex::Conf {
@@ -13,41 +14,61 @@ namespace {
 
 using Core::Property;
 
-using Leaves = std::vector<std::pair<std::string, const Property*>>;
+/// A value of a tree. Names may repeat, so that a path alone does not tell which.
+struct Leaf {
+    std::string path;
+    int ordinal;  ///< among the leaves of that path
+    const Property* value;
+};
+using Leaves = std::vector<Leaf>;
 
-void CollectLeaves(const Property& node, const std::string& path, Leaves& leaves) {
+void CollectLeaves(const Property& node, const std::string& prefix, std::map<std::string, int>& counts,
+                   Leaves& leaves) {
     for (const Property& child : node) {
-        const std::string below = path.empty() ? child.GetName() : Path(path, child.GetName());
+        const std::string path = prefix + child.GetName();
         if (child.Count() > 0) {
-            CollectLeaves(child, below, leaves);
+            CollectLeaves(child, path + Property::SEPARATOR, counts, leaves);
         } else {
-            leaves.emplace_back(below, &child);
+            leaves.push_back({path, counts[path]++, &child});
         }
     }
 }
 
 Leaves LeavesOf(const Property& tree) {
     Leaves leaves;
-    CollectLeaves(tree, std::string(), leaves);
+    std::map<std::string, int> counts;
+    CollectLeaves(tree, std::string(), counts, leaves);
     return leaves;
 }
 
-const Property* Find(const Leaves& leaves, const std::string& path) {
-    const auto leaf = std::find_if(leaves.begin(), leaves.end(), [&path](const auto& l) { return l.first == path; });
-    return leaf != leaves.end() ? leaf->second : nullptr;
+const Property* Find(const Leaves& leaves, const Leaf& wanted) {
+    const auto leaf = std::find_if(leaves.begin(), leaves.end(), [&wanted](const Leaf& l) {
+        return l.ordinal == wanted.ordinal && l.path == wanted.path;
+    });
+    return leaf != leaves.end() ? leaf->value : nullptr;
 }
 
-/// The paths at which two states of a tree differ, those that are still there first.
-std::vector<std::string> DifferingPaths(const Leaves& before, const Leaves& after) {
-    std::vector<std::string> paths;
-    for (const auto& [path, value] : after) {
-        const Property* const former = Find(before, path);
-        if (former == nullptr || former->GetType() != value->GetType() || *former != *value) paths.push_back(path);
+bool IsSame(const Property& one, const Property& two) {
+    if (one.GetType() != two.GetType()) return false;
+    return one == two || (one.GetType() == PT_DOUBLE && std::isnan(one.GetDouble()) && std::isnan(two.GetDouble()));
+}
+
+/// Whether the leaf is a node that the other tree has with children in it: those tell what happened.
+bool IsOnlyEmptied(const Leaf& leaf, const Property& other) {
+    return leaf.value->GetType() == PT_NODE && other.ChildExists(leaf.path) && other[leaf.path].GetType() == PT_NODE;
+}
+
+/// The leaves in which two states of a tree differ, those that are still there first.
+Leaves DifferingLeaves(const Property& before, const Leaves& old, const Property& after, const Leaves& now) {
+    Leaves differing;
+    for (const Leaf& leaf : now) {
+        const Property* const former = Find(old, leaf);
+        if (former != nullptr ? !IsSame(*former, *leaf.value) : !IsOnlyEmptied(leaf, before)) differing.push_back(leaf);
     }
-    for (const auto& [path, value] : before) {
-        if (Find(after, path) == nullptr) paths.push_back(path);
+    for (const Leaf& leaf : old) {
+        if (Find(now, leaf) == nullptr && !IsOnlyEmptied(leaf, after)) differing.push_back(leaf);
     }
-    return paths;
+    return differing;
 }
 
 std::optional<Property> Copy(const Property* value) {
@@ -70,14 +91,15 @@ std::vector<CorrectedValue> Compare(const Property& before, const Property& afte
     const Leaves now = LeavesOf(after);
     const Property defaults = named.helper->GetDefaults();
     std::vector<CorrectedValue> changes;
-    for (const std::string& path : DifferingPaths(old, now)) {
+    for (const Leaf& leaf : DifferingLeaves(before, old, after, now)) {
+        const std::string& path = leaf.path;
         CorrectedValue change;
         change.helperKind = named.kind;
         change.helperId = named.id;
         change.path = path;
-        change.before = Copy(Find(old, path));
-        change.after = Copy(Find(now, path));
-        change.broken = WhatBroke(change, after, named);
+        change.before = Copy(Find(old, leaf));
+        change.after = Copy(Find(now, leaf));
+        if (leaf.ordinal == 0) change.broken = WhatBroke(change, after, named);
         if (change.broken) {
             change.reason = CorrectedValue::Reason::Broken;
         } else if (change.after && defaults.ChildExists(path) && defaults[path] == *change.after) {

@@ -1,8 +1,8 @@
 #include "norvex/Conf/Review/PresetCheck.h"
 
 #include <algorithm>
-#include <exception>
 #include <initializer_list>
+#include <utility>
 
 #include "norvex/Conf/DataHelpers/Lookup/Catalogue.h"
 #include "norvex/Conf/DataHelpers/Lookup/DataHelpers.h"
@@ -124,11 +124,11 @@ std::string MessageFor(const Finding& finding) {
 
 // ------------------------------------------------------------------------------------------------------ judging
 
-/// What is wrong with a value. A constraint that throws cannot judge a value of that type.
+/// What is wrong with a value. A constraint that throws, be it whatever a host throws, cannot judge that value.
 Problem Judge(const IPropertyConstraint& constraint, const Property& value) {
     try {
         return constraint.IsValid(value) ? Problem::None : Problem::NotAllowed;
-    } catch (const std::exception&) {
+    } catch (...) {
         return Problem::WrongType;
     }
 }
@@ -155,11 +155,12 @@ const std::string& SectionOf(const std::string& kind) {
     return alias != aliases.end() ? alias->second : kind;
 }
 
-/// The values that a constraint is about, by their paths.
-std::vector<std::string> ValuesOf(const Property& preset, const std::string& section, const std::string& key) {
-    std::vector<std::string> paths;
+/// The values that a constraint is about, with their paths. Streams may share a name, and so a path.
+std::vector<std::pair<std::string, const Property*>> ValuesOf(const Property& preset, const std::string& section,
+                                                              const std::string& key) {
+    std::vector<std::pair<std::string, const Property*>> values;
     const auto add = [&](const std::string& path) {
-        if (preset.ChildExists(path)) paths.push_back(path);
+        if (preset.ChildExists(path)) values.emplace_back(path, &preset[path]);
     };
     const std::string anyStream = P::KEY_STREAMS + P::INDEX;
     if (section == P::KEY_FORMAT && key.compare(0, anyStream.size(), anyStream) == 0) {
@@ -171,29 +172,31 @@ std::vector<std::string> ValuesOf(const Property& preset, const std::string& sec
             for (const Property& stream : preset[streams]) {
                 const auto typeId = stream.FindChild(P::KEY_TYPE_ID);
                 if (typeId == stream.end() || *typeId != Property(std::string(), type)) continue;
-                add(Path(streams, stream.GetName(), below));
+                if (stream.ChildExists(below)) {
+                    values.emplace_back(Path(streams, stream.GetName(), below), &stream[below]);
+                }
             }
         }
         add(below);  // the codec's own section
-        return paths;
+        return values;
     }
     add(Path(section, key));
-    if (paths.empty()) add(key);
-    return paths;
+    if (values.empty()) add(key);
+    return values;
 }
 
 void ExplainConstraints(const Property& preset, const NamedHelper& named, std::vector<Finding>& findings) {
     ConstraintMap constraints;
     named.helper->GetConstraints(constraints);
     for (const auto& [key, constraint] : constraints) {
-        for (const std::string& path : ValuesOf(preset, SectionOf(named.kind), key)) {
+        for (const auto& [path, value] : ValuesOf(preset, SectionOf(named.kind), key)) {
             Finding finding;
             finding.helperKind = named.kind;
             finding.helperId = named.id;
             finding.source = Finding::Source::Constraint;
             finding.key = key;
             finding.path = path;
-            finding.value = Read(preset, path);
+            finding.value = *value;
             finding.constraint = constraint;
             Conclude(finding);
             findings.push_back(std::move(finding));
@@ -258,7 +261,7 @@ Allowed WhatIsAllowed(const IPropertyConstraint& constraint) {
     try {
         constraint.FillValueList(SP<IConstraintConsumer>(new AllowedConsumer(allowed)));
         allowed.words = WordsFor(allowed, constraint);
-    } catch (const std::exception&) {
+    } catch (...) {
         // A constraint of the host's own that has no list has no words either.
     }
     return allowed;

@@ -1,0 +1,168 @@
+// norvex-rules as a user runs it.
+
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "support/ProgramFixture.h"
+
+namespace {
+
+using nlohmann::json;
+using NorvexTest::Outcome;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+class RulesProgramTest : public NorvexTest::ProgramFixture {
+protected:
+    RulesProgramTest() : ProgramFixture(NORVEX_RULES) {}
+
+    std::string Say(const std::string& arguments) const {
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.status, 0) << arguments << '\n' << outcome.text;
+        return outcome.text;
+    }
+
+    /// The sections of a preset, checked.
+    Outcome Check(const std::string& sections, const std::string& options = "") const {
+        Write("preset.json", "{\"norvex-preset\": 1,\n\"preset\": {\n" + sections + "\n}}");
+        return Run("check preset.json " + options);
+    }
+};
+
+std::size_t CountOf(const std::string& text, const std::string& part) {
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size()) ++count;
+    return count;
+}
+
+TEST_F(RulesProgramTest, TellsEverythingAndTheSameEachTime) {
+    const json book = json::parse(Say("json"));
+    const std::string list = Say("list"), matrix = Say("matrix");
+    EXPECT_THAT(list, AllOf(HasSubstr("Containers (64)\n"), HasSubstr("\nVideo codecs (36)\n"),
+                            HasSubstr("\nAudio codecs (26)\n"), HasSubstr("\nFilters (5)\n")));
+    EXPECT_EQ(CountOf(list, "\n"), 64U + 36 + 26 + 5 + 4 + 3);
+    EXPECT_EQ(book["formats"].size() + book["videoCodecs"].size() + book["audioCodecs"].size(), 64U + 36 + 26);
+    std::size_t defaults = 0, rows = 0;
+    for (const json& format : book["formats"]) {
+        EXPECT_THAT(list, HasSubstr("\n  " + format["id"].get<std::string>() + ' '));
+        for (const char* const kind : {"video", "audio"}) {
+            if (!format[kind].is_null()) ++defaults;
+        }
+        const std::string row = '\n' + format["id"].get<std::string>() + ' ';
+        for (std::size_t at = 0; (at = matrix.find(row, at)) != std::string::npos; ++at, ++rows) {
+            const std::string marks = matrix.substr(at + 15, matrix.find('\n', at + 1) - at - 15);
+            EXPECT_EQ(CountOf(marks, "D") + CountOf(marks, "d"), 1U) << row;
+        }
+    }
+    EXPECT_EQ(rows, defaults);
+    for (const char* const arguments : {"json", "list", "matrix", "html"}) EXPECT_EQ(Say(arguments), Say(arguments));
+    EXPECT_EQ(Say("json book.json"), "");
+    EXPECT_EQ(json::parse(Read("book.json")), book);
+}
+
+TEST_F(RulesProgramTest, ShowsOneHelper) {
+    EXPECT_THAT(Say("show video h264"),
+                AllOf(HasSubstr("  requires   filter_resize, filter_rate\n"), HasSubstr("from 1 to "),
+                      HasSubstr("  when video_codec/encode_options/preset is ultrafast:\n    "
+                                "video_codec/encode_options/profile is baseline\n")));
+    EXPECT_THAT(Say("show format m4a"),
+                AllOf(HasSubstr("  audio      aac, alac  (default aac)\n"), HasSubstr("streams/0/type")));
+    EXPECT_THAT(Say("show format ac3"), AllOf(Not(HasSubstr("  video ")), HasSubstr("\nRules\n  none\n")));
+    EXPECT_THAT(Say("show filter filter_resize"), HasSubstr("\nRules\n  filter_resize/resize/width is even\n"));
+}
+
+TEST_F(RulesProgramTest, PutsTheWholeBookIntoOnePage) {
+    const std::string page = Say("html");
+    EXPECT_EQ(CountOf(page, "<script"), CountOf(page, "</script>"));
+    const std::size_t begin = page.find("{\"norvex-rules\":");
+    ASSERT_NE(begin, std::string::npos);
+    const std::string data = page.substr(begin, page.find("</script>", begin) - begin);
+    EXPECT_THAT(data.substr(0, data.find('\n')), Not(HasSubstr("<")));
+    EXPECT_EQ(json::parse(data.substr(0, data.rfind('}') + 1)), json::parse(Say("json")));
+}
+
+TEST_F(RulesProgramTest, ChecksAndMendsPresets) {
+    const std::string resample =
+        "\"filter_resample\": {\"sample_format\": \"s16\", \"resample\": "
+        "{\"sample_rate\": 48000, \"channel_layout\": \"stereo\"}}, ";
+    const auto aac = [](const std::string& values) {
+        return "\"audio_codec\": {\"codec_id\": \"aac\", " + values + "}";
+    };
+    const struct {
+        std::string sections;
+        int status;
+        std::vector<std::string> broken, mended;
+        std::size_t open, left;
+    } cases[] = {
+        {"", 0, {}, {}, 0, 0},
+        {aac("\"bitrate_mode\": \"cbr_auto\", \"bitrate\": 96000"), 0, {}, {}, 3, 0},
+        {resample + aac("\"bitrate\": 100000"),
+         1,
+         {"Parameter audio_codec/bitrate is 100000 but must be one of 32000, "},
+         {"/preset/audio_codec/bitrate", "96000", "/preset/filter_resample/sample_format", "\"fltp\""},
+         0,
+         0},
+        {"\"filter_resize\": {\"resize\": {\"width\": 641, \"height\": 16}}",
+         1,
+         {"Parameter filter_resize/resize/height is 16 but must be from 32 to 4320",
+          "Parameter filter_resize/resize/width is 641 but must be even"},
+         {"/preset/filter_resize/resize/height", "32"},
+         0,
+         1},
+        {aac("\"bitrate\": {\"$bytes\": \"ff\"}"),
+         1,
+         {"Parameter audio_codec/bitrate is \xEF\xBF\xBD, which is no value"},
+         {},
+         3,
+         2},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.sections);
+        const Outcome outcome = Check(c.sections, "--json");
+        const json judgement = json::parse(outcome.text);
+        EXPECT_EQ(outcome.status, c.status);
+        EXPECT_EQ(judgement["open"].size(), c.open);
+        EXPECT_EQ(judgement["left"].size(), c.left);
+        EXPECT_EQ(judgement["broken"].empty(), c.status == 0);
+        for (const std::string& words : c.broken) EXPECT_THAT(judgement["broken"].dump(), HasSubstr(words));
+        for (std::size_t i = 0; i < c.mended.size(); i += 2) {
+            EXPECT_EQ(judgement["mended"][json::json_pointer(c.mended[i])], json::parse(c.mended[i + 1]));
+        }
+        EXPECT_THAT(Check(c.sections).text,
+                    HasSubstr(c.status == 0 ? "The preset keeps every rule.\n" : "Broken:\n  - "));
+        Write("mended.json", judgement["mended"].dump());
+        EXPECT_EQ(Run("check mended.json").status, c.left == 0 ? 0 : 1);
+    }
+}
+
+TEST_F(RulesProgramTest, FailsInOnePlainLine) {
+    Write("text.json", "no preset");
+    Write("name.json", "{\"norvex-preset\": 1,\n\"preset\": {\n\"format\": {\"container\": \"mp5\"}\n}}");
+    const struct {
+        const char* arguments;
+        int status;
+        const char* words;
+    } cases[] = {
+        {"check none.json", 1, "norvex-rules: cannot read 'none.json'\n"},
+        {"check .", 1, "norvex-rules: cannot read '.'\n"},
+        {"check text.json", 1, "norvex-rules: 'text.json', line 1: this is no JSON, at "},
+        {"check name.json", 1, "norvex-rules: 'name.json', line 3: there is no container 'mp5'\n"},
+        {"show video aac", 1, "norvex-rules: there is no video 'aac'; try norvex-rules list\n"},
+        {"show codec aac", 1, "norvex-rules: there is no codec 'aac'; try norvex-rules list\n"},
+        {"json no/where", 1, "norvex-rules: cannot write 'no/where'\n"},
+        {"show video", 2, "ID is required"},
+        {"", 2, "subcommand is required"},
+        {"explain", 2, ""},
+    };
+    for (const auto& [arguments, status, words] : cases) {
+        SCOPED_TRACE(arguments);
+        const Outcome outcome = Run(arguments);
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_THAT(outcome.text, HasSubstr(words));
+        EXPECT_TRUE(status != 1 || CountOf(outcome.text, "\n") == 1) << outcome.text;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,478 @@
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <functional>
+#include <random>
+#include <sstream>
+#include <typeinfo>
+
+#include "norvex/Norvex.h"
+#include "support/FakeBuild.h"
+#include "support/TestHelpers.h"
+#include "support/Translation.h"
+#include "support/Trees.h"
+
+namespace {
+
+using namespace Norvex;
+using namespace Norvex::Conf;
+using namespace NorvexTest;
+using Core::Property;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Lines = std::vector<std::string>;
+using Constraint = SP<IPropertyConstraint>;
+using A = IFormatCodecAudio;
+using V = IFormatCodecVideo;
+
+Lines Messages(const std::vector<Finding>& findings) {
+    Lines lines;
+    for (const Finding& finding : findings) lines.push_back(finding.message);
+    return lines;
+}
+
+/// Each finding as "SOURCE VERDICT PATH = VALUE".
+Lines Looked(const std::vector<Finding>& findings) {
+    const char* const verdicts[] = {"kept", "does not apply", "violated"};
+    Lines lines;
+    for (const Finding& finding : findings) {
+        lines.push_back(std::string(finding.source == Finding::Source::Rule ? "rule " : "constraint ") +
+                        verdicts[static_cast<int>(finding.verdict)] + ' ' + finding.path + " = " +
+                        (finding.value ? Core::PropertyValueToString(*finding.value) : "-"));
+    }
+    return lines;
+}
+
+NamedHelper Audio(const SP<const IDataHelper>& helper, const std::string& id = "test") {
+    return {"audio_codec", id, helper};
+}
+NamedHelper Video(const SP<const IDataHelper>& helper, const std::string& id) {
+    return {"video_codec", id, helper};
+}
+
+/// Refuses all, and throws what is no exception at that, or when it is asked for its list.
+class Thrower final : public RefCounted<IPropertyConstraint> {
+public:
+    void FillValueList(const SP<IConstraintConsumer>& /*consumer*/) const override { throw "no list"; }
+    bool IsValid(const Property& /*value*/) const override { throw 5; }
+    bool Fixup(Property& /*value*/) const override { throw 5; }
+    std::string Description(const std::string& /*name*/) const override { throw "no words"; }
+};
+
+Constraint Numbers(const std::vector<long long>& numbers) {
+    PairList<long long> list;
+    for (const long long number : numbers) list.emplace_back(std::to_string(number), number);
+    return ConstraintSet::Create(list);
+}
+Constraint Texts(const Lines& texts) {
+    PairList<std::string> list;
+    for (const std::string& text : texts) list.emplace_back(text, text);
+    return ConstraintSet::Create(list);
+}
+
+SP<TestCodec> Ruled(const RuleList& rules, const ConstraintMap& constraints = {}) {
+    const SP<TestCodec> codec(new TestCodec(MediaType::Audio));
+    codec->rules = rules;
+    codec->constraints = constraints;
+    return codec;
+}
+
+/// A rule without a condition where `first` is null.
+RuleList Rule(const Constraint& first, const Constraint& second, const std::string& path = "audio_codec/b") {
+    return {{"/", PairValidationRule::Create(first ? "audio_codec/a" : "", first, path, second)}};
+}
+
+TEST(PresetCheck, SaysOfEachFaultWhatIsAllowedAndWhen) {
+    using P = Finding::Problem;
+    const Constraint one = Texts({"yes"}), two = Numbers({1, 2, 1}), range = ConstraintRange::Create(1LL, 51LL, 2LL);
+    const Constraint even = ConstraintMethod::CreateEven(IPropertyConstraint::DESCRIPTION_ID_EVEN_SIZE);
+    const Constraint mute = ConstraintMethod::Create(nullptr, ""), thrower(new Thrower);
+    const Property a("a", "yes"), odd("b", 3), text("b", "%3 %1");
+    const std::string isThree = "Parameter audio_codec/b is 3 but must be ";
+    const std::string wrong = "Parameter audio_codec/b is %3 %1, which is no value of its type, but must be ";
+    const std::string missing = "Parameter audio_codec/b is missing but must be ", when = " when audio_codec/a is yes";
+    const struct {
+        SP<TestCodec> codec;
+        std::vector<Property> values;
+        P problem;
+        std::string message;
+    } cases[] = {
+        {Ruled({}, {{"b", two}}), {odd}, P::NotAllowed, isThree + "one of 1, 2"},
+        {Ruled({}, {{"b", two}}), {text}, P::WrongType, wrong + "one of 1, 2"},
+        {Ruled({}, {{"b", range}}),
+         {Property("b", 52)},
+         P::NotAllowed,
+         "Parameter audio_codec/b is 52 but must be from 1 to 51"},
+        {Ruled({}, {{"b", range}}), {text}, P::WrongType, wrong + "from 1 to 51"},
+        {Ruled({}, {{"b", one}}), {text}, P::NotAllowed, "Parameter audio_codec/b is %3 %1 but must be yes"},
+        {Ruled({}, {{"b", thrower}}),
+         {odd},
+         P::WrongType,
+         "Parameter audio_codec/b is 3, which is no value of its type, but must be another value"},
+        {Ruled(Rule(nullptr, even)), {odd}, P::NotAllowed, isThree + "even"},
+        {Ruled(Rule(nullptr, even)), {}, P::Missing, missing + "even"},
+        {Ruled(Rule(one, mute)), {a, odd}, P::NotAllowed, isThree + "another value" + when},
+        {Ruled(Rule(one, two)), {a}, P::Missing, missing + "one of 1, 2" + when},
+        {Ruled(Rule(one, two)), {a, text}, P::WrongType, wrong + "one of 1, 2" + when},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.message);
+        Property section(std::string("audio_codec"));
+        for (const Property& value : c.values) section.AddNamed(value);
+        const auto findings = CheckPreset(AssemblePreset({section}), {Audio(c.codec)});
+        ASSERT_THAT(Messages(findings), ElementsAre(c.message));
+        EXPECT_EQ(findings[0].problem, c.problem);
+        EXPECT_EQ(findings[0].helperKind + ' ' + findings[0].helperId, "audio_codec test");
+        EXPECT_EQ(findings[0].value.has_value(), c.problem != P::Missing);
+    }
+}
+
+TEST(PresetCheck, IsTranslatedWithTheWordsWithinItsSentence) {
+    const Property section = Node("audio_codec", {Property("a", "%2"), Property("b", 3)});
+    const auto rules = Rule(Texts({"%2"}), Numbers({1, 2}));
+    const Translation translation({{"Parameter %1 is %2 but must be %3 when %4 is %5", "%5/%4: %1=%2, nur %3; %6 %"},
+                                   {"one of %1", "eines von %1"}});
+    EXPECT_THAT(Messages(CheckPreset(AssemblePreset({section}), {Audio(Ruled(rules))})),
+                ElementsAre("%2/audio_codec/a: audio_codec/b=3, nur eines von 1, 2; %6 %"));
+}
+
+TEST(PresetCheck, ExplainsAlsoWhatIsKeptAndWhatDoesNotApply) {
+    const Constraint yes = Texts({"yes"}), numbers = Numbers({1}), thrower(new Thrower);
+    RuleList rules;
+    for (const auto& rule : {Rule(yes, numbers), Rule(thrower, numbers), Rule(yes, numbers, "x/y"), Rule(yes, nullptr)})
+        rules.push_back(rule.front());
+    rules.emplace_back("/", nullptr);
+    const SP<TestCodec> codec = Ruled(rules, {{"a", yes}, {"b", nullptr}, {"c", yes}});
+    const auto explain = [&](std::initializer_list<Property> values) {
+        return Looked(ExplainPreset(AssemblePreset({Node("audio_codec", values)}), {Audio(nullptr), Audio(codec)}));
+    };
+    EXPECT_THAT(explain({Property("a", "yes"), Property("b", 1)}),
+                ElementsAre("constraint kept audio_codec/a = yes", "constraint kept audio_codec/b = 1",
+                            "rule kept audio_codec/b = 1", "rule does not apply audio_codec/b = 1",
+                            "rule violated x/y = -", "rule kept audio_codec/b = 1"));
+    const Lines none(4, "rule does not apply audio_codec/b = -");
+    EXPECT_THAT(explain({}), ElementsAre(none[0], none[0], "rule does not apply x/y = -", none[0]));
+    EXPECT_THAT(explain({Property("a", 5)}), ElementsAre("constraint violated audio_codec/a = 5", none[0], none[0],
+                                                         "rule does not apply x/y = -", none[0]));
+}
+
+TEST(PresetCheck, LooksForConstraintsInTheSectionFromTheRootAndInEveryStream) {
+    const FakeBuild build({{"aac", {{}, {AV_SAMPLE_FMT_FLTP}, {48000}, {NativeLayout(AV_CH_LAYOUT_MONO)}}}});
+    const auto stream = [](const std::string& name, const char* type, const std::string& kind, const char* codec) {
+        return Node(name, {Property("type", type), Node(kind, {Property("codec_id", codec)})});
+    };
+    Property format = DataHelperFormatDVD::Create("dvd")->GetDefaults();
+    format["disk_size"] = 5;
+    Property& streams = format["streams"];
+    streams.RemoveAll();
+    streams.AddNamed(stream("a", "audio", "audio_codec", "aac"));
+    streams.AddNamed(stream("a", "audio", "audio_codec", "mp3"));  // of the same name
+    streams.AddNamed(stream("", "video", "video_codec", "h264"));
+    streams.AddNamed(stream("v/w", "video", "video_codec", "mpeg2video"));
+    streams.AddNamed(stream("s", "other", "audio_codec", "aac"));
+    streams.AddNamed(Property("leaf", "audio"));
+    const Property flat = Node("format_codec_audio", {Property("codec_id", "aac"), Property("channel_layout", "5.1"),
+                                                      Property("sample_rate", 5), Property("bitrate", 5)});
+    const auto findings = CheckPreset(
+        AssemblePreset({format, flat}),
+        {{"format", "dvd", DataHelperFormatDVD::Create("dvd")}, Audio(DataHelperAudioCodecAac::Create(), "aac")});
+    Lines paths;
+    for (const Finding& finding : findings)
+        if (finding.source == Finding::Source::Constraint)
+            paths.push_back(finding.path + " = " + Core::PropertyValueToString(*finding.value));
+    EXPECT_THAT(paths, ElementsAre("format/disk_size = 5", "format/streams/a/audio_codec/codec_id = aac",
+                                   "format/streams/a/audio_codec/codec_id = mp3", "audio_codec/codec_id = aac",
+                                   "format/streams//video_codec/codec_id = h264", "audio_codec/bitrate = 5",
+                                   "filter_resample/resample/channel_layout = 5.1"));
+}
+
+TEST(PresetCheck, TakesAutomaticHelpers) {
+    const Property section = Node("filter_resample", {Node("resample", {Property("sample_rate", -1)})});
+    const Property codec = Node("audio_codec", {Property("codec_id", "mp3"), Property("bitrate_mode", "cbr_auto")});
+    const Property preset = AssemblePreset({section, codec});
+    const auto mp3 = FindHelper("audio_codec", "mp3");
+    EXPECT_EQ(CheckPreset(preset, {mp3}).size(), 2U);
+    EXPECT_THAT(CheckPreset(preset, {{mp3.kind, mp3.id, CreateDataHelperAuto(mp3.kind, mp3.id)}}), IsEmpty());
+}
+
+TEST(PresetCheck, FindsTheHelpersThatAPresetNames) {
+    const auto names = [](std::initializer_list<Property> sections) {
+        Lines lines;
+        for (const auto& [kind, id, helper] : HelpersOf(Node("preset", sections))) lines.push_back(kind + ' ' + id);
+        return lines;
+    };
+    const auto codec = [](const char* kind, const auto& id) { return Node(kind, {Property("codec_id", id)}); };
+    EXPECT_THAT(
+        names({Property(std::string("filter_rate")), Property("filter_resize", 5), codec("audio_codec", "mp3"),
+               codec("video_codec", "h264"), Node("format", {Property("container", "mp4")}), Property("filter_x", 1)}),
+        ElementsAre("format mp4", "video_codec h264", "audio_codec mp3", "filter_rate ", "filter_resize "));
+    EXPECT_THAT(names({Property("format", "mp4"), codec("video_codec", 5), codec("audio_codec", "h264"),
+                       Property(std::string())}),
+                IsEmpty());
+    EXPECT_THROW(FindHelper("audio_codec", "h264"), HelperException);
+}
+
+// ------------------------------------------------------------------------------------------------- random presets
+
+/// The words of a text, of which "-" is empty.
+Lines Words(const std::string& text) {
+    std::istringstream stream(text);
+    Lines words;
+    for (std::string word; stream >> word;) words.push_back(word == "-" ? "" : word);
+    return words;
+}
+
+class RandomTrees {
+public:
+    Property Make(const std::string& name, int depth = 0) {
+        Property node(name);
+        for (unsigned count = Below(14); count > 0; --count) {
+            const std::string tag = Any(m_tags);
+            node.AddNamed(depth < 3 && Below(4) == 0 ? Make(tag, depth + 1) : Leaf(tag));
+        }
+        return node;
+    }
+    /// A stream with most of what a correction looks at.
+    Property Stream(bool isVideo) {
+        Property stream = Make(isVideo ? "format_codec_video" : "format_codec_audio", 2);
+        if (Below(8) == 0) return stream;
+        if (Below(4) != 0) stream.SetChildT("sample_rate", static_cast<int>(Below(100000)));
+        stream.SetChildT("sample_format", Any({"s16", "fltp", "s32"}));
+        stream.SetChildT("channel_layout", Any({"mono", "stereo", "5.1"}));
+        stream.SetChildT("bitrate", static_cast<int>(Below(400000)));
+        return stream;
+    }
+    unsigned Below(unsigned end) { return static_cast<unsigned>(m_random() % end); }
+    std::string Any(const Lines& list) { return list[Below(static_cast<unsigned>(list.size()))]; }
+
+private:
+    Property Leaf(const std::string& name) {
+        const Property leaves[] = {Property(name),
+                                   Property(name, Below(2) == 0),
+                                   Property(name, Below(2) == 0 ? std::nan("") : 47999.5),
+                                   Property(name, static_cast<long long>(m_random()) * 4294967296LL),
+                                   Property(name, Core::Ratio(30000, 1001)),
+                                   Property(name, static_cast<int>(Below(60))),
+                                   Property(name, Any(m_texts)),
+                                   Property(name, Any(m_texts))};
+        return leaves[Below(8)];
+    }
+
+    const Lines m_tags = Words(
+        "sample_rate sample_format channel_layout bitrate bitrate_mode quality codec_id streams "
+        "encode_options profile preset frame_rate width height cover type audio_codec format "
+        "video_codec resample resize filter_resample filter_resize - a/b container filter_rate "
+        "max_b_frames 0");
+    const Lines m_texts = Words("- aac mp3 h264 mjpeg cbr vbr cbr_auto s16 stereo 5.1 25 1/0 audio video main %1 mp4");
+    std::mt19937 m_random{7};
+};
+
+std::vector<NamedHelper> Everything() {
+    std::vector<NamedHelper> helpers;
+    for (const char* const kind : {"format", "video_codec", "audio_codec"}) {
+        for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) helpers.push_back({kind, id, helper});
+    }
+    for (const char* const kind : {"filter_resample", "filter_resize", "filter_rate"}) {
+        helpers.push_back(FindHelper(kind, ""));
+    }
+    return helpers;
+}
+
+TEST(PresetCheck, JudgesWhateverAPresetHolds) {
+    RandomTrees random;
+    const std::vector<NamedHelper> all = Everything();
+    Property deep(std::string("filter_resize"));
+    for (int i = 0; i < 1000; ++i) deep = Node("resize", {deep});
+    std::vector<Property> sections = {deep};
+    std::size_t violations = 0;
+    for (int i = 0; i < 40; ++i) {
+        for (const char* const name :
+             {"format", "video_codec", "audio_codec", "filter_resample", "filter_resize", ""}) {
+            if (random.Below(3) == 0) sections.push_back(random.Make(name));
+            if (random.Below(9) == 0) sections.emplace_back(name, 5);
+        }
+        sections.push_back(random.Stream(i % 2 == 0));
+        const Property preset = AssemblePreset(sections);
+        for (const Finding& finding : CheckPreset(preset, all)) {
+            EXPECT_FALSE(finding.message.empty());
+            ++violations;
+        }
+        EXPECT_NO_THROW(ExplainPreset(sections.back(), HelpersOf(preset)));
+        sections.clear();
+    }
+    EXPECT_GT(violations, 1000U);
+}
+
+// ------------------------------------------------------------------------------------------------------- the report
+
+/// A stream's node from "TAG VALUE" words, of which those that look like numbers are some.
+Property Stream(const std::string& name, const std::string& text) {
+    Property stream(name);
+    std::istringstream words(text);
+    for (std::string tag, value; words >> tag >> value;) {
+        if (value.find_first_not_of("0123456789") == std::string::npos) {
+            stream.SetChildT(tag, std::stoll(value));
+        } else {
+            stream.SetChildT(tag, value);
+        }
+    }
+    return stream;
+}
+
+/// Each change as "ID PATH: BEFORE > AFTER REASON", with the message of what was broken.
+Lines Changes(const CorrectionReport& report) {
+    const char* const reasons[] = {"broken", "default", "helper"};
+    const auto text = [](const std::optional<Property>& value) {
+        return value ? Core::PropertyValueToString(*value) : std::string("-");
+    };
+    Lines lines;
+    for (const CorrectedValue& change : report.changes) {
+        EXPECT_EQ(change.broken.has_value(), change.reason == CorrectedValue::Reason::Broken);
+        lines.push_back(change.helperId + ' ' + change.path + ": " + text(change.before) + " > " + text(change.after) +
+                        ' ' + reasons[static_cast<int>(change.reason)] +
+                        (change.broken ? ": " + change.broken->message : std::string()));
+    }
+    return lines;
+}
+
+const std::string g_audio = "format_codec_audio", g_video = "format_codec_video";
+
+TEST(CorrectionReport, TellsWhatChangedAndWhy) {
+    const FakeBuild build({{"aac", {{}, {AV_SAMPLE_FMT_FLTP}, {44100, 48000}, {}}}});
+    const auto m4a = DataHelperFormatM4a::Create("m4a");
+    const std::string isAac = " when audio_codec/codec_id is aac", audio = ": Parameter audio_codec/",
+                      resample = ": Parameter filter_resample/resample/";
+    Property cover =
+        Stream(g_video, "codec_id mjpeg max_b_frames 2 key_frame_interval 9 bitrate_mode vbr bitrate 0 quality 3");
+    cover.SetChildT("cover", false);
+    const struct {
+        Property stream;
+        std::vector<NamedHelper> helpers;
+        Lines changes;
+    } cases[] = {
+        {Stream(g_audio, "codec_id aac sample_rate 47000 sample_format s16 channel_layout stereo bitrate 100000"),
+         {{"format", "m4a", m4a}, Audio(nullptr), Audio(DataHelperAudioCodecAac::Create(), "aac")},
+         {"aac sample_rate: 47000 > 48000 broken" + resample + "sample_rate is 47000 but must be one of 44100, 48000" +
+              isAac,
+          "aac sample_format: s16 > fltp broken" + resample + "sample_format is s16 but must be fltp" + isAac,
+          "aac bitrate: 100000 > 96000 broken" + audio +
+              "bitrate is 100000 but must be one of 32000, 64000, 96000, "
+              "128000, 160000, 192000, 224000, 256000, 320000, 448000, 512000",
+          "aac bitrate_mode: - > cbr default"}},
+        {Stream(g_audio,
+                "codec_id mp3 sample_rate 10900 sample_format s16 channel_layout mono bitrate_mode cbr "
+                "bitrate 256000"),
+         {Audio(DataHelperAudioCodecMp3::Create(), "mp3")},
+         {"mp3 sample_rate: 10900 > 11025 broken" + resample +
+              "sample_rate is 10900 but must be one of 8000, 11025, "
+              "12000, 16000, 22050, 24000, 32000, 44100, 48000 when audio_codec/codec_id is mp3",
+          "mp3 bitrate: 256000 > 64000 broken" + audio +
+              "bitrate is 256000 but must be one of 32000, 64000 when "
+              "filter_resample/resample/sample_rate is 11025",
+          "mp3 quality: - > 1 default"}},
+        {Stream(g_audio, "codec_id flac sample_rate 48000 sample_format s16 channel_layout stereo quality 7"),
+         {Audio(DataHelperAudioCodecFlac::Create(), "flac")},
+         {"flac bitrate_mode: - > vbr default", "flac bitrate: - > 991999 helper"}},
+        {cover,
+         {{"format", "m4a", m4a}, Video(DataHelperVideoCodecMjpeg::Create(), "mjpeg")},
+         {"m4a cover: false > true broken: Parameter format/cover is false but must be 1 when video_codec/codec_id is "
+          "mjpeg",
+          "mjpeg bitrate: 0 > 100000 broken: Parameter video_codec/bitrate is 0 but must be from 100000 to 800000000",
+          "mjpeg max_b_frames: 2 > - helper"}},
+        {Stream(g_video, "codec_id hevc bitrate_mode cbr_auto bitrate 5000000 quality 1"),
+         {Video(DataHelperVideoCodecX265::Create(), "hevc")},
+         {"hevc bitrate_mode: cbr_auto > cbr broken: Parameter video_codec/bitrate_mode is cbr_auto but must be one of "
+          "cbr, vbr"}},
+    };
+    for (const auto& c : cases) {
+        Property stream = c.stream;
+        const CorrectionReport report = CorrectWithReport(stream, c.helpers);
+        EXPECT_EQ(Changes(report), c.changes);
+        EXPECT_THAT(Messages(report.left), IsEmpty());
+        EXPECT_FALSE(report.failure);
+    }
+}
+
+TEST(CorrectionReport, TellsWhatValidationWantsBeyondCorrection) {
+    const FakeBuild build({{"ac3", {{}, {}, {}, {NativeLayout(AV_CH_LAYOUT_5POINT1)}}}});
+    Property stream = Stream(g_audio,
+                             "codec_id ac3 sample_rate 48000 sample_format fltp channel_layout 5.1(side) "
+                             "bitrate_mode cbr bitrate 448000");
+    const CorrectionReport report = CorrectWithReport(stream, {Audio(DataHelperAudioCodecAc3::Create(), "ac3")});
+    EXPECT_THAT(Changes(report), IsEmpty());
+    EXPECT_THAT(Messages(report.left), ElementsAre("Parameter filter_resample/resample/channel_layout is 5.1(side) but "
+                                                   "must be one of mono, stereo when audio_codec/codec_id is ac3"));
+}
+
+TEST(CorrectionReport, KeepsAFailureAndWhatWasDoneUpToIt) {
+    Property stream = Stream(g_audio, "sample_rate 10900 bitrate 5");
+    const CorrectionReport report = CorrectWithReport(
+        stream, {Audio(DataHelperAudioCodecMp3::Create(), "mp3"), Audio(DataHelperAudioCodecAc3::Create(), "ac3")});
+    EXPECT_THAT(Changes(report), ElementsAre("mp3 sample_rate: 10900 > 11025 helper"));
+    EXPECT_EQ(Dump(stream), "format_codec_audio/sample_rate: int 11025\nformat_codec_audio/bitrate: int 5\n");
+    ASSERT_TRUE(report.failure);
+    EXPECT_THROW(std::rethrow_exception(report.failure), Core::PropertyException);
+}
+
+/// A correction that does what a test wants.
+class Corrector final : public RefCounted<DataHelperCodecFFMPEG> {
+public:
+    explicit Corrector(std::function<void(Property&)> change)
+        : RefCounted<DataHelperCodecFFMPEG>("test", MediaType::Audio), m_change(std::move(change)) {}
+    void CorrectFormatCodec(Property& tree) const override { m_change(tree); }
+
+private:
+    std::function<void(Property&)> m_change;
+};
+
+TEST(CorrectionReport, TellsApartValuesThatShareAPath) {
+    Property before =
+        Node(g_audio, {Property("a", 1), Property("a", 2), Property("nan", std::nan("")), Node("", {Property("a", 3)}),
+                       Property("full", 5), Property(std::string("empty")), Node("emptied", {Property("x", 1)}),
+                       Property("a/b", 1), Node("a", {Property("b", 2)})});
+    const auto changes = [&](const std::function<void(Property&)>& change) {
+        Property stream = before;
+        return Changes(CorrectWithReport(stream, {Audio(SP<IDataHelper>(new Corrector(change)))}));
+    };
+    EXPECT_THAT(changes([](Property&) {}), IsEmpty());
+    EXPECT_THAT(changes([](Property& tree) { tree[1] = 7, tree[3]["a"] = 8; }),
+                ElementsAre("test a: 2 > 7 helper", "test /a: 3 > 8 helper"));
+    EXPECT_THAT(changes([](Property& tree) {
+                    tree["empty"].SetChildT("y", 1), tree["emptied"].RemoveAll(), tree["full"] = 5.0, tree[7] = 3;
+                }),
+                ElementsAre("test full: 5 > 5 helper", "test empty/y: - > 1 helper", "test a/b: 1 > 3 helper",
+                            "test emptied/x: 1 > - helper"));
+}
+
+TEST(CorrectionReport, LeavesTheTreeAsWithoutIt) {
+    const auto correct = [](const auto& correction) -> std::string {
+        try {
+            correction();
+            return "done";
+        } catch (const std::exception& failure) {
+            return typeid(failure).name();
+        }
+    };
+    RandomTrees random;
+    std::map<std::string, int> outcomes;
+    const std::vector<NamedHelper> all = Everything();
+    for (int i = 0; i < 2000; ++i) {
+        const NamedHelper& named = all[static_cast<std::size_t>(i) % all.size()];
+        Property plain = random.Stream(named.kind == "format" ? random.Below(2) == 0 : named.kind == "video_codec");
+        Property reported = plain;
+        const std::string before = Dump(plain);
+        CorrectionReport report;
+        const std::string outcome = correct([&] { named.helper->CorrectFormatCodec(plain); });
+        EXPECT_EQ(outcome, correct([&] {
+                      report = CorrectWithReport(reported, {named});
+                      if (report.failure) std::rethrow_exception(report.failure);
+                  }));
+        EXPECT_EQ(Dump(plain), Dump(reported)) << named.id << '\n' << before;
+        EXPECT_EQ(report.changes.empty(), before == Dump(plain)) << named.id << '\n' << before;
+        ++outcomes[outcome == "done" ? outcome : "failed"];
+    }
+    EXPECT_GT(outcomes["done"], 500);
+    EXPECT_GT(outcomes["failed"], 100);
+}
+
+}  // namespace
