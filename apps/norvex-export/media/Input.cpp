@@ -1,0 +1,188 @@
+#include "Input.h"
+
+#include <algorithm>
+#include <cstddef>
+
+extern "C" {
+#include <libavutil/avutil.h>
+#include <libavutil/pixdesc.h>
+#include <libavutil/samplefmt.h>
+}
+
+#include "Files.h"
+
+namespace NorvexExport::Media {
+
+namespace {
+
+/// Any text file opens as a terminal recording or a text picture, which is never what the user means.
+bool IsTextArt(AVCodecID codec) {
+    return codec == AV_CODEC_ID_ANSI || codec == AV_CODEC_ID_BINTEXT || codec == AV_CODEC_ID_XBIN ||
+           codec == AV_CODEC_ID_IDF;
+}
+
+/// Whether the stream says enough of itself to be decoded.
+bool IsDecodable(const AVStream& stream) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    if (avcodec_find_decoder(parameters.codec_id) == nullptr || IsTextArt(parameters.codec_id)) return false;
+    if (parameters.codec_type == AVMEDIA_TYPE_VIDEO) return parameters.width > 0 && parameters.height > 0;
+    if (parameters.codec_type == AVMEDIA_TYPE_AUDIO) {
+        return parameters.sample_rate > 0 && parameters.ch_layout.nb_channels > 0;
+    }
+    return parameters.codec_type == AVMEDIA_TYPE_SUBTITLE;
+}
+
+/// Streams of a millisecond clock may give the clock itself for their rate.
+bool IsFrameRate(AVRational rate) {
+    return IsPositive(rate) && av_q2d(rate) < 1000;
+}
+
+/// Whether the stream has a place on the time line that the others follow. A cover has none; subtitles tell their
+/// times on the line of the pictures and the sound, and may begin long after it.
+bool IsTimed(const AVStream& stream) {
+    const AVMediaType type = stream.codecpar->codec_type;
+    return (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO) && !IsAttachedPicture(stream);
+}
+
+}  // namespace
+
+bool IsAttachedPicture(const AVStream& stream) {
+    return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
+}
+
+bool IsText(AVCodecID codec) {
+    const AVCodecDescriptor* const descriptor = avcodec_descriptor_get(codec);
+    return descriptor != nullptr && (descriptor->props & AV_CODEC_PROP_TEXT_SUB) != 0;
+}
+
+double Input::Duration() const {
+    if (m_context->duration > 0) return static_cast<double>(m_context->duration) / AV_TIME_BASE;
+    double longest = 0;
+    for (unsigned i = 0; i < m_context->nb_streams; ++i) {
+        const AVStream& stream = *m_context->streams[i];
+        if (stream.duration == AV_NOPTS_VALUE) continue;
+        longest = std::max(longest, static_cast<double>(stream.duration) * av_q2d(stream.time_base));
+    }
+    return longest;
+}
+
+const AVStream* Input::BestStream(AVMediaType type, int related) const {
+    const int best = av_find_best_stream(m_context.get(), type, -1, related, nullptr, 0);
+    if (best >= 0) {
+        const AVStream& stream = *m_context->streams[best];
+        if (IsDecodable(stream) && !IsAttachedPicture(stream)) return &stream;
+    }
+    const AVStream* picture = nullptr;
+    for (unsigned i = 0; i < m_context->nb_streams; ++i) {
+        const AVStream& stream = *m_context->streams[i];
+        if (stream.codecpar->codec_type != type || !IsDecodable(stream)) continue;
+        if (!IsAttachedPicture(stream)) return &stream;
+        if (picture == nullptr) picture = &stream;
+    }
+    return picture;
+}
+
+const AVStream& Input::Select(int index, AVMediaType type) {
+    if (!Exists(index) || m_context->streams[index]->codecpar->codec_type != type) {
+        throw MediaError(m_name + " has no " + av_get_media_type_string(type) + " stream " + std::to_string(index));
+    }
+    return Select(index);
+}
+
+const AVStream& Input::Select(int index) {
+    if (!Exists(index)) throw MediaError(m_name + " has no stream " + std::to_string(index));
+    if (m_selected.empty()) {
+        for (unsigned i = 0; i < m_context->nb_streams; ++i) m_context->streams[i]->discard = AVDISCARD_ALL;
+    }
+    m_selected.push_back(index);
+    m_context->streams[index]->discard = AVDISCARD_DEFAULT;
+    return *m_context->streams[index];
+}
+
+std::int64_t Input::StartTime() const {
+    std::int64_t selected = AV_NOPTS_VALUE;
+    std::int64_t any = AV_NOPTS_VALUE;
+    for (int index = 0; index < static_cast<int>(m_context->nb_streams); ++index) {
+        const AVStream& stream = *m_context->streams[index];
+        if (!IsTimed(stream) || stream.start_time == AV_NOPTS_VALUE) continue;
+        const std::int64_t start = av_rescale_q(stream.start_time, stream.time_base, av_get_time_base_q());
+        const auto take = [&](std::int64_t& earliest) {
+            earliest = earliest == AV_NOPTS_VALUE ? start : std::min(earliest, start);
+        };
+        take(any);
+        if (std::find(m_selected.begin(), m_selected.end(), index) != m_selected.end()) take(selected);
+    }
+    const std::int64_t earliest = selected == AV_NOPTS_VALUE ? any : selected;
+    return earliest == AV_NOPTS_VALUE ? 0 : earliest;
+}
+
+AVRational Input::FrameRate(const AVStream& stream) const {
+    const AVRational guess = av_guess_frame_rate(m_context.get(), Mutable(stream), nullptr);
+    if (IsFrameRate(guess)) return guess;
+    return IsFrameRate(stream.avg_frame_rate) ? stream.avg_frame_rate : AVRational{25, 1};
+}
+
+bool Input::Read(AVPacket& packet) {
+    // A damaged file may give an error where a packet should be and go on behind it.
+    constexpr int patience = 100;
+    int result = 0;
+    for (int failures = 0; failures < patience; ++failures) {
+        av_packet_unref(&packet);
+        result = av_read_frame(m_context.get(), &packet);
+        if (result >= 0) return true;
+        if (result != AVERROR_INVALIDDATA && result != AVERROR(EAGAIN)) break;
+    }
+    // A disk that fails looks like the end of the file to some demuxers.
+    if (result == AVERROR_EOF && m_context->pb != nullptr && m_context->pb->error < 0) result = m_context->pb->error;
+    if (result != AVERROR_EOF) Fail("cannot read " + m_name, result);
+    return false;
+}
+
+Input::Context Input::Open(const std::string& path) {
+    AVFormatContext* context = nullptr;  // avformat_open_input frees it where it fails
+    const int result = avformat_open_input(&context, FileUrl(path).c_str(), nullptr, nullptr);
+    if (result < 0) Fail("cannot open " + Quoted(path), result);
+    return Context(context);
+}
+
+VideoSource DescribeVideo(const Input& input, const AVStream& stream) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    const char* const format = av_get_pix_fmt_name(static_cast<AVPixelFormat>(parameters.format));
+    VideoSource source;
+    source.streamIndex = stream.index;
+    source.codecId = avcodec_get_name(parameters.codec_id);
+    source.width = parameters.width;
+    source.height = parameters.height;
+    source.sampleAspect = ToFraction(input.SampleAspect(stream, nullptr));
+    source.frameRate = ToFraction(input.FrameRate(stream));
+    source.pixelFormat = format != nullptr ? format : "";
+    source.codecTag = parameters.codec_tag;
+    source.codecDataSize = static_cast<std::size_t>(parameters.extradata_size);
+    source.isAttachedPicture = IsAttachedPicture(stream);
+    return source;
+}
+
+AudioSource DescribeAudio(const AVStream& stream) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    const char* const format = av_get_sample_fmt_name(static_cast<AVSampleFormat>(parameters.format));
+    AudioSource source;
+    source.streamIndex = stream.index;
+    source.codecId = avcodec_get_name(parameters.codec_id);
+    source.sampleRate = parameters.sample_rate;
+    source.channels = parameters.ch_layout.nb_channels;
+    source.layout = ChannelLayout(parameters.ch_layout).Name();
+    source.sampleFormat = format != nullptr ? format : "";
+    source.codecTag = parameters.codec_tag;
+    source.codecDataSize = static_cast<std::size_t>(parameters.extradata_size);
+    return source;
+}
+
+SubtitleSource DescribeSubtitle(const AVStream& stream) {
+    SubtitleSource source;
+    source.streamIndex = stream.index;
+    source.codecId = avcodec_get_name(stream.codecpar->codec_id);
+    source.isText = IsText(stream.codecpar->codec_id);
+    return source;
+}
+
+}  // namespace NorvexExport::Media

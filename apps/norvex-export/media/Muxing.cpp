@@ -1,0 +1,145 @@
+#include "Muxing.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
+
+extern "C" {
+#include <libavutil/dict.h>
+#include <libavutil/opt.h>
+}
+
+#include "Encoding.h"
+
+namespace NorvexExport::Media {
+
+Muxer::Muxer(const std::string& container, const Options& options, const PendingFile& file)
+    : Muxer(container, file.QuotedName(), FileUrl(file.Path())) {
+    for (const auto& [name, value] : options) {
+        const int result = av_opt_set(m_context.get(), name.c_str(), value.c_str(), AV_OPT_SEARCH_CHILDREN);
+        if (result < 0) Fail("the container " + Quoted(container) + " does not take " + name + "=" + value, result);
+    }
+    if (m_isOnePicture) {
+        // It opens the file by itself, and must not take the name for that of a series.
+        Check(av_opt_set_int(m_context->priv_data, "update", 1, 0), "cannot set up the container");
+        return;
+    }
+    if ((m_context->oformat->flags & AVFMT_NOFILE) != 0) {
+        throw MediaError("the container " + Quoted(container) + " is not written to a file");
+    }
+    CheckWriting(avio_open(&m_context->pb, m_context->url, AVIO_FLAG_WRITE));
+}
+
+int Muxer::AddStream(const AVCodecContext& encoder) {
+    AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
+    if (stream == nullptr) throw std::bad_alloc();
+    Check(avcodec_parameters_from_context(stream->codecpar, &encoder), "cannot describe a stream");
+    stream->time_base = encoder.time_base;
+    stream->avg_frame_rate = encoder.framerate;
+    stream->sample_aspect_ratio = encoder.sample_aspect_ratio;
+    return stream->index;
+}
+
+int Muxer::AddCopy(const AVStream& source, const AVCodecParameters& sourceParameters, AVRational frameRate) {
+    AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
+    if (stream == nullptr) throw std::bad_alloc();
+    AVCodecParameters& parameters = *stream->codecpar;
+    Check(avcodec_parameters_copy(&parameters, &sourceParameters), "cannot describe a stream");
+    // Containers call codecs by names of their own, some by more than one: 'hvc1' and 'hev1' differ.
+    const AVCodecTag* const* const tags = m_context->oformat->codec_tag;
+    const bool holdsTag = tags != nullptr && av_codec_get_id(tags, parameters.codec_tag) == parameters.codec_id;
+    // One name may also tell the form of the packets.
+    const bool isReformed = PacketFilterFor(*source.codecpar) != nullptr;
+    if (!holdsTag || isReformed) parameters.codec_tag = 0;
+    // What one container says of the size of these packets is wrong in another.
+    const bool isOfBlocks = parameters.codec_id != AV_CODEC_ID_MP3 && parameters.codec_id != AV_CODEC_ID_AC3;
+    if (!isOfBlocks) parameters.block_align = 0;
+    CopySideData(source, *stream);
+    Check(av_dict_copy(&stream->metadata, source.metadata, 0), "cannot describe a stream");
+    stream->disposition = source.disposition;
+    stream->sample_aspect_ratio = source.sample_aspect_ratio;
+    stream->avg_frame_rate = source.avg_frame_rate;
+    stream->r_frame_rate = source.r_frame_rate;
+    stream->time_base = source.time_base;
+    if (parameters.codec_type == AVMEDIA_TYPE_SUBTITLE) stream->time_base = subtitleClock;
+    // A container of a steady rate takes the clock for it.
+    const bool isSteady = (m_context->oformat->flags & AVFMT_VARIABLE_FPS) == 0;
+    if (parameters.codec_type == AVMEDIA_TYPE_VIDEO && isSteady) {
+        stream->avg_frame_rate = frameRate;
+        stream->time_base = av_inv_q(frameRate);
+    }
+    return stream->index;
+}
+
+void Muxer::MarkCover(int stream) {
+    m_context->streams[stream]->disposition |= AV_DISPOSITION_ATTACHED_PIC;
+    // By this remark the muxers of sound files tell a front cover from pictures of no known kind.
+    Check(av_dict_set(&m_context->streams[stream]->metadata, "comment", "Cover (front)", 0),
+          "cannot describe a stream");
+}
+
+void Muxer::Begin() {
+    if (m_isOnePicture) RequireOnePicture();
+    const int result = avformat_write_header(m_context.get(), nullptr);
+    if (result >= 0) return;
+    for (unsigned i = 0; i < m_context->nb_streams; ++i) {
+        const AVCodecID codec = m_context->streams[i]->codecpar->codec_id;
+        if (avformat_query_codec(m_context->oformat, codec, FF_COMPLIANCE_NORMAL) != 0) continue;
+        throw MediaError("the container " + Quoted(m_context->oformat->name) + " does not hold " +
+                         Quoted(avcodec_get_name(codec)));
+    }
+    CheckWriting(result);
+}
+
+void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase) {
+    if (m_isOnePicture && m_packets > 0) FailAsOnePicture();
+    ++m_packets;
+    packet.stream_index = stream;
+    packet.pos = -1;
+    av_packet_rescale_ts(&packet, timeBase, m_context->streams[stream]->time_base);
+    CheckWriting(av_interleaved_write_frame(m_context.get(), &packet));
+}
+
+void Muxer::Finish() {
+    CheckWriting(av_write_trailer(m_context.get()));
+    if (m_context->pb == nullptr) return;
+    avio_flush(m_context->pb);
+    CheckWriting(m_context->pb->error);
+    CheckWriting(avio_closep(&m_context->pb));
+}
+
+Muxer::Muxer(const std::string& container, const std::string& quotedName, const std::string& url)
+    : m_name(quotedName), m_isOnePicture(container == "image2") {
+    const AVOutputFormat* const format = av_guess_format(container.c_str(), nullptr, nullptr);
+    if (format == nullptr) throw MediaError("this FFmpeg has no muxer " + Quoted(container));
+    AVFormatContext* context = nullptr;
+    Check(avformat_alloc_output_context2(&context, format, nullptr, url.c_str()), "cannot set up the container");
+    m_context.reset(context);
+    // What a decoder of an MPEG stream has between a packet's arrival and its turn; without it there is none.
+    m_context->max_delay = 7 * AV_TIME_BASE / 10;
+    // What may go in is settled before; the muxer says that it carries even what it then calls experimental.
+    m_context->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
+}
+
+void Muxer::CopySideData(const AVStream& source, AVStream& stream) {
+#if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
+    for (int i = 0; i < source.nb_side_data; ++i) {
+        const AVPacketSideData& data = source.side_data[i];
+        std::uint8_t* const copy = av_stream_new_side_data(&stream, data.type, data.size);
+        if (copy == nullptr) throw std::bad_alloc();
+        std::copy_n(data.data, data.size, copy);
+    }
+#else
+    (void)source;
+    (void)stream;
+#endif
+}
+
+void Muxer::RequireOnePicture() const {
+    if (m_context->nb_streams != 1) FailAsOnePicture();
+    // By the name of its file, the planes of a raw picture may go to files of their own.
+    if (m_context->streams[0]->codecpar->codec_id != AV_CODEC_ID_RAWVIDEO) return;
+    throw MediaError("the container " + Quoted(m_context->oformat->name) + " does not hold 'rawvideo'");
+}
+
+}  // namespace NorvexExport::Media

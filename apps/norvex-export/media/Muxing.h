@@ -1,0 +1,86 @@
+/// The container of the output.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+}
+
+#include "Basics.h"
+#include "Files.h"
+
+namespace NorvexExport::Media {
+
+class Muxer {
+public:
+    /// Writes the container to `file`.
+    Muxer(const std::string& container, const Options& options, const PendingFile& file);
+
+    /// Takes what it is given and keeps none of it.
+    static Muxer Discarding() { return Muxer("null", "nothing", ""); }
+
+    bool WantsGlobalHeader() const { return (m_context->oformat->flags & AVFMT_GLOBALHEADER) != 0; }
+
+    /// The number of a new stream. All streams are added before Begin().
+    int AddStream(const AVCodecContext& encoder);
+
+    /// The filter that brings the packets of a stream into the form that this container wants, null where none is
+    /// needed or where the muxer sees to it itself.
+    const char* PacketFilterFor(const AVCodecParameters& source) const {
+        const bool isPrefixed = source.extradata_size > 0 && source.extradata[0] == 1;  // rather than with start codes
+        return IsAvi() && source.codec_id == AV_CODEC_ID_H264 && isPrefixed ? "h264_mp4toannexb" : nullptr;
+    }
+
+    /// The same for a stream that goes over, of those parameters and with that rate of frames.
+    int AddCopy(const AVStream& source, const AVCodecParameters& sourceParameters, AVRational frameRate);
+
+    /// Says that the stream is the cover picture of the others.
+    void MarkCover(int stream);
+
+    void Begin();
+
+    /// Whether the container tells when pictures are shown, rather than only in which order they are decoded.
+    bool TellsTimes() const { return (m_context->oformat->flags & AVFMT_NOTIMESTAMPS) == 0 && !IsAvi(); }
+
+    /// Whether the packets of one stream must be of rising times rather than of times that do not fall.
+    bool WantsRisingTimes() const { return (m_context->oformat->flags & AVFMT_TS_NONSTRICT) == 0; }
+
+    /// The clock of a stream, known after Begin().
+    AVRational TimeBase(int stream) const { return m_context->streams[stream]->time_base; }
+
+    /// Takes the packet's content, and leaves it empty.
+    void Write(AVPacket& packet, int stream, AVRational timeBase);
+
+    /// Completes the file. Only then is it known that all of it was written.
+    void Finish();
+
+private:
+    Muxer(const std::string& container, const std::string& quotedName, const std::string& url);
+
+    /// Such as how the picture is to be turned. Newer versions keep it in the parameters.
+    static void CopySideData(const AVStream& source, AVStream& stream);
+
+    bool IsAvi() const { return std::string_view(m_context->oformat->name) == "avi"; }
+
+    void CheckWriting(int result) const {
+        if (result < 0) Fail("cannot write " + m_name, result);
+    }
+
+    void RequireOnePicture() const;
+
+    /// The next picture would take the place of the one before it.
+    [[noreturn]] void FailAsOnePicture() const {
+        throw MediaError("the container " + Quoted(m_context->oformat->name) + " holds one picture alone");
+    }
+
+    std::string m_name;
+    bool m_isOnePicture;
+    long long m_packets = 0;
+    std::unique_ptr<AVFormatContext, CloseOutput> m_context;
+};
+
+}  // namespace NorvexExport::Media
