@@ -70,7 +70,7 @@ public:
         for (const Property& filter : m_rules.filters) {
             CreateDataHelper(filter.GetName(), std::string())->ApplyPresetSettings(filter, stream);
         }
-        m_rules.codec.helper->ApplyPresetSettings(section, stream);
+        ApplyCodec(section, stream);
 
         StreamPlan plan;
         plan.asked = stream;
@@ -84,6 +84,21 @@ public:
     }
 
 private:
+    void ApplyCodec(const Property& section, Property& stream) const {
+        try {
+            m_rules.codec.helper->ApplyPresetSettings(section, stream);
+        } catch (const HelperException& error) {
+            const auto* const words = boost::get_error_info<TagDescription>(error);
+            throw RequestError("'" + m_rules.codec.id + "': " + (words ? *words : "these settings do not go together"));
+        } catch (const Core::PropertyException&) {
+            const auto mode = section.FindChild(IFormatCodec::TAG_BITRATE_MODE);
+            const bool isConstant =
+                mode != section.end() && *mode == Property(std::string(), IFormatCodec::TAG_BITRATE_MODE_CBR);
+            if (!isConstant || section.ChildExists(IFormatCodec::TAG_BITRATE)) throw;
+            throw RequestError("'" + m_rules.codec.id + "' needs a bitrate in the mode '" + mode->GetString() + "'");
+        }
+    }
+
     Property PresetOf(const Property& stream) const {
         std::vector<Property> sections = {m_rules.formatTree};
         sections.insert(sections.end(), m_rules.filters.begin(), m_rules.filters.end());

@@ -51,6 +51,7 @@ constexpr Reason g_reasons[] = {
     {"f4a",            "does not hold",      "system", "F4A offers what M4A carries"},
     {"matroska dts",   "'dca'",              "system", "DTS has no rules, and its default bitrate is too low for the encoder"},
     {"mka dts",        "'dca'",              "system", "DTS has no rules, and its default bitrate is too low for the encoder"},
+    {"hevc video_codec/encode_options/profile=main10", "allowed: main", "system", "the default preset goes with main"},
     {"avi flac",       "Invalid argument",   "FFmpeg", "its muxer says that it carries FLAC, and does not write it"},
     {"flv pcm_s16be",  "pcm_s16le",          "FFmpeg", "its demuxer knows one byte order"},
     {"mp4 mp2",        "mp3",                "FFmpeg", "MP4 has one number for both, and its demuxer takes it for MP3"},
@@ -86,10 +87,11 @@ public:
         std::ofstream(m_titles) << "1\n00:00:00,000 --> 00:00:00,800\nA line\n\n";
     }
 
-    /// A row: an export with these choices, over a name.
-    void Try(const std::string& what, const std::string& format, const std::vector<Choice>& choices, bool isTitles) {
+    /// A row: an export with these choices, under a name. What lies beside an edge may be corrected or refused.
+    void Try(const std::string& what, const std::string& format, const std::vector<Choice>& choices,
+             bool isBeside = false) {
         Request request;
-        request.input = isTitles ? m_titles : m_clip;
+        request.input = format == "srt" || format == "ass" || format == "ssa" ? m_titles : m_clip;
         request.output = (m_folder / ("out." + Extension(format))).string();
         request.choices = choices;
         request.choices.insert(request.choices.begin(),
@@ -110,6 +112,8 @@ public:
             failure = ReadBack(request.output, format, asked);
         } catch (const RequestError& error) {
             failure = error.what();
+            if (isBeside && failure.find("is not legal here") != std::string::npos)
+                return Print(what, "", "", "", "refused");
         } catch (const MediaError& error) {
             failure = error.what();
         }
@@ -164,8 +168,7 @@ private:
     }
 
     void Print(const std::string& what, const std::string& settled, const std::string& bitrates,
-               const std::string& failure) {
-        std::string verdict = "went";
+               const std::string& failure, std::string verdict = "went") {
         if (!failure.empty()) {
             const Reason* const reason = FindReason(what, failure);
             verdict = reason == nullptr ? "FAILED: " + failure
@@ -216,10 +219,10 @@ void SweepPairs(Sweep& sweep) {
         for (const Kind& kind : g_kinds) {
             for (const std::string& codec : CodecsOf(*helper, kind)) {
                 isTitles = false;
-                sweep.Try(format + " " + codec, format, {Chosen(kind.key + "/codec_id", Property("", codec))}, false);
+                sweep.Try(format + " " + codec, format, {Chosen(kind.key + "/codec_id", Property("", codec))});
             }
         }
-        if (isTitles) sweep.Try(format + " subtitles", format, {}, true);
+        if (isTitles) sweep.Try(format + " subtitles", format, {});
     }
 }
 
@@ -237,26 +240,33 @@ std::string CarrierOf(const std::string& codec, const Kind& kind) {
     return carrier;
 }
 
+struct Value {
+    Property value;
+    bool isBeside;  ///< an edge, and not allowed
+};
+
 /// All that a constraint lists, or the edges of its range, and what lies beside them.
-std::vector<Property> ValuesToTry(const IPropertyConstraint& constraint) {
+std::vector<Value> ValuesToTry(const IPropertyConstraint& constraint) {
     const Allowed allowed = WhatIsAllowed(constraint);
-    std::vector<Property> values = allowed.values;
+    std::vector<Value> values;
+    for (const Property& value : allowed.values) values.push_back({value, false});
     std::vector<Property> edges;
     if (allowed.min) edges.push_back(*allowed.min);
     if (allowed.max) edges.push_back(*allowed.max);
+    for (const Property& edge : edges) values.push_back({edge, false});
     for (const Property& value : allowed.values) {
         if (value.GetType() == PT_INT64) edges.push_back(value);
     }
-    values.insert(values.end(), edges.begin(), edges.end());
     if (edges.empty()) return values;
     const auto less = [](const Property& one, const Property& two) { return one.GetInt64() < two.GetInt64(); };
     const auto [low, high] = std::minmax_element(edges.begin(), edges.end(), less);
-    values.emplace_back("", low->GetInt64() - 1);
-    values.emplace_back("", high->GetInt64() + 1);
+    values.push_back({Property("", low->GetInt64() - 1), true});
+    values.push_back({Property("", high->GetInt64() + 1), true});
     return values;
 }
 
 void SweepValues(Sweep& sweep) {
+    const std::string resize = "filter_resize/resize/";
     for (const Kind& kind : g_kinds) {
         for (const auto& [codec, helper] : GetAvailableDataHelpers(kind.key)) {
             const std::string carrier = CarrierOf(codec, kind);
@@ -270,13 +280,25 @@ void SweepValues(Sweep& sweep) {
                 const bool isOfPreset =
                     key.compare(0, 7, "filter_") == 0 || key.compare(0, kind.key.size(), kind.key) == 0;
                 const std::string path = isOfPreset ? key : kind.key + "/" + key;
-                for (const Property& value : ValuesToTry(*constraint)) {
+                for (const auto& [value, isBeside] : ValuesToTry(*constraint)) {
                     if (value.GetType() == PT_NODE) continue;
                     std::vector<Choice> choices = {Chosen(kind.key + "/codec_id", Property("", codec)),
                                                    Chosen(path, value)};
                     // A bitrate is heeded in the mode that holds it.
                     if (path == kind.key + "/bitrate") {
                         choices.push_back(Chosen(kind.key + "/bitrate_mode", Property("", V::TAG_BITRATE_MODE_CBR)));
+                    }
+                    // A size counts where it is asked for.
+                    if (path.compare(0, resize.size(), resize) == 0) {
+                        choices.push_back(Chosen(resize + "frame_size_mode", Property("", "custom")));
+                    }
+                    // A mode needs its number, which not every codec starts with.
+                    const Property defaults = helper->GetDefaults();
+                    if (value == Property("", V::TAG_BITRATE_MODE_CBR) && !defaults.ChildExists(V::TAG_BITRATE)) {
+                        choices.push_back(Chosen(kind.key + "/bitrate", Property("", 2000000)));
+                    }
+                    if (value == Property("", V::TAG_BITRATE_MODE_VBR) && !defaults.ChildExists(V::TAG_QUALITY)) {
+                        choices.push_back(Chosen(kind.key + "/quality", Property("", 10)));
                     }
                     sweep.Try(fmt::format("{} {}={}", codec, path, Core::PropertyValueToString(value)), carrier,
                               choices, false);

@@ -211,9 +211,10 @@ void OpenEncoder(AVCodecContext& encoder, const Options& options) {
 Owned<AVCodecContext> NewEncoder(const AVCodec& codec, bool globalHeader) {
     Owned<AVCodecContext> encoder = Own(avcodec_alloc_context3(&codec));
     if (globalHeader) encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    // Such encoders open for those only who say that they know.
+    // What is legal is settled before. Some encoders refuse by default what they declare, such as MPEG-1's economy
+    // rates, and experimental ones open for those only who say that they know.
     const bool isExperimental = (codec.capabilities & AV_CODEC_CAP_EXPERIMENTAL) != 0;
-    if (isExperimental) encoder->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
+    encoder->strict_std_compliance = isExperimental ? FF_COMPLIANCE_EXPERIMENTAL : FF_COMPLIANCE_UNOFFICIAL;
     return encoder;
 }
 
