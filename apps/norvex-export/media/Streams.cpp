@@ -340,7 +340,7 @@ private:
     }
 
     /// How long an event stays that does not say when it ends, and that none is known to follow.
-    static constexpr std::int64_t endless = 5 * AV_TIME_BASE;
+    static constexpr std::int64_t endless = std::int64_t{5} * AV_TIME_BASE;
 
     const Input& m_input;
     const AVStream& m_stream;
