@@ -49,6 +49,19 @@ constexpr LayoutRow g_rows[] = {
     {{L::Hexadecagonal,      16, &A::TAG_CH_LAYOUT_HEXADECAGONAL},     AV_CH_LAYOUT_HEXADECAGONAL},
     {{L::StereoDownmix,       2, &A::TAG_CH_LAYOUT_STEREO_DOWNMIX},    AV_CH_LAYOUT_STEREO_DOWNMIX},
     {{L::L22Point2,          24, &A::TAG_CH_LAYOUT_22POINT2},          AV_CH_LAYOUT_22POINT2},
+    // What later majors of FFmpeg name, by numbers: the oldest one has no words for all of their channels.
+    {{L::L3Point1Point2,      6, &A::TAG_CH_LAYOUT_3POINT1POINT2},     0x500f},
+    {{L::L5Point1Point2,      8, &A::TAG_CH_LAYOUT_5POINT1POINT2},     0x560f},
+    {{L::L5Point1Point2Back,  8, &A::TAG_CH_LAYOUT_5POINT1POINT2_BACK}, 0x503f},
+    {{L::Cube,                8, &A::TAG_CH_LAYOUT_CUBE},              0x2d033},
+    {{L::L5Point1Point4,     10, &A::TAG_CH_LAYOUT_5POINT1POINT4},     0x2d60f},
+    {{L::L5Point1Point4Back, 10, &A::TAG_CH_LAYOUT_5POINT1POINT4_BACK}, 0x2d03f},
+    {{L::L7Point1Point2,     10, &A::TAG_CH_LAYOUT_7POINT1POINT2},     0x563f},
+    {{L::L7Point1Point4,     12, &A::TAG_CH_LAYOUT_7POINT1POINT4},     0x2d63f},
+    {{L::L7Point2Point3,     12, &A::TAG_CH_LAYOUT_7POINT2POINT3},     0x80001563f},
+    {{L::L9Point1Point4,     14, &A::TAG_CH_LAYOUT_9POINT1POINT4},     0x2d6ff},
+    {{L::L9Point1Point6,     16, &A::TAG_CH_LAYOUT_9POINT1POINT6},     0x300002d6ff},
+    {{L::Binaural,            2, &A::TAG_CH_LAYOUT_BINAURAL},          0x6000000000000000},
 };
 // clang-format on
 

@@ -1,6 +1,27 @@
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 
+extern "C" {
+#include <libavutil/channel_layout.h>
+}
+
+#include <cstdint>
+#include <cstring>
+
 namespace Norvex::Conf {
+
+namespace {
+
+/// FFmpeg's name of a layout, or another where it has none.
+std::string NameOf(std::uint64_t mask, const char* otherwise) {
+    AVChannelLayout layout{};
+    char name[64] = "";
+    if (av_channel_layout_from_mask(&layout, mask) < 0) return otherwise;
+    const int length = av_channel_layout_describe(&layout, name, sizeof name);
+    // A layout without a name is told channel by channel.
+    return length > 0 && std::strchr(name, ' ') == nullptr ? name : otherwise;
+}
+
+}  // namespace
 
 const std::string IFormatCodecAudio::CODEC_ID_AAC = "aac";
 const std::string IFormatCodecAudio::CODEC_ID_AC3 = "ac3";
@@ -66,6 +87,18 @@ const std::string IFormatCodecAudio::TAG_CH_LAYOUT_STEREO = "stereo";
 const std::string IFormatCodecAudio::TAG_CH_LAYOUT_STEREO_DOWNMIX = "downmix";
 const std::string IFormatCodecAudio::TAG_CH_LAYOUT_SURROUND = "3.0";
 const std::string IFormatCodecAudio::TAG_CH_LAYOUT_UNKNOWN = "unknown";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_3POINT1POINT2 = "3.1.2";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_5POINT1POINT2 = NameOf(0x560f, "5.1.2(side)");
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_5POINT1POINT2_BACK = NameOf(0x503f, "5.1.2(back)");
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_5POINT1POINT4 = NameOf(0x2d60f, "5.1.4(side)");
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_5POINT1POINT4_BACK = NameOf(0x2d03f, "5.1.4(back)");
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_7POINT1POINT2 = "7.1.2";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_7POINT1POINT4 = "7.1.4";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_7POINT2POINT3 = "7.2.3";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_9POINT1POINT4 = "9.1.4";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_9POINT1POINT6 = "9.1.6";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_BINAURAL = "binaural";
+const std::string IFormatCodecAudio::TAG_CH_LAYOUT_CUBE = "cube";
 
 const std::string IFormatCodecAudio::TAG_AAC_PROFILE_ELD = "aac_eld";
 const std::string IFormatCodecAudio::TAG_AAC_PROFILE_HE = "aac_he";

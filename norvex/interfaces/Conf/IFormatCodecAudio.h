@@ -79,6 +79,20 @@ public:
     static const std::string TAG_CH_LAYOUT_STEREO_DOWNMIX;
     static const std::string TAG_CH_LAYOUT_SURROUND;
     static const std::string TAG_CH_LAYOUT_UNKNOWN;
+    // Layouts with channels above. Two majors of FFmpeg mean different ones by "5.1.2" and by "5.1.4": the names of
+    // these four are those of the FFmpeg that is running.
+    static const std::string TAG_CH_LAYOUT_3POINT1POINT2;
+    static const std::string TAG_CH_LAYOUT_5POINT1POINT2;
+    static const std::string TAG_CH_LAYOUT_5POINT1POINT2_BACK;
+    static const std::string TAG_CH_LAYOUT_5POINT1POINT4;
+    static const std::string TAG_CH_LAYOUT_5POINT1POINT4_BACK;
+    static const std::string TAG_CH_LAYOUT_7POINT1POINT2;
+    static const std::string TAG_CH_LAYOUT_7POINT1POINT4;
+    static const std::string TAG_CH_LAYOUT_7POINT2POINT3;
+    static const std::string TAG_CH_LAYOUT_9POINT1POINT4;
+    static const std::string TAG_CH_LAYOUT_9POINT1POINT6;
+    static const std::string TAG_CH_LAYOUT_BINAURAL;
+    static const std::string TAG_CH_LAYOUT_CUBE;
 
     // AAC profiles (ISO/IEC 14496-3 object types) by FFmpeg's names.
     static const std::string TAG_AAC_PROFILE_ELD;

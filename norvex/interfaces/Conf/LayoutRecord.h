@@ -39,6 +39,18 @@ enum class ChannelLayout : std::int32_t {
     Hexadecagonal,
     StereoDownmix,
     L22Point2,
+    L3Point1Point2,
+    L5Point1Point2,
+    L5Point1Point2Back,
+    Cube,
+    L5Point1Point4,
+    L5Point1Point4Back,
+    L7Point1Point2,
+    L7Point1Point4,
+    L7Point2Point3,
+    L9Point1Point4,
+    L9Point1Point6,
+    Binaural,
 };
 
 namespace Conf {
