@@ -10,6 +10,8 @@ target_compile_options(norvex_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     # A product and a sum fused into one rounding would break ties between distances differently from machine to machine.
     -ffp-contract=off
+    # No host replaces a function of the library, so that its own may be inlined.
+    -fno-semantic-interposition
     # What a thrown exception says of its file stays the same wherever it was built.
     -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(NORVEX_WERROR)

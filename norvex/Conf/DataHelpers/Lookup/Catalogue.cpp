@@ -118,7 +118,12 @@ std::map<std::string, std::string> KindAliases() {
     };
 }
 
-Table Formats() {
+// clang-format on
+
+}  // namespace
+
+// clang-format off
+IDataHelper::DataHelperMap MakeFormatTable() {
     return {
         // id                                                             ipod   m4v
         {F::FORMAT_MP4,         DataHelperFormatMp4::Create(F::FORMAT_MP4,     false, false)},
@@ -189,15 +194,13 @@ Table Formats() {
 }
 // clang-format on
 
-}  // namespace
-
 const Catalogue& GetCatalogue() {
     static const Catalogue catalogue = {AudioCodecs(), VideoCodecs(), Filters(), KindAliases()};
     return catalogue;
 }
 
 const IDataHelper::DataHelperMap& GetFormatTable() {
-    static const Table formats = Formats();
+    static const Table formats = MakeFormatTable();
     return formats;
 }
 

@@ -21,4 +21,7 @@ const Catalogue& GetCatalogue();
 /// Format helpers by container id, built on the first request, since formats ask for the encoder census.
 const IDataHelper::DataHelperMap& GetFormatTable();
 
+/// New format helpers, by the census as it is now.
+IDataHelper::DataHelperMap MakeFormatTable();
+
 }  // namespace Norvex::Conf

@@ -1,0 +1,50 @@
+// What a process pays once: loading the library, and the first lookup. Each figure is of a process of its own.
+
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+
+#include "Row.h"
+
+namespace NorvexBench {
+
+namespace {
+
+struct Load {
+    double ffmpeg, empty, library, lookup;  ///< seconds
+    double bytes;
+};
+
+Load LoadOnce() {
+    static const std::string command = std::string(NORVEX_LOAD_PROBE) + ' ' + NORVEX_LIBAVCODEC + ' ' +
+                                       NORVEX_LIBAVFORMAT + ' ' + NORVEX_EMPTY_LIBRARY + ' ' + NORVEX_LIBRARY;
+    std::FILE* const pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) throw std::runtime_error("the libraries did not load");
+    Load load{};
+    const int read =
+        std::fscanf(pipe, "%lf %lf %lf %lf %lf", &load.ffmpeg, &load.empty, &load.library, &load.lookup, &load.bytes);
+    if (pclose(pipe) != 0 || read != 5) throw std::runtime_error("the libraries did not load");
+    return load;
+}
+
+/// The least of three processes: what caches lost to other programs is no cost of the library.
+Measurement Of(double Load::*part) {
+    return [part] { return std::min({LoadOnce().*part, LoadOnce().*part, LoadOnce().*part}); };
+}
+
+}  // namespace
+
+std::vector<Row> LoadingRows() {
+    // Pages come in batches, of which the system has its own mind: the most of three.
+    const Measurement mostBytes = [] { return std::max({LoadOnce().bytes, LoadOnce().bytes, LoadOnce().bytes}); };
+    return {
+        {"load.library", "loading the library", "loading FFmpeg's", 0.025, Of(&Load::library), Of(&Load::ffmpeg)},
+        // The dynamic linker walks through all that FFmpeg needs for whatever stands on it.
+        {"load.empty", "loading the library", "an empty one on FFmpeg's", 2.0, Of(&Load::library), Of(&Load::empty)},
+        {"load.lookup", "the first lookup of a codec", "loading FFmpeg's", 0.05, Of(&Load::lookup), Of(&Load::ffmpeg)},
+        {"load.resident", "memory of the library", "2 MB", 1.0, Of(&Load::bytes), Measurement([] { return 2e6; }),
+         true},
+    };
+}
+
+}  // namespace NorvexBench
