@@ -754,9 +754,11 @@ TEST_F(MediaFailure, SubtitlesKeepTheirTimesAndWords) {
                 job.subtitle = SubtitleJob{Probe(Path(input)).subtitle->streamIndex, Words(row)[1]};
                 EXPECT_EQ(RunExport(job, Ignore).subtitles, 4);
                 const Content content = ReadContent(job.outputPath);
-                // The first samples of the sound move all streams where the container cannot say to skip them.
-                const bool isMoved = isWhole || input == "out.matroska";
-                EXPECT_EQ(content.titles, Words(row)[1] == "mov_text" ? oneAtATime : isMoved ? moved : all);
+                // The first samples of the sound move all streams where the container cannot say to skip them, as
+                // Matroska's muxer could not before FFmpeg 6.
+                const bool mayBeMoved = isWhole || input == "out.matroska";
+                const std::string& unmoved = Words(row)[1] == "mov_text" ? oneAtATime : all;
+                EXPECT_TRUE(content.titles == unmoved || (mayBeMoved && content.titles == moved)) << content.titles;
                 EXPECT_NEAR(content.PictureMark(), isWhole ? 0.4 : -1, 0.041);
             }
         }

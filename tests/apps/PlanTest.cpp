@@ -192,8 +192,8 @@ INSTANTIATE_TEST_SUITE_P(
                 [](Request& r, InputInfo&) { r.choices = {Chosen("video_codec/codec_id", "aac", "--video")}; },
                 "does not carry the codec 'aac'"},
         Refusal{"CodecTheFormatRefuses",
-                [](Request& r, InputInfo&) { r.choices = {Chosen("audio_codec/codec_id", "pcm_s16le", "--audio")}; },
-                "does not carry the codec 'pcm_s16le'; it carries "},
+                [](Request& r, InputInfo&) { r.choices = {Chosen("audio_codec/codec_id", "wmav2", "--audio")}; },
+                "does not carry the codec 'wmav2'; it carries "},
         Refusal{"NoPicture",
                 [](Request& r, InputInfo& i) {
                     i.video.reset(), r.choices = {Chosen("video_codec/codec_id", "h264", "--video")};
@@ -265,6 +265,7 @@ Plan PlanOf(const std::string& format, std::vector<Choice> choices, InputInfo in
 TEST_F(PlanTest, TellsWhatIsCopiedLeftOutOrBroughtToAForm) {
     InputInfo film = Film(), stored = Film(), cover = Film(), titled = Film(), half = Film();
     film.video->frameRate = {25, 1};
+    film.audio->codecId = cover.audio->codecId = "wmav2";  // which no major of FFmpeg puts into MP4
     stored.video->codecId = "h264", stored.video->codecDataSize = 40, stored.video->pixelFormat = "yuv420p";
     stored.audio->codecId = "aac", stored.audio->codecDataSize = 5;
     cover.video->isAttachedPicture = true;
@@ -283,11 +284,11 @@ TEST_F(PlanTest, TellsWhatIsCopiedLeftOutOrBroughtToAForm) {
         {PlanOf("mp4", rate, stored, true),
          "video: copied\naudio: aac\nThe sound is encoded, since something was asked of it.\n"},
         {PlanOf("mp4", {}, film, true),
-         "video: copied\naudio: aac\n'mp4' does not take the sound (pcm_s16le) as it is; it is encoded.\n"},
+         "video: copied\naudio: aac\n'mp4' does not take the sound (wmav2) as it is; it is encoded.\n"},
         {PlanOf("mp3", {}, cover), "video: mjpeg\naudio: mp3\n"},
         {PlanOf("flac", {Codec("video", "png")}, film), "video: png\naudio: flac\n"},
         {PlanOf("m4a", {}, cover, true),
-         "video: mjpeg\naudio: aac\n'm4a' does not take the sound (pcm_s16le) as it is; it is encoded.\n"},
+         "video: mjpeg\naudio: aac\n'm4a' does not take the sound (wmav2) as it is; it is encoded.\n"},
         {PlanOf("mp3", {}, film), "audio: mp3\n'mp3" + holdsSound},
         {PlanOf("png", {}, film), "video: png\n'png' holds no sound; it is left out.\n"},
         {PlanOf("srt", {}, titled), "subtitles: srt\n"},
