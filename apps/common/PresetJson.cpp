@@ -44,13 +44,21 @@ bool LooksLikeRatio(const std::string& text) {
 
 // ------------------------------------------------------------------------------------------------------ writing
 
-Json Special(const char* name, Json value) {
+// `room` is how many objects and lists may still be opened in one another, so that what is written can be read again,
+// and no tree is too deep for the stack.
+
+void RequireRoom(int room) {
+    if (room < 1) throw PresetError("the preset is too deep to be written");
+}
+
+Json Special(const char* name, Json value, int room) {
+    RequireRoom(room);
     Json object = Json::object();
     object[name] = std::move(value);
     return object;
 }
 
-Json TextToJson(const std::string& text) {
+Json TextToJson(const std::string& text, int room) {
     if (!IsUtf8(text)) {
         constexpr char digits[] = "0123456789abcdef";
         std::string hex;
@@ -59,14 +67,14 @@ Json TextToJson(const std::string& text) {
             hex += digits[byte >> 4];
             hex += digits[byte & 15];
         }
-        return Special("$bytes", hex);
+        return Special("$bytes", hex, room);
     }
-    return LooksLikeRatio(text) ? Special("$text", text) : Json(text);
+    return LooksLikeRatio(text) ? Special("$text", text, room) : Json(text);
 }
 
-Json DoubleToJson(double value) {
-    if (std::isnan(value)) return Special("$double", "nan");
-    if (std::isinf(value)) return Special("$double", value > 0 ? "inf" : "-inf");
+Json DoubleToJson(double value, int room) {
+    if (std::isnan(value)) return Special("$double", "nan", room);
+    if (std::isinf(value)) return Special("$double", value > 0 ? "inf" : "-inf", room);
     return value;
 }
 
@@ -74,9 +82,10 @@ std::string RatioText(const Core::Ratio& ratio) {
     return std::to_string(ratio.numerator()) + '/' + std::to_string(ratio.denominator());
 }
 
-Json Write(const Property& node);
+Json Write(const Property& node, int room);
 
-Json ChildrenToJson(const Property& node) {
+Json ChildrenToJson(const Property& node, int room) {
+    RequireRoom(room);
     std::set<std::string> names;
     const bool isPlain = std::all_of(node.begin(), node.end(), [&names](const Property& child) {
         const std::string& name = child.GetName();
@@ -84,32 +93,35 @@ Json ChildrenToJson(const Property& node) {
     });
     if (isPlain) {
         Json object = Json::object();
-        for (const Property& child : node) object[child.GetName()] = Write(child);
+        for (const Property& child : node) object[child.GetName()] = Write(child, room - 1);
         return object;
     }
     Json list = Json::array();
-    for (const Property& child : node) list.push_back(Json::array({TextToJson(child.GetName()), Write(child)}));
-    return Special("$children", list);
+    const int within = room - 3;  // the object, the list and the pair
+    for (const Property& child : node) {
+        list.push_back(Json::array({TextToJson(child.GetName(), within), Write(child, within)}));
+    }
+    return Special("$children", list, room);
 }
 
-Json Write(const Property& node) {
+Json Write(const Property& node, int room) {
     switch (node.GetType()) {
         case PT_NONE:
-            return Special("$none", true);
+            return Special("$none", true, room);
         case PT_BOOL:
             return node.GetBool();
         case PT_DOUBLE:
-            return DoubleToJson(node.GetDouble());
+            return DoubleToJson(node.GetDouble(), room);
         case PT_INT64:
             return node.GetInt64();
         case PT_STRING:
-            return TextToJson(node.GetString());
+            return TextToJson(node.GetString(), room);
         case PT_RATIO:
             return RatioText(node.GetRatio());
         case PT_NODE:
             break;
     }
-    return ChildrenToJson(node);
+    return ChildrenToJson(node, room);
 }
 
 // ------------------------------------------------------------------------------------------------------ reading
@@ -442,7 +454,7 @@ std::string PresetDocument::PlaceOf(const std::string& path) const {
 std::string WritePreset(const Property& preset) {
     Json document = Json::object();
     document[g_versionKey] = g_presetVersion;
-    document[g_presetKey] = Write(preset);
+    document[g_presetKey] = Write(preset, g_deepest - 1);
     return document.dump(2) + '\n';
 }
 

@@ -33,6 +33,7 @@ constexpr int g_presetVersion = 1;
 ///   {"$text": "1/2"} for a text that looks like a ratio, {"$bytes": "ff00"} for one that is not UTF-8,
 ///   {"$double": "nan"} (also "inf" and "-inf"), {"$none": true} for a node without a value, and
 ///   {"$children": [["name", value], ...]} for a node whose names repeat or begin with "$".
+/// Throws PresetError for a preset so deep that ReadPreset would refuse it.
 std::string WritePreset(const Norvex::Core::Property& preset);
 
 /// Throws PresetError for a text that is damaged or of another version.

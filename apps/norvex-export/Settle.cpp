@@ -53,8 +53,8 @@ NamedHelper FindAutomatic(const std::string& kind, const std::string& id) {
 
 class Settler {
 public:
-    explicit Settler(const StreamRules& rules) : m_rules(rules), m_sections({rules.codec.kind}) {
-        m_helpers = {rules.format, rules.codec};
+    explicit Settler(const StreamRules& rules)
+        : m_rules(rules), m_sections({rules.codec.kind}), m_helpers({rules.format, rules.codec}) {
         for (const Property& filter : rules.filters) {
             m_sections.push_back(filter.GetName());
             // The resampler's own lists are what a dialog offers; a source's rate or layout beyond them is no fault.

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace Norvex::Core {
 
@@ -52,9 +53,53 @@ bool ParseNumber(std::string_view text, Number& value) noexcept {
     return error == std::errc() && last == end;
 }
 
+std::string ScalarText(const Property& property) {
+    switch (property.GetType()) {
+        case PT_NONE:
+        case PT_NODE:
+            return {};
+        case PT_BOOL:
+            return property.GetBool() ? "true" : "false";
+        case PT_DOUBLE:
+            return NumberText(property.GetDouble());
+        case PT_INT64:
+            return NumberText(property.GetInt64());
+        case PT_STRING:
+            return property.GetString();
+        case PT_RATIO:
+            break;
+    }
+    const Ratio ratio = property.GetRatio();
+    return NumberText(ratio.numerator()) + '/' + NumberText(ratio.denominator());
+}
+
 }  // namespace
 
 Property::Property(std::string name) : m_name(std::move(name)), m_value(Node{}) {}
+
+// Trees come from files too, and may be deeper than the stack: copies, destruction and comparisons keep lists of their
+// own of what is still to be done.
+
+Property::Property(const Property& other) : m_name(other.m_name), m_value(other.m_value) {
+    if (other.m_children.empty()) return;
+    std::vector<std::pair<const Property*, Property*>> open = {{&other, this}};
+    while (!open.empty()) {
+        const auto [source, target] = open.back();
+        open.pop_back();
+        for (const Property& child : source->m_children) {
+            Property& copy = target->m_children.emplace_back(child.m_name);
+            copy.m_value = child.m_value;
+            if (!child.m_children.empty()) open.emplace_back(&child, &copy);
+        }
+    }
+}
+
+void Property::RemoveAll() noexcept {
+    while (!m_children.empty()) {
+        m_children.splice(m_children.end(), m_children.front().m_children);
+        m_children.pop_front();
+    }
+}
 
 Property& Property::operator=(const Property& other) {
     Property copy(other);
@@ -72,14 +117,13 @@ Property& Property::operator=(Property&& other) noexcept {
 
 void Property::AssignValue(Value&& value) {
     m_value = std::move(value);
-    m_children.clear();
+    RemoveAll();
 }
 
 void Property::CopyDataFrom(const Property& other) {
-    Value value(other.m_value);
-    Children children(other.m_children);
-    m_value.swap(value);
-    m_children.swap(children);
+    Property copy(other);
+    m_value.swap(copy.m_value);
+    m_children.swap(copy.m_children);
 }
 
 bool Property::IsEmpty() const noexcept {
@@ -186,10 +230,18 @@ void Property::RemoveChild(std::string_view name) {
 }
 
 bool Property::operator==(const Property& other) const {
-    const auto sameChild = [](const Property& one, const Property& two) {
-        return one.m_name == two.m_name && one == two;
-    };
-    return m_value == other.m_value && std::equal(begin(), end(), other.begin(), other.end(), sameChild);
+    if (m_children.empty() && other.m_children.empty()) return m_value == other.m_value;
+    std::vector<std::pair<const Property*, const Property*>> open = {{this, &other}};
+    while (!open.empty()) {
+        const auto [one, two] = open.back();
+        open.pop_back();
+        if (!(one->m_value == two->m_value) || one->Count() != two->Count()) return false;
+        for (auto i = one->begin(), j = two->begin(); i != one->end(); ++i, ++j) {
+            if (i->m_name != j->m_name) return false;
+            open.emplace_back(&*i, &*j);
+        }
+    }
+    return true;
 }
 
 void Property::RequireNode(const char* method, const boost::source_location& where) const {
@@ -201,30 +253,29 @@ void Property::RequireNode(const char* method, const boost::source_location& whe
 }
 
 std::string PropertyValueToString(const Property& property) {
-    switch (property.GetType()) {
-        case PT_NONE:
-            return {};
-        case PT_BOOL:
-            return property.GetBool() ? "true" : "false";
-        case PT_DOUBLE:
-            return NumberText(property.GetDouble());
-        case PT_INT64:
-            return NumberText(property.GetInt64());
-        case PT_STRING:
-            return property.GetString();
-        case PT_RATIO: {
-            const Ratio ratio = property.GetRatio();
-            return NumberText(ratio.numerator()) + '/' + NumberText(ratio.denominator());
-        }
-        case PT_NODE:
-            break;
-    }
+    if (property.GetType() != PT_NODE) return ScalarText(property);
     std::string text = "{";
-    for (const Property& child : property) {
-        if (text.size() > 1) text += ", ";
-        text += child.GetName() + ": " + PropertyValueToString(child);
+    // The nodes whose braces are open, each with the child that comes next.
+    std::vector<std::pair<const Property*, Property::const_iterator>> open = {{&property, property.begin()}};
+    while (!open.empty()) {
+        auto& [node, next] = open.back();
+        if (next == node->end()) {
+            text += '}';
+            open.pop_back();
+            continue;
+        }
+        if (next != node->begin()) text += ", ";
+        const Property& child = *next++;
+        text += child.GetName();
+        text += ": ";
+        if (child.GetType() == PT_NODE) {
+            text += '{';
+            open.emplace_back(&child, child.begin());
+        } else {
+            text += ScalarText(child);
+        }
     }
-    return text + '}';
+    return text;
 }
 
 std::optional<Ratio> ParseRatio(std::string_view text) noexcept {

@@ -54,7 +54,7 @@ using Scalar = typename ScalarOf<T>::Type;
 /// A node of a settings tree: a name, and either one scalar or children in the order in which they were added.
 ///
 /// A node owns its subtree by value. A reference to a child holds until that child is removed. A tree belongs to
-/// one thread at a time.
+/// one thread at a time. It may be as deep as memory allows: nothing of the library walks one by recursion.
 ///
 /// A path is tags joined by SEPARATOR; a single tag is a path of one step, and an empty path or an empty step
 /// leads nowhere. Every read of something that is not there, or whose type does not convert, throws
@@ -76,9 +76,9 @@ public:
     template <class T, class Scalar = Detail::Scalar<T>>
     Property(std::string name, const T& value) : m_name(std::move(name)), m_value(MakeValue<Scalar>(value)) {}
 
-    Property(const Property&) = default;
+    Property(const Property& other);
     Property(Property&&) noexcept = default;
-    ~Property() = default;
+    ~Property() { RemoveAll(); }
 
     /// Takes the other node whole, its name included. The source may lie inside this tree.
     Property& operator=(const Property& other);
@@ -146,7 +146,7 @@ public:
 
     /// Removes the first child of that name, if there is one.
     void RemoveChild(std::string_view name);
-    void RemoveAll() noexcept { m_children.clear(); }
+    void RemoveAll() noexcept;
 
     /// Equal in type, value and children; children count with their names and in their order, the two nodes' own
     /// names do not count.

@@ -22,22 +22,33 @@ struct Leaf {
 };
 using Leaves = std::vector<Leaf>;
 
-void CollectLeaves(const Property& node, const std::string& prefix, std::map<std::string, int>& counts,
-                   Leaves& leaves) {
-    for (const Property& child : node) {
-        const std::string path = prefix + child.GetName();
+/// Without recursion: a stream's node may be deeper than the stack.
+Leaves LeavesOf(const Property& tree) {
+    struct Open {
+        const Property* node;
+        Property::const_iterator next;
+        std::size_t prefix;  ///< length of the path in front of the children
+    };
+    Leaves leaves;
+    std::map<std::string, int> counts;
+    std::string path;
+    std::vector<Open> open = {{&tree, tree.begin(), 0}};
+    while (!open.empty()) {
+        auto& [node, next, prefix] = open.back();
+        path.resize(prefix);
+        if (next == node->end()) {
+            open.pop_back();
+            continue;
+        }
+        const Property& child = *next++;
+        path += child.GetName();
         if (child.Count() > 0) {
-            CollectLeaves(child, path + Property::SEPARATOR, counts, leaves);
+            path += Property::SEPARATOR;
+            open.push_back({&child, child.begin(), path.size()});
         } else {
             leaves.push_back({path, counts[path]++, &child});
         }
     }
-}
-
-Leaves LeavesOf(const Property& tree) {
-    Leaves leaves;
-    std::map<std::string, int> counts;
-    CollectLeaves(tree, std::string(), counts, leaves);
     return leaves;
 }
 

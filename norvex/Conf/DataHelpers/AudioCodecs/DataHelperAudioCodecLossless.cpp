@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <iterator>
@@ -41,9 +42,10 @@ constexpr Name channelLayouts_flac[] = {
     A::TAG_CH_LAYOUT_5POINT0_BACK, A::TAG_CH_LAYOUT_5POINT1_BACK, A::TAG_CH_LAYOUT_7POINT1,
 };
 
-/// The index of the nearest entry, of two equally near ones the first.
+/// The index of the nearest entry of an ascending list, of two equally near ones the first.
 template <std::size_t N>
 std::size_t NearestIndex(const long long (&list)[N], long long value) {
+    value = std::clamp(value, list[0], list[N - 1]);  // ALAC's rates have no bounds, and a distance may not overflow
     std::size_t nearest = 0;
     for (std::size_t i = 1; i < N; ++i) {
         if (std::llabs(list[i] - value) < std::llabs(list[nearest] - value)) nearest = i;

@@ -47,10 +47,12 @@ public:
     /// Corrects the flat node of one stream. Throws HelperException for a helper that is neither video nor audio.
     void CorrectFormatCodec(Core::Property& tree) const override;
     /// Mode, bitrate and quality: what cannot be made legal, or has no constraint, is replaced by the default, if
-    /// there is one.
+    /// there is one. So is a value of the wrong type, but then ConstraintIsNotApplicableForTypeException is thrown.
     void CorrectBitrate(Core::Property& tree) const;
     /// Sample rate, sample format and layout, each by the first rule about it. Throws std::logic_error for a value
-    /// that cannot be made legal, and Core::PropertyException where one of the three is missing.
+    /// that cannot be made legal, Core::PropertyException where one of the three is missing,
+    /// ConstraintIsNotApplicableForTypeException for a value of the wrong type, and FormatException for an unknown
+    /// sample format or layout.
     void CorrectAudioResamplerSettings(Core::Property& tree) const;
 
     /// Asks the encoder again. The constructor is the only caller.
