@@ -81,16 +81,19 @@ Property::Property(std::string name) : m_name(std::move(name)), m_value(Node{}) 
 // own of what is still to be done.
 
 Property::Property(const Property& other) : m_name(other.m_name), m_value(other.m_value) {
-    if (other.m_children.empty()) return;
-    std::vector<std::pair<const Property*, Property*>> open = {{&other, this}};
-    while (!open.empty()) {
-        const auto [source, target] = open.back();
-        open.pop_back();
-        for (const Property& child : source->m_children) {
-            Property& copy = target->m_children.emplace_back(child.m_name);
+    std::vector<std::pair<const Property*, Property*>> open;
+    const auto copyChildren = [&open](const Property& source, Property& target) {
+        for (const Property& child : source.m_children) {
+            Property& copy = target.m_children.emplace_back(child.m_name);
             copy.m_value = child.m_value;
             if (!child.m_children.empty()) open.emplace_back(&child, &copy);
         }
+    };
+    copyChildren(other, *this);
+    while (!open.empty()) {
+        const auto [source, target] = open.back();
+        open.pop_back();
+        copyChildren(*source, *target);
     }
 }
 
@@ -230,15 +233,18 @@ void Property::RemoveChild(std::string_view name) {
 }
 
 bool Property::operator==(const Property& other) const {
-    if (m_children.empty() && other.m_children.empty()) return m_value == other.m_value;
-    std::vector<std::pair<const Property*, const Property*>> open = {{this, &other}};
+    std::vector<std::pair<const Property*, const Property*>> open;
+    const auto isSame = [&open](const Property& one, const Property& two) {
+        if (!(one.m_value == two.m_value) || one.Count() != two.Count()) return false;
+        if (one.Count() != 0) open.emplace_back(&one, &two);
+        return true;
+    };
+    if (!isSame(*this, other)) return false;
     while (!open.empty()) {
         const auto [one, two] = open.back();
         open.pop_back();
-        if (!(one->m_value == two->m_value) || one->Count() != two->Count()) return false;
         for (auto i = one->begin(), j = two->begin(); i != one->end(); ++i, ++j) {
-            if (i->m_name != j->m_name) return false;
-            open.emplace_back(&*i, &*j);
+            if (i->m_name != j->m_name || !isSame(*i, *j)) return false;
         }
     }
     return true;
