@@ -98,7 +98,9 @@ std::pair<int, int> ParseSize(const std::string& text) {
 
 void AddVideoOptions(Options& options, Request& r) {
     const std::string& codec = P::KEY_FILTER_VIDEO_CODEC;
-    const auto inOptions = [&codec](const std::string& tag) { return Path({codec, V::TAG_CODEC_OPTIONS_ENCODE, tag}); };
+    const auto inOptions = [](const std::string& tag) {
+        return Path({P::KEY_FILTER_VIDEO_CODEC, V::TAG_CODEC_OPTIONS_ENCODE, tag});
+    };
     const auto inResize = [](const std::string& tag) {
         return Path({Proc::IFilterResize::CLASS_ID, IResize::CLASS_ID, tag});
     };

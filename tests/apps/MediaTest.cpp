@@ -836,7 +836,14 @@ TEST_F(MediaCopy, CopiesAreTheSamePicturesAndSoundInStep) {
                     continue;
                 }
                 double done = 0;
-                const ExportResult result = RunExport(job, [&](const Progress& p) { done = p.secondsDone; });
+                ExportResult result;
+                try {
+                    result = RunExport(job, [&](const Progress& p) { done = p.secondsDone; });
+                } catch (const MediaError&) {
+                    // FFmpeg 9 wants the configuration of AAC for AVI, which a transport stream does not have ahead.
+                    EXPECT_TRUE(LIBAVFORMAT_VERSION_MAJOR > 61 && source == "mpegts" && target == "avi" && hasAudio);
+                    continue;
+                }
                 EXPECT_NEAR(done, 2, 0.15);
                 EXPECT_NEAR(static_cast<double>(result.copiedPackets), (hasVideo ? 50 : 0) + (hasAudio ? 95 : 0), 2);
                 const Content after = ReadContent(job.outputPath);

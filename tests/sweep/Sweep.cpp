@@ -54,6 +54,7 @@ constexpr Reason g_reasons[] = {
     {"hevc video_codec/encode_options/profile=main10", "allowed: main", "system", "the default preset goes with main"},
     {"avi flac",       "Invalid argument",   "FFmpeg", "its muxer says that it carries FLAC, and does not write it"},
     {"flv pcm_s16be",  "pcm_s16le",          "FFmpeg", "its demuxer knows one byte order"},
+    {"mp4 vorbis", "Invalid data", "FFmpeg", "later majors do not write what their muxer says that it carries"},
     {"mp4 mp2",        "mp3",                "FFmpeg", "MP4 has one number for both, and its demuxer takes it for MP3"},
 };
 // clang-format on
