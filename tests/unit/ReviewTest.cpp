@@ -250,7 +250,7 @@ private:
         const Property leaves[] = {Property(name),
                                    Property(name, Below(2) == 0),
                                    Property(name, Below(2) == 0 ? std::nan("") : 47999.5),
-                                   Property(name, static_cast<long long>(m_random()) * 4294967296LL),
+                                   Property(name, (static_cast<long long>(m_random()) - 2147483648LL) * 4294967296LL),
                                    Property(name, Core::Ratio(30000, 1001)),
                                    Property(name, static_cast<int>(Below(60))),
                                    Property(name, Any(m_texts)),
@@ -375,7 +375,8 @@ TEST(CorrectionReport, TellsWhatChangedAndWhy) {
          {"flac bitrate_mode: - > vbr default", "flac bitrate: - > 991999 helper"}},
         {cover,
          {{"format", "m4a", m4a}, Video(DataHelperVideoCodecMjpeg::Create(), "mjpeg")},
-         {"m4a cover: false > true broken: Parameter format/cover is false but must be 1 when video_codec/codec_id is "
+         {"m4a cover: false > true broken: Parameter format/cover is false but must be true when video_codec/codec_id "
+          "is "
           "mjpeg",
           "mjpeg bitrate: 0 > 100000 broken: Parameter video_codec/bitrate is 0 but must be from 100000 to 800000000",
           "mjpeg max_b_frames: 2 > - helper"}},

@@ -67,7 +67,7 @@ std::string TextOf(const std::optional<Property>& value) {
 /// Takes down what a constraint offers.
 class AllowedConsumer final : public RefCounted<IConstraintConsumer> {
 public:
-    explicit AllowedConsumer(Allowed& allowed) : m_allowed(allowed) {}
+    const Allowed& Get() const { return m_allowed; }
 
     void Reset() override { m_allowed = {}; }
     void AddValue(const std::string& name, const Property& value) override {
@@ -91,13 +91,15 @@ private:
         return Property(std::string(), value);
     }
 
-    Allowed& m_allowed;
+    Allowed m_allowed;
 };
 
 std::string WordsFor(const Allowed& allowed, const IPropertyConstraint& constraint) {
     std::vector<std::string> names;
     for (const Property& value : allowed.values) {
-        if (std::find(names.begin(), names.end(), value.GetName()) == names.end()) names.push_back(value.GetName());
+        // A flag's display name is a digit.
+        std::string name = value.GetType() == PT_BOOL ? Core::PropertyValueToString(value) : value.GetName();
+        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
     }
     if (names.size() == 1) return names.front();
     if (!names.empty()) {
@@ -257,9 +259,12 @@ std::vector<NamedHelper> HelpersOf(const Property& preset) {
 }
 
 Allowed WhatIsAllowed(const IPropertyConstraint& constraint) {
+    // Counted, and with what it took down: a host's constraint may keep it.
+    const SP<AllowedConsumer> consumer(new AllowedConsumer);
     Allowed allowed;
     try {
-        constraint.FillValueList(SP<IConstraintConsumer>(new AllowedConsumer(allowed)));
+        constraint.FillValueList(consumer);
+        allowed = consumer->Get();
         allowed.words = WordsFor(allowed, constraint);
     } catch (...) {
         // A constraint of the host's own that has no list has no words either.
