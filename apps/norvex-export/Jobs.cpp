@@ -13,7 +13,6 @@ using Core::Property;
 using A = IFormatCodecAudio;
 using C = IFormatCodec;
 using V = IFormatCodecVideo;
-using Proc::IResize;
 
 Fit FitOf(const Property& resizeSection, const FrameInfo& source, const FrameInfo& target) {
     const auto settings = Proc::IFilterResize::Property2Settings(resizeSection);

@@ -203,6 +203,7 @@ Property ResizeSection(Plan& plan, const NamedHelper& codec, const VideoSource& 
                                  SizeText(nearest.first, nearest.second) + ".");
         } else if (std::find(sizes.begin(), sizes.end(), size) == sizes.end()) {
             std::vector<std::string> names;
+            names.reserve(sizes.size());
             for (const auto& [width, height] : sizes) names.push_back(SizeText(width, height));
             throw RequestError("--size: '" + SizeText(size.first, size.second) +
                                "' is not legal here; allowed: one of " + Join(names));
