@@ -33,12 +33,6 @@ std::string Join(const std::vector<std::string>& words) {
     return text;
 }
 
-std::string Path(std::initializer_list<std::string> tags) {
-    std::string path;
-    for (const std::string& tag : tags) path += (path.empty() ? "" : Property::SEPARATOR) + tag;
-    return path;
-}
-
 std::string SizeText(long long width, long long height) {
     return std::to_string(width) + "x" + std::to_string(height);
 }

@@ -18,12 +18,6 @@ using Proc::IResize;
 
 const char* const g_automatic = "auto";
 
-std::string Path(std::initializer_list<std::string> tags) {
-    std::string path;
-    for (const std::string& tag : tags) path += (path.empty() ? "" : Property::SEPARATOR) + tag;
-    return path;
-}
-
 /// Collects what options say as choices on a preset.
 class Options {
 public:
@@ -192,6 +186,12 @@ void AddAudioOptions(Options& options, Request& r) {
 }
 
 }  // namespace
+
+std::string Path(std::initializer_list<std::string> tags) {
+    std::string path;
+    for (const std::string& tag : tags) path += (path.empty() ? "" : Property::SEPARATOR) + tag;
+    return path;
+}
 
 const Choice* Request::Find(const std::string& path) const {
     const auto choice =

@@ -1,6 +1,7 @@
 /// What the user of the program asks for.
 #pragma once
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -8,6 +9,9 @@
 #include "norvex/foundation/Property.h"
 
 namespace NorvexExport {
+
+/// Joins tags into a path.
+std::string Path(std::initializer_list<std::string> tags);
 
 /// A value that the user chose, at its path in a preset.
 struct Choice {

@@ -8,14 +8,13 @@ extern "C" {
 
 #include <boost/exception/diagnostic_information.hpp>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 
 #include "Media.h"
 #include "Plan.h"
 #include "Report.h"
 #include "Request.h"
 #include "common/PresetJson.h"
+#include "common/TextFiles.h"
 
 namespace {
 
@@ -25,25 +24,12 @@ void Print(const std::string& text) {
     std::fputs(text.c_str(), stdout);
 }
 
-std::string ReadText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    file.peek();  // a folder opens too, and fails when it is read
-    if (!file.is_open() || file.bad()) throw RequestError("cannot read '" + path + "'");
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-void WriteText(const std::string& path, const std::string& text) {
-    std::ofstream file(path, std::ios::binary);
-    if (!file.write(text.data(), static_cast<std::streamsize>(text.size())) || !file.flush()) {
-        throw RequestError("cannot write '" + path + "'");
-    }
-}
-
 void Run(Request request) {
     TakeCensus();
-    if (!request.presetFile.empty()) ChooseFromPreset(request, ReadText(request.presetFile));
+    if (!request.presetFile.empty()) ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile));
     const Plan plan = MakePlan(request, Probe(request.input));
-    if (!request.savePresetFile.empty()) WriteText(request.savePresetFile, NorvexApps::WritePreset(plan.settled));
+    if (!request.savePresetFile.empty())
+        NorvexApps::WriteText(request.savePresetFile, NorvexApps::WritePreset(plan.settled));
     const bool asText = !request.json && !request.quiet;
     if (asText) {
         Print(PlanText(plan, isatty(STDOUT_FILENO) != 0));

@@ -3,14 +3,13 @@
 #include <CLI/CLI.hpp>
 #include <boost/exception/diagnostic_information.hpp>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 
 #include "Book.h"
 #include "Check.h"
 #include "Page.h"
 #include "Texts.h"
 #include "common/PresetJson.h"
+#include "common/TextFiles.h"
 
 namespace {
 
@@ -20,27 +19,17 @@ void Print(const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
-std::string ReadText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    file.peek();  // a folder opens too, and fails when it is read
-    if (!file.is_open() || file.bad()) throw std::runtime_error("cannot read '" + path + "'");
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 /// Writes to a file, or to standard output where none is named.
 void Write(const std::string& path, const std::string& text) {
     if (path.empty()) return Print(text);
-    std::ofstream file(path, std::ios::binary);
-    if (!file.write(text.data(), static_cast<std::streamsize>(text.size())) || !file.flush()) {
-        throw std::runtime_error("cannot write '" + path + "'");
-    }
+    NorvexApps::WriteText(path, text);
 }
 
 /// Returns the exit status: 0 for a preset that keeps every rule.
 int CheckFile(const std::string& path, bool json) {
     MakeBook();  // takes the census, by which containers know what they carry
     try {
-        const NorvexApps::PresetDocument document = NorvexApps::ReadPreset(ReadText(path));
+        const NorvexApps::PresetDocument document = NorvexApps::ReadPreset(NorvexApps::ReadText(path));
         NorvexApps::RequireKnownNames(document);
         const Judgement judgement = Judge(document.preset);
         Print(json ? JudgementJson(judgement) : JudgementText(judgement));
