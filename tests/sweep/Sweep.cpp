@@ -110,7 +110,7 @@ public:
             settled = Join(asked);
             const ExportResult result = RunExport(plan.job, {});
             bitrates = Bitrates(plan.job, result);
-            failure = ReadBack(request.output, format, asked);
+            failure = ReadBack(request.output, asked);
         } catch (const RequestError& error) {
             failure = error.what();
             if (isBeside && failure.find("is not legal here") != std::string::npos)
@@ -141,14 +141,12 @@ private:
                (job.audio ? text("audio", job.audio->rateControl, job.audio->bitrate, result.audioBitrate) : "");
     }
 
-    static std::string ReadBack(const std::string& path, const std::string& format,
-                                const std::set<std::string>& asked) {
+    static std::string ReadBack(const std::string& path, const std::set<std::string>& asked) {
         std::set<std::string> found;
         const InputInfo info = Probe(path);
         if (info.video) found.insert(info.video->codecId);
         if (info.audio) found.insert(info.audio->codecId);
         if (info.subtitle) found.insert(info.subtitle->codecId);
-        (void)format;
         return found == asked ? std::string() : "read back as " + Join(found);
     }
 
@@ -266,43 +264,77 @@ std::vector<Value> ValuesToTry(const IPropertyConstraint& constraint) {
     return values;
 }
 
+/// A value that a codec's helper speaks of, and what has to be chosen for it to do so.
+struct Ruled {
+    std::string path;
+    SP<const IPropertyConstraint> constraint;
+    std::vector<Choice> conditions;
+};
+
+/// Each constraint of a codec, and each rule with a value that meets its condition.
+std::vector<Ruled> RuledBy(const IDataHelper& helper, const std::string& key) {
+    const auto absolute = [&](const std::string& path) {
+        const bool isOfPreset = path.compare(0, 7, "filter_") == 0 || path.compare(0, key.size(), key) == 0;
+        return isOfPreset ? path : key + "/" + path;
+    };
+    std::vector<Ruled> all;
+    ConstraintMap constraints;
+    helper.GetConstraints(constraints);
+    for (const auto& [path, constraint] : constraints) all.push_back({absolute(path), constraint, {}});
+    RuleList rules;
+    helper.GetValidationRules(rules);
+    for (const auto& [name, rule] : rules) {
+        if (rule->GetSecondConstraint().get() == nullptr) continue;
+        Ruled ruled = {absolute(rule->GetSecondPath()), rule->GetSecondConstraint(), {}};
+        if (rule->GetFirstConstraint().get() != nullptr) {
+            const Allowed allowed = WhatIsAllowed(*rule->GetFirstConstraint());
+            const std::string condition = absolute(rule->GetFirstPath());
+            if (!allowed.values.empty()) {
+                ruled.conditions.push_back(Chosen(condition, allowed.values.front()));
+            } else if (allowed.min) {
+                ruled.conditions.push_back(Chosen(condition, *allowed.min));
+            }
+        }
+        all.push_back(ruled);
+    }
+    return all;
+}
+
 void SweepValues(Sweep& sweep) {
     const std::string resize = "filter_resize/resize/";
     for (const Kind& kind : g_kinds) {
         for (const auto& [codec, helper] : GetAvailableDataHelpers(kind.key)) {
             const std::string carrier = CarrierOf(codec, kind);
             if (carrier.empty() || IsStill(carrier) || !Proc::FindEncoder(codec, Proc::ImplNames::FFMPEG)) continue;
-            std::map<std::string, SP<const IPropertyConstraint>> tried;
-            helper->GetConstraints(tried);
-            RuleList rules;
-            helper->GetValidationRules(rules);
-            for (const auto& [key, rule] : rules) tried[rule->GetSecondPath()] = rule->GetSecondConstraint();
-            for (const auto& [key, constraint] : tried) {
-                const bool isOfPreset =
-                    key.compare(0, 7, "filter_") == 0 || key.compare(0, kind.key.size(), kind.key) == 0;
-                const std::string path = isOfPreset ? key : kind.key + "/" + key;
-                for (const auto& [value, isBeside] : ValuesToTry(*constraint)) {
+            const Property defaults = helper->GetDefaults();
+            std::set<std::string> tried;
+            for (const Ruled& ruled : RuledBy(*helper, kind.key)) {
+                for (const auto& [value, isBeside] : ValuesToTry(*ruled.constraint)) {
                     if (value.GetType() == PT_NODE) continue;
-                    std::vector<Choice> choices = {Chosen(kind.key + "/codec_id", Property("", codec)),
-                                                   Chosen(path, value)};
+                    std::string what = fmt::format("{} {}={}", codec, ruled.path, Core::PropertyValueToString(value));
+                    for (const Choice& condition : ruled.conditions) {
+                        what += fmt::format(" {}={}", condition.path, Core::PropertyValueToString(condition.value));
+                    }
+                    if (!tried.insert(what).second) continue;
+                    std::vector<Choice> choices = {Chosen(kind.key + "/codec_id", Property("", codec))};
+                    choices.insert(choices.end(), ruled.conditions.begin(), ruled.conditions.end());
+                    choices.push_back(Chosen(ruled.path, value));
                     // A bitrate is heeded in the mode that holds it.
-                    if (path == kind.key + "/bitrate") {
+                    if (ruled.path == kind.key + "/bitrate") {
                         choices.push_back(Chosen(kind.key + "/bitrate_mode", Property("", V::TAG_BITRATE_MODE_CBR)));
                     }
                     // A size counts where it is asked for.
-                    if (path.compare(0, resize.size(), resize) == 0) {
+                    if (ruled.path.compare(0, resize.size(), resize) == 0) {
                         choices.push_back(Chosen(resize + "frame_size_mode", Property("", "custom")));
                     }
                     // A mode needs its number, which not every codec starts with.
-                    const Property defaults = helper->GetDefaults();
                     if (value == Property("", V::TAG_BITRATE_MODE_CBR) && !defaults.ChildExists(V::TAG_BITRATE)) {
                         choices.push_back(Chosen(kind.key + "/bitrate", Property("", 2000000)));
                     }
                     if (value == Property("", V::TAG_BITRATE_MODE_VBR) && !defaults.ChildExists(V::TAG_QUALITY)) {
                         choices.push_back(Chosen(kind.key + "/quality", Property("", 10)));
                     }
-                    sweep.Try(fmt::format("{} {}={}", codec, path, Core::PropertyValueToString(value)), carrier,
-                              choices, false);
+                    sweep.Try(what, carrier, choices, isBeside);
                 }
             }
         }

@@ -1,6 +1,7 @@
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 
 extern "C" {
+#include <libavutil/avutil.h>
 #include <libavutil/channel_layout.h>
 }
 
@@ -13,6 +14,8 @@ namespace {
 
 /// FFmpeg's name of a layout, or another where it has none.
 std::string NameOf(std::uint64_t mask, const char* otherwise) {
+    // FFmpeg 5 names none of those below, and this runs while the library is loaded.
+    if (avutil_version() < AV_VERSION_INT(58, 0, 0)) return otherwise;
     AVChannelLayout layout{};
     char name[64] = "";
     if (av_channel_layout_from_mask(&layout, mask) < 0) return otherwise;
