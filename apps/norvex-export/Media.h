@@ -84,8 +84,8 @@ struct VideoJob {
     int width = 0;          ///< pixels
     int height = 0;         ///< pixels
     Fraction sampleAspect;  ///< shape of one pixel, taken for 1/1 where it is not positive
-    /// Frames per second; frames are repeated or left out to meet it. A cover and a still picture need none.
     std::string pixelFormat;  ///< FFmpeg's name; by the profile and the source where it is empty
+    /// Frames per second; frames are repeated or left out to meet it. A cover and a still picture need none.
     Fraction frameRate;
     Fit fit = Fit::Stretch;
     std::string scaler;  ///< "neighbor", "fast_bilinear", "bilinear" or "bicubic", which is taken where it is empty

@@ -119,8 +119,12 @@ private:
         const Choice* const choice = FindChoice(finding);
         if (choice == nullptr) throw RequestError(finding.message);
         if (!finding.value) throw RequestError(choice->option + ": " + finding.message);
-        throw RequestError(choice->option + ": '" + Core::PropertyValueToString(*finding.value) +
-                           "' is not legal here; allowed: " + finding.allowed.words);
+        const std::string asked = Core::PropertyValueToString(choice->value);
+        const std::string value = Core::PropertyValueToString(*finding.value);
+        // Two rules that want different things of a value may mend it to one that neither was asked for.
+        const std::string became = asked == value ? "' is" : "' becomes '" + value + "', which is";
+        throw RequestError(choice->option + ": '" + asked + became +
+                           " not legal here; allowed: " + finding.allowed.words);
     }
 
     /// What is left to the system is judged by the rules that know automatic values.

@@ -1095,6 +1095,11 @@ TEST_F(MediaFailure, AJobThatDoesNotWorkOutIsToldPlainly) {
          },
          {"frame rate"}},
         {[](ExportJob& job) { job.audio->sampleRate = 0; }, {"sample rate"}},
+        // FFmpeg's encoder of AAC would write the profile's number over sound of another.
+        {[](ExportJob& job) {
+             job.audio->options = {{"profile", "aac_he"}};
+         },
+         {"'aac'", "does not code", "'aac_he'"}},
         {[](ExportJob& job) {
              job.video.reset();
              job.audio.reset();

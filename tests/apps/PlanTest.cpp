@@ -230,6 +230,14 @@ INSTANTIATE_TEST_SUITE_P(
                     r.choices = {Chosen(g_preset, "ultrafast", "--preset"), Chosen(g_profile, "high", "--profile")};
                 },
                 "--profile: 'high' is not legal here; allowed: baseline"},
+        // The encoder has no 2.1, and PCM has no 3.0.
+        Refusal{"LayoutsOfTwoMinds",
+                [](Request& r, InputInfo&) {
+                    r.output = "a.m2ts";
+                    r.choices = {Codec("audio", "pcm_bluray"),
+                                 Chosen("filter_resample/resample/channel_layout", "2.1", "--layout")};
+                },
+                "--layout: '2.1' becomes '3.0', which is not legal here; allowed: "},
         Refusal{"UnknownLayout",
                 [](Request& r, InputInfo&) {
                     r.choices = {Chosen("filter_resample/resample/channel_layout", "9.9", "--layout")};

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -20,6 +21,8 @@ extern "C" {
 
 #include "Formats.h"
 #include "Plan.h"
+#include "media/Decoding.h"
+#include "media/Input.h"
 #include "norvex/Norvex.h"
 #include "support/MadeClip.h"
 
@@ -51,8 +54,15 @@ constexpr Reason g_reasons[] = {
     {"f4a",            "does not hold",      "system", "F4A offers what M4A carries"},
     {"matroska dts",   "'dca'",              "system", "DTS has no rules, and its default bitrate is too low for the encoder"},
     {"mka dts",        "'dca'",              "system", "DTS has no rules, and its default bitrate is too low for the encoder"},
+    {"mpeg2video video_codec/frame_rate", "not legal", "system", "the encoder's rates and the helper's own both bind"},
+    {"ac3 filter_resample/resample/channel_layout", "allowed: one of mono, stereo", "system",
+                                                   "the encoder's layouts and the helper's own both bind"},
+    {"pcm_bluray filter_resample/resample", "not legal", "system", "the encoder's values and those of PCM both bind"},
+    {"vorbis audio_codec/bitrate", "not legal",        "system", "the list has bitrates that go with no sample rate"},
+    {"aac audio_codec/encode_options/profile", "does not code", "FFmpeg", "its encoder codes low complexity alone"},
     {"hevc video_codec/encode_options/profile=main10", "allowed: main", "system", "the default preset goes with main"},
     {"avi flac",       "Invalid argument",   "FFmpeg", "its muxer says that it carries FLAC, and does not write it"},
+    {"wav aac",        "does not decode",    "FFmpeg", "its demuxer cannot tell the packets apart that its muxer writes"},
     {"flv pcm_s16be",  "pcm_s16le",          "FFmpeg", "its demuxer knows one byte order"},
     {"mp4 vorbis", "Invalid data", "FFmpeg", "later majors do not write what their muxer says that it carries"},
     {"mp4 mp2",        "mp3",                "FFmpeg", "MP4 has one number for both, and its demuxer takes it for MP3"},
@@ -110,7 +120,7 @@ public:
             settled = Join(asked);
             const ExportResult result = RunExport(plan.job, {});
             bitrates = Bitrates(plan.job, result);
-            failure = ReadBack(request.output, asked);
+            failure = ReadBack(plan.job, asked);
         } catch (const RequestError& error) {
             failure = error.what();
             if (isBeside && failure.find("is not legal here") != std::string::npos)
@@ -141,13 +151,49 @@ private:
                (job.audio ? text("audio", job.audio->rateControl, job.audio->bitrate, result.audioBitrate) : "");
     }
 
-    static std::string ReadBack(const std::string& path, const std::set<std::string>& asked) {
+    /// Decodes the file, and tells what is in it other than asked for; empty where nothing is.
+    static std::string ReadBack(const ExportJob& job, const std::set<std::string>& asked) {
+        const InputInfo info = Probe(job.outputPath);
         std::set<std::string> found;
-        const InputInfo info = Probe(path);
         if (info.video) found.insert(info.video->codecId);
         if (info.audio) found.insert(info.audio->codecId);
         if (info.subtitle) found.insert(info.subtitle->codecId);
-        return found == asked ? std::string() : "read back as " + Join(found);
+        if (found != asked) return "read back as " + Join(found);
+
+        if (job.video) {
+            const auto picture = FirstFrame(job.outputPath, info.video->streamIndex, AVMEDIA_TYPE_VIDEO);
+            if (picture->width != job.video->width || picture->height != job.video->height) {
+                return fmt::format("read back with {}x{} pixels", picture->width, picture->height);
+            }
+        }
+        if (job.audio) {
+            const auto sound = FirstFrame(job.outputPath, info.audio->streamIndex, AVMEDIA_TYPE_AUDIO);
+            const Media::ChannelLayout layout(job.audio->layout);
+            if (sound->sample_rate != job.audio->sampleRate) {
+                return fmt::format("read back with {} Hz", sound->sample_rate);
+            }
+            if (sound->ch_layout.nb_channels != layout.Get().nb_channels) {
+                return fmt::format("read back with {} channels", sound->ch_layout.nb_channels);
+            }
+        }
+        return {};
+    }
+
+    /// The first frame that a stream of the file decodes to. Throws MediaError where there is none.
+    static Media::Owned<AVFrame> FirstFrame(const std::string& path, int index, AVMediaType type) {
+        Media::Input input(path);
+        Media::Decoder decoder(input.Select(index, type));
+        Media::Owned<AVFrame> first;
+        const auto keep = [&](const AVFrame& frame) {
+            if (!first) first = Media::Own(av_frame_clone(&frame));
+        };
+        const auto packet = Media::Own(av_packet_alloc());
+        while (!first && input.Read(*packet)) {
+            if (packet->stream_index == index) decoder.Decode(packet.get(), keep);
+        }
+        if (!first) decoder.Decode(nullptr, keep);
+        if (!first) Media::Fail("it does not decode", decoder.LastError());
+        return first;
     }
 
     /// The host corrects by the container first. Where the other order gives something else, the table says so.
@@ -225,7 +271,8 @@ void SweepPairs(Sweep& sweep) {
     }
 }
 
-/// The container in which a codec's values are tried: one that reads back well, where one carries the codec.
+/// The container in which a codec's values are tried: one that reads back well, where one carries the codec; else the
+/// last, for AIFF stands first and offers more than it carries.
 std::string CarrierOf(const std::string& codec, const Kind& kind) {
     std::string carrier;
     for (const auto& [format, helper] : GetAvailableDataHelpers(P::KEY_FORMAT)) {
@@ -234,7 +281,7 @@ std::string CarrierOf(const std::string& codec, const Kind& kind) {
             continue;
         }
         if (format == IFormatFile::FORMAT_MATROSKA) return format;
-        if (carrier.empty() || format == IFormatFile::FORMAT_MOV) carrier = format;
+        if (carrier != IFormatFile::FORMAT_MOV) carrier = format;
     }
     return carrier;
 }

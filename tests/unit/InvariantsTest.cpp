@@ -19,7 +19,7 @@ using namespace NorvexTest;
 using Core::Property;
 using Tags = std::set<std::string>;
 
-constexpr int streamsPerHelper = 150;
+constexpr int streamsPerHelper = 2000;
 
 /// What came of one correction: empty, or the type of what was thrown.
 std::string Correct(const IDataHelper& helper, Property& stream) {

@@ -1,7 +1,6 @@
 #include "EncoderFacts.h"
 
 #include <array>
-#include <string_view>
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -91,6 +90,13 @@ const AVCodec& FindEncoder(const std::string& codecId, AVMediaType type) {
 bool IsX26x(const AVCodec& codec) {
     const std::string_view name = codec.name;
     return name == "libx264" || name == "libx265";
+}
+
+bool CodesProfile(const AVCodec& codec, std::string_view profile) {
+    // FFmpeg's own encoder of AAC writes the number of any profile, and codes these alone: no decoder reads the others.
+    if (std::string_view(codec.name) != "aac") return true;
+    constexpr std::array<std::string_view, 3> coded = {"aac_low", "aac_main", "mpeg2_aac_low"};
+    return std::find(coded.begin(), coded.end(), profile) != coded.end();
 }
 
 QualityControl QualityControlOf(const AVCodec& codec) {

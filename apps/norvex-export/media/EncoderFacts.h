@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 extern "C" {
@@ -26,6 +27,9 @@ bool Takes(const std::vector<T>& declared, const T& value) {
 
 const AVCodec& FindEncoder(const std::string& codecId, AVMediaType type);
 bool IsX26x(const AVCodec& codec);
+
+/// Whether what the encoder makes of a profile is what it writes into the stream.
+bool CodesProfile(const AVCodec& codec, std::string_view profile);
 
 /// How an encoder can be told to hold a quality.
 enum class QualityControl { None, RateFactor, Quantiser };

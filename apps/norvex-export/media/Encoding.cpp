@@ -31,6 +31,9 @@ bool IsFullRangeCodec(AVCodecID codec) {
 }
 
 void SetOption(AVCodecContext& encoder, const std::string& name, const std::string& value) {
+    if (name == "profile" && !CodesProfile(*encoder.codec, value)) {
+        throw MediaError("the encoder " + Quoted(encoder.codec->name) + " does not code the profile " + Quoted(value));
+    }
     const int result = av_opt_set(&encoder, name.c_str(), value.c_str(), AV_OPT_SEARCH_CHILDREN);
     const std::string codec = Quoted(encoder.codec->name);
     if (result == AVERROR_OPTION_NOT_FOUND) {
