@@ -31,15 +31,17 @@ public:
         bool isVideo = kind == "video_codec";
         if (!isVideo && kind != "audio_codec") isVideo = OneIn(2);
         Property stream(OneIn(20) ? "another" : isVideo ? "format_codec_video" : "format_codec_audio");
-        const std::vector<std::string> codecs =
-            isVideo ? std::vector<std::string>{"h264",    "hevc", "mpeg2video", "mpeg1video", "mpeg4", "mjpeg",
-                                               "dvvideo", "gif",  "flv1",       "vp8",        "prores"}
-                    : std::vector<std::string>{"aac",    "ac3",   "mp2",  "mp3", "amr_nb", "pcm_s16le",
-                                               "vorbis", "wmav2", "flac", "dts", "pcm_u8"};
+        static const Words videoCodecs = {"h264",    "hevc", "mpeg2video", "mpeg1video", "mpeg4", "mjpeg",
+                                          "dvvideo", "gif",  "flv1",       "vp8",        "prores"};
+        static const Words audioCodecs = {"aac",    "ac3",   "mp2",  "mp3", "amr_nb", "pcm_s16le",
+                                          "vorbis", "wmav2", "flac", "dts", "pcm_u8"};
+        static const Words modes = {"cbr", "vbr", "cbr_auto", ""};
+        static const Words profiles = {"main", "high", "baseline", "x"};
+        static const Words sampleFormats = {"s16", "fltp", "u8", "s32p", "dbl"};
+        static const Words layouts = {"mono", "stereo", "5.1", "7.1", "2.1", "unknown"};
+        const Words& codecs = isVideo ? videoCodecs : audioCodecs;
         Add(stream, "codec_id", [&](const auto& name) { return Property(name, Pick(codecs)); });
-        Add(stream, "bitrate_mode", [&](const auto& name) {
-            return Property(name, Pick(std::vector<std::string>{"cbr", "vbr", "cbr_auto", ""}));
-        });
+        Add(stream, "bitrate_mode", [&](const auto& name) { return Property(name, Pick(modes)); });
         Add(stream, "bitrate", [&](const auto& name) { return Property(name, Number(1000, 5000000)); });
         Add(stream, "quality", [&](const auto& name) { return Property(name, Number(0, 60)); });
         Add(stream, "a stranger", [&](const auto& name) { return Property(name, "stays"); });
@@ -53,22 +55,19 @@ public:
             Add(stream, "cover", [&](const auto& name) { return Property(name, OneIn(2)); });
             Add(stream, "encode_options", [&](const auto& name) {
                 Property options(name);
-                options.SetChildT("profile", Pick(std::vector<std::string>{"main", "high", "baseline", "x"}));
+                options.SetChildT("profile", Pick(profiles));
                 return options;
             });
         } else {
             Add(stream, "sample_rate", [&](const auto& name) { return Property(name, Number(8000, 96000)); });
-            Add(stream, "sample_format", [&](const auto& name) {
-                return Property(name, Pick(std::vector<std::string>{"s16", "fltp", "u8", "s32p", "dbl"}));
-            });
-            Add(stream, "channel_layout", [&](const auto& name) {
-                return Property(name, Pick(std::vector<std::string>{"mono", "stereo", "5.1", "7.1", "2.1", "unknown"}));
-            });
+            Add(stream, "sample_format", [&](const auto& name) { return Property(name, Pick(sampleFormats)); });
+            Add(stream, "channel_layout", [&](const auto& name) { return Property(name, Pick(layouts)); });
         }
         return stream;
     }
 
 private:
+    using Words = std::vector<std::string>;
     using Make = std::function<Norvex::Core::Property(const std::string&)>;
 
     bool OneIn(unsigned count) { return m_engine() % count == 0; }

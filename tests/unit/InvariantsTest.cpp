@@ -19,7 +19,7 @@ using namespace NorvexTest;
 using Core::Property;
 using Tags = std::set<std::string>;
 
-constexpr int streamsPerHelper = 2000;
+constexpr int streamsPerHelper = 1000;
 
 /// What came of one correction: empty, or the type of what was thrown.
 std::string Correct(const IDataHelper& helper, Property& stream) {
@@ -39,14 +39,18 @@ std::string Correct(const IDataHelper& helper, Property& stream) {
     }
 }
 
+/// Also of NaN, which is unlike itself.
+bool IsSame(const Property& one, const Property& two) {
+    return one == two || TreeDiff(one, two).empty();
+}
+
 /// Children that were lost, added or changed, by name.
 Tags Changes(const Property& before, const Property& after) {
     Tags changes;
     for (const auto& [one, two] : {std::pair(&before, &after), std::pair(&after, &before)}) {
         for (const Property& child : *one) {
-            if (!two->ChildExists(child.GetName()) || Dump((*two)[child.GetName()]) != Dump(child)) {
-                changes.insert(child.GetName());
-            }
+            const auto other = two->FindChild(child.GetName());
+            if (other == two->end() || !IsSame(*other, child)) changes.insert(child.GetName());
         }
     }
     return changes;
@@ -66,10 +70,12 @@ void Sweep(const Promise& promise, const Look& look) {
         RandomStreams streams(id);
         for (int i = 0; i < streamsPerHelper && !testing::Test::HasFailure(); ++i) {
             const Property before = streams.Next(promise.kind);
-            SCOPED_TRACE(promise.kind + ' ' + id + ", seed " + std::to_string(streams.Seed()) + '\n' + Dump(before));
             Property after = before;
             const std::string failure = Correct(*helper, after);
             look(id, *helper, before, after, failure);
+            if (testing::Test::HasFailure()) {
+                ADD_FAILURE() << promise.kind << ' ' << id << ", seed " << streams.Seed() << '\n' << Dump(before);
+            }
         }
     }
 }
@@ -119,7 +125,7 @@ TEST_P(Invariants, CorrectingTwiceIsTheSameAsOnce) {
                   EXPECT_EQ(twice["bitrate_mode"].GetString(), "cbr");
                   twice["bitrate_mode"] = "cbr_auto";
               }
-              EXPECT_EQ(TreeDiff(once, twice), "");
+              EXPECT_TRUE(IsSame(once, twice)) << TreeDiff(once, twice);
           });
 }
 
@@ -140,7 +146,7 @@ TEST_P(CodecInvariants, TheResultKeepsTheConstraintOrIsTheDefault) {
         if (!failure.empty()) return;
         const Property defaults = helper.GetDefaults();
         if (id == "auto") {  // stands for a codec that is chosen later, and whose helper corrects then
-            EXPECT_EQ(TreeDiff(before, after), "");
+            EXPECT_TRUE(IsSame(before, after)) << TreeDiff(before, after);
             return;
         }
         const ConstraintMap constraints = CollectConstraints(helper);
@@ -153,7 +159,7 @@ TEST_P(CodecInvariants, TheResultKeepsTheConstraintOrIsTheDefault) {
                 // These have a range and no default: what is no number stays as it is.
                 static const Tags open = {"av1 bitrate", "h264 bitrate", "flv1 quality", "qtrle quality",
                                           "wmv2 quality"};
-                const bool stays = open.count(id + ' ' + tag) != 0 && Dump(after[tag]) == Dump(before[tag]);
+                const bool stays = open.count(id + ' ' + tag) != 0 && IsSame(after[tag], before[tag]);
                 EXPECT_TRUE(isDefault || stays || Keeps(*constraint->second, after[tag])) << tag;
             }
         }
@@ -190,7 +196,7 @@ TEST(FormatInvariants, TheResultKeepsTheLastRuleAboutItOrIsUntouched) {
                 }
             }
             if (last) {
-                EXPECT_TRUE(Keeps(*last, after[tag]) || Dump(after[tag]) == Dump(before[tag])) << tag;
+                EXPECT_TRUE(Keeps(*last, after[tag]) || IsSame(after[tag], before[tag])) << tag;
             }
         }
     });
@@ -204,7 +210,7 @@ TEST(FilterInvariants, FiltersCorrectNothing) {
             const Property before = streams.Next(id);
             Property after = before;
             EXPECT_EQ(Correct(*CreateDataHelper(id, ""), after), "");
-            ASSERT_EQ(TreeDiff(before, after), "") << id << ", seed " << streams.Seed();
+            ASSERT_TRUE(IsSame(before, after)) << id << ", seed " << streams.Seed() << TreeDiff(before, after);
         }
     }
 }
