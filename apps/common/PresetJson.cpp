@@ -96,8 +96,10 @@ Json ChildrenToJson(const Property& node, int room) {
         for (const Property& child : node) object[child.GetName()] = Write(child, room - 1);
         return object;
     }
+    constexpr int levels = 3;  // the object, the list and the pair
+    RequireRoom(room - levels + 1);
+    const int within = room - levels;
     Json list = Json::array();
-    const int within = room - 3;  // the object, the list and the pair
     for (const Property& child : node) {
         list.push_back(Json::array({TextToJson(child.GetName(), within), Write(child, within)}));
     }
