@@ -80,10 +80,10 @@ enum class RateControl {
 
 struct VideoJob {
     int streamIndex = -1;
-    std::string codecId;    ///< FFmpeg's name; FFmpeg's own choice of an encoder for it is taken
-    int width = 0;          ///< pixels
-    int height = 0;         ///< pixels
-    Fraction sampleAspect;  ///< shape of one pixel, taken for 1/1 where it is not positive
+    std::string codecId;      ///< FFmpeg's name; FFmpeg's own choice of an encoder for it is taken
+    int width = 0;            ///< pixels
+    int height = 0;           ///< pixels
+    Fraction sampleAspect;    ///< shape of one pixel, taken for 1/1 where it is not positive
     std::string pixelFormat;  ///< FFmpeg's name; by the profile and the source where it is empty
     /// Frames per second; frames are repeated or left out to meet it. A cover and a still picture need none.
     Fraction frameRate;
