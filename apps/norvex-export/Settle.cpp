@@ -121,7 +121,7 @@ private:
         if (!finding.value) throw RequestError(choice->option + ": " + finding.message);
         const std::string asked = Core::PropertyValueToString(choice->value);
         const std::string value = Core::PropertyValueToString(*finding.value);
-        // Two rules that want different things of a value may mend it to one that neither was asked for.
+        // Two rules that want different things of a value may mend it to one that nobody asked for.
         const std::string became = asked == value ? "' is" : "' becomes '" + value + "', which is";
         throw RequestError(choice->option + ": '" + asked + became +
                            " not legal here; allowed: " + finding.allowed.words);

@@ -4,6 +4,12 @@ string(REGEX MATCH " _Z(GV)?(T.)?Z?N?K?(St|5boost|9__gnu_cxx)[^\n]*" others "${m
 if(others)
     message(FATAL_ERROR "exported, though it is the instance of another's template: ${others}")
 endif()
+# A constant that is made while the library is loaded must be one that a host's copy takes the place of.
+string(REGEX MATCHALL " [BD] _ZN6Norvex[^\n]*" constants "${mangled}")
+list(FILTER constants EXCLUDE REGEX "B5cxx11E$|s_[^\n]*E$|MARK_[^\n]*E$")
+if(constants)
+    message(FATAL_ERROR "not in shared.ld: ${constants}")
+endif()
 execute_process(COMMAND ${NM} -DC --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols COMMAND_ERROR_IS_FATAL ANY)
 foreach(entry_point "CreateDataHelper\\(" "CreateDataHelperAuto\\(" "GetAvailableDataHelpers\\("
         "Norvex::Conf::ConstraintRange::Create\\(" "Norvex::Proc::FindEncoder\\(" "typeinfo for Norvex::Conf::HelperException")

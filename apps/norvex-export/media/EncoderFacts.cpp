@@ -93,7 +93,8 @@ bool IsX26x(const AVCodec& codec) {
 }
 
 bool CodesProfile(const AVCodec& codec, std::string_view profile) {
-    // FFmpeg's own encoder of AAC writes the number of any profile, and codes these alone: no decoder reads the others.
+    // FFmpeg's own encoder of AAC writes the number of any profile, and codes these alone: decoders refuse the others,
+    // or are misled.
     if (std::string_view(codec.name) != "aac") return true;
     constexpr std::array<std::string_view, 3> coded = {"aac_low", "aac_main", "mpeg2_aac_low"};
     return std::find(coded.begin(), coded.end(), profile) != coded.end();

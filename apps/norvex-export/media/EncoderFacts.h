@@ -28,7 +28,7 @@ bool Takes(const std::vector<T>& declared, const T& value) {
 const AVCodec& FindEncoder(const std::string& codecId, AVMediaType type);
 bool IsX26x(const AVCodec& codec);
 
-/// Whether what the encoder makes of a profile is what it writes into the stream.
+/// Whether the encoder codes a profile that it takes, and does not only write its number into the stream.
 bool CodesProfile(const AVCodec& codec, std::string_view profile);
 
 /// How an encoder can be told to hold a quality.
