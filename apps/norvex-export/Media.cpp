@@ -69,15 +69,16 @@ private:
 };
 
 void RequireComplete(const ExportJob& job) {
-    if (!job.video && !job.audio && !job.subtitle && job.copies.empty())
+    if (job.video.empty() && job.audio.empty() && job.subtitles.empty() && job.copies.empty())
         throw MediaError("there is no stream to export");
-    if (job.video) {
-        const VideoJob& video = *job.video;
+    for (const VideoJob& video : job.video) {
         if (video.width <= 0 || video.height <= 0) throw MediaError("the size of the picture must be above 0");
         if (!IsSingle(video) && !IsPositive(ToRational(video.frameRate)))
             throw MediaError("the frame rate must be above 0");
     }
-    if (job.audio && job.audio->sampleRate <= 0) throw MediaError("the sample rate must be above 0");
+    for (const AudioJob& audio : job.audio) {
+        if (audio.sampleRate <= 0) throw MediaError("the sample rate must be above 0");
+    }
 }
 
 void RequireOtherFile(const std::string& inputPath, const std::string& outputPath) {
@@ -106,9 +107,10 @@ double FarthestSecond(const OutputStreams& streams) {
 }
 
 /// Carries all packets of the input through the streams. All fields but `bytes` of what it returns are set.
-ExportResult RunPass(Input& input, const ExportJob& job, const Pass& pass, Muxer& muxer, ProgressMeter& progress) {
-    const OutputStreams streams = MakeStreams(input, job, pass, muxer);
-    progress.BeginPass(pass.number);
+ExportResult RunPass(Input& input, const ExportJob& job, int pass, PassRecords& records, Muxer& muxer,
+                     ProgressMeter& progress) {
+    const OutputStreams streams = MakeStreams(input, job, pass, records, muxer);
+    progress.BeginPass(pass);
     muxer.Begin();
     const Owned<AVPacket> packet = Own(av_packet_alloc());
     while (WantMore(streams) && input.Read(*packet)) {
@@ -129,30 +131,26 @@ ExportResult RunPass(Input& input, const ExportJob& job, const Pass& pass, Muxer
     return result;
 }
 
-void RunFirstPass(const ExportJob& job, const Pass& pass, ProgressMeter& progress) {
+void RunFirstPass(const ExportJob& job, PassRecords& records, ProgressMeter& progress) {
     Input input(job.inputPath);
     Muxer muxer = Muxer::Discarding();
-    RunPass(input, job, pass, muxer, progress);
+    RunPass(input, job, 1, records, muxer, progress);
 }
 
 }  // namespace
 
 InputInfo Probe(const std::string& path) {
     const Input input(path);
-    const AVStream* const video = input.BestStream(AVMEDIA_TYPE_VIDEO, -1);
-    const AVStream* const audio = input.BestStream(AVMEDIA_TYPE_AUDIO, video != nullptr ? video->index : -1);
-    const AVStream* const timed = video != nullptr ? video : audio;
-    const AVStream* const subtitle = input.BestStream(AVMEDIA_TYPE_SUBTITLE, timed != nullptr ? timed->index : -1);
-    if (timed == nullptr && subtitle == nullptr) {
-        throw MediaError("cannot open " + input.QuotedName() + ": it holds neither pictures nor sound nor subtitles");
-    }
     InputInfo info;
     info.path = path;
     info.container = input.Container();
     info.duration = input.Duration();
-    if (video != nullptr) info.video = DescribeVideo(input, *video);
-    if (audio != nullptr) info.audio = DescribeAudio(*audio);
-    if (subtitle != nullptr) info.subtitle = DescribeSubtitle(*subtitle);
+    DescribeStreams(input, info);
+    const auto isDecodable = [](const StreamSource& stream) { return stream.isDecodable; };
+    const auto hasAny = [&](const auto& list) { return std::any_of(list.begin(), list.end(), isDecodable); };
+    if (!hasAny(info.video) && !hasAny(info.audio) && !hasAny(info.subtitles)) {
+        throw MediaError("cannot open " + input.QuotedName() + ": it holds neither pictures nor sound nor subtitles");
+    }
     return info;
 }
 
@@ -162,19 +160,20 @@ ExportResult RunExport(const ExportJob& job, const std::function<void(const Prog
     RequireOtherFile(job.inputPath, job.outputPath);
     PendingFile file(job.outputPath);
 
-    const int passes = job.video && MakesTwoPasses(*job.video) ? 2 : 1;
-    // A picture alone is done long before the input ends.
-    const bool isPicture = job.video && IsSingle(*job.video) && !job.audio && !job.subtitle && job.copies.empty();
-    ProgressMeter progress(onProgress, isPicture ? 0 : input.Duration(), passes);
-    std::optional<PassRecord> record;
-    if (passes == 2) {
-        RunFirstPass(job, Pass{1, passes, &record.emplace()}, progress);
+    PassRecords records;
+    for (const VideoJob& video : job.video) {
+        if (MakesTwoPasses(video)) records[video.streamIndex];
     }
-    const Pass pass = {passes, passes, record ? &*record : nullptr};
+    const int passes = records.empty() ? 1 : 2;
+    // Pictures alone are done long before the input ends.
+    const bool isPicture = std::all_of(job.video.begin(), job.video.end(), IsSingle) && job.audio.empty() &&
+                           job.subtitles.empty() && job.copies.empty();
+    ProgressMeter progress(onProgress, isPicture ? 0 : input.Duration(), passes);
+    if (passes == 2) RunFirstPass(job, records, progress);
     ExportResult result;
     {
         Muxer muxer(job.muxer, job.muxerOptions, file);
-        result = RunPass(input, job, pass, muxer, progress);
+        result = RunPass(input, job, passes, records, muxer, progress);
     }
     result.bytes = file.Size();
     progress.Finish();

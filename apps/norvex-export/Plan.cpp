@@ -294,19 +294,27 @@ bool PlanCopy(Plan& plan, const Property& formatTree, const Source& source, Stre
     return true;
 }
 
+/// The stream of its kind that a player would take, or null.
+template <class Source>
+const Source* FindMain(const std::vector<Source>& streams) {
+    const auto main = std::find_if(streams.begin(), streams.end(), [](const Source& source) { return source.isMain; });
+    return main != streams.end() ? &*main : nullptr;
+}
+
 void PlanVideo(Plan& plan, const NamedHelper& format, const Property& formatTree) {
     const Property* const stream = FindStream(formatTree, P::STREAM_TYPE_VIDEO);
     const Request& request = plan.request;
     const std::string& kind = P::KEY_FILTER_VIDEO_CODEC;
     const bool isCodecChosen = request.Find(Path({kind, C::TAG_CODEC_ID})) != nullptr;
-    if (request.noVideo || stream == nullptr || !plan.input.video) {
+    const VideoSource* const main = FindMain(plan.input.video);
+    if (request.noVideo || stream == nullptr || main == nullptr) {
         if (isCodecChosen && !request.noVideo) {
             throw RequestError("--video: there is no picture in the " +
                                std::string(stream == nullptr ? "format '" + plan.formatId + "'" : "input"));
         }
         return;
     }
-    const VideoSource& source = *plan.input.video;
+    const VideoSource& source = *main;
     const bool isCover = stream->ChildExists(V::TAG_COVER_FLAG);
     if (isCover && !source.isAttachedPicture && !isCodecChosen) {
         plan.notes.push_back("'" + plan.formatId +
@@ -332,10 +340,11 @@ void PlanVideo(Plan& plan, const NamedHelper& format, const Property& formatTree
     StreamPlan settled = Settle({format, formatTree, codec, {resize, frameRate}, request}, std::move(values));
     settled.kind = StreamPlan::Kind::Video;
     settled.source = WordsFor(source);
-    plan.job.video = MakeVideoJob(settled.settled, source, resize);
-    plan.job.video->isCover = isCover;
-    plan.job.video->isStill = IsStill(plan.formatId);
-    if (form != nullptr) plan.job.video->pixelFormat = form->pixelFormat;
+    VideoJob job = MakeVideoJob(settled.settled, source, resize);
+    job.isCover = isCover;
+    job.isStill = IsStill(plan.formatId);
+    if (form != nullptr) job.pixelFormat = form->pixelFormat;
+    plan.job.video.push_back(std::move(job));
     plan.settled.SetChild(resize.GetName(), resize);
     plan.streams.push_back(std::move(settled));
 }
@@ -354,17 +363,18 @@ void PlanAudio(Plan& plan, const NamedHelper& format, const Property& formatTree
     const Request& request = plan.request;
     const std::string& kind = P::KEY_FILTER_AUDIO_CODEC;
     const bool isCodecChosen = request.Find(Path({kind, C::TAG_CODEC_ID})) != nullptr;
-    if (request.noAudio || stream == nullptr || !plan.input.audio) {
+    const AudioSource* const main = FindMain(plan.input.audio);
+    if (request.noAudio || stream == nullptr || main == nullptr) {
         if (isCodecChosen && !request.noAudio) {
             throw RequestError("--audio: there is no sound in the " +
                                std::string(stream == nullptr ? "format '" + plan.formatId + "'" : "input"));
         }
-        if (plan.input.audio && !request.noAudio && plan.job.video) {
+        if (main != nullptr && !request.noAudio && !plan.job.video.empty()) {
             plan.notes.push_back("'" + plan.formatId + "' holds no sound; it is left out.");
         }
         return;
     }
-    const AudioSource& source = *plan.input.audio;
+    const AudioSource& source = *main;
     const bool isAsked = isCodecChosen || request.Asks(kind) || request.Asks(Proc::IFilterResample::CLASS_ID);
     if (PlanCopy(plan, formatTree, source, StreamPlan::Kind::Audio, isAsked)) return;
 
@@ -373,10 +383,10 @@ void PlanAudio(Plan& plan, const NamedHelper& format, const Property& formatTree
         Settle({format, formatTree, codec, {ResampleSection(request)}, request}, AudioStreamOf(source, codec.id));
     settled.kind = StreamPlan::Kind::Audio;
     settled.source = WordsFor(source);
-    plan.job.audio = MakeAudioJob(settled.settled, source);
+    plan.job.audio.push_back(MakeAudioJob(settled.settled, source));
     plan.streams.push_back(std::move(settled));
     const bool isFormatChosen = request.Find(Path({Proc::IFilterResample::CLASS_ID, A::TAG_SAMPLE_FORMAT})) != nullptr;
-    if (!isFormatChosen && !HasSampleFormatRule(*codec.helper)) plan.job.audio->sampleFormat.clear();
+    if (!isFormatChosen && !HasSampleFormatRule(*codec.helper)) plan.job.audio.back().sampleFormat.clear();
     const int stored = DataHelperAudioCodecPCM::GetStoredBitsPerSample(codec.id);
     const int counted = SampleFmtRecord::Find(plan.streams.back().settled[A::TAG_SAMPLE_FORMAT].GetString()).bits;
     if (stored != 0 && stored != counted) {
@@ -393,8 +403,9 @@ void PlanSubtitles(Plan& plan, const NamedHelper& format, const Property& format
     const bool isOnlyKind = stream != nullptr && formatTree[P::KEY_STREAMS].Count() == 1;
     if (!isChosen && !isOnlyKind) return;
     if (stream == nullptr) throw RequestError("--subtitles: the format '" + plan.formatId + "' holds none");
-    if (!plan.input.subtitle) throw RequestError("there are no subtitles in the input");
-    const SubtitleSource& source = *plan.input.subtitle;
+    const SubtitleSource* const main = FindMain(plan.input.subtitles);
+    if (main == nullptr) throw RequestError("there are no subtitles in the input");
+    const SubtitleSource& source = *main;
     if (!source.isText) throw RequestError("the subtitles of the input (" + source.codecId + ") are pictures");
 
     const std::string codecId = CodecOf(plan.request, *stream, kind);
@@ -405,7 +416,7 @@ void PlanSubtitles(Plan& plan, const NamedHelper& format, const Property& format
     settled.settled = Property(std::string("subtitles"));
     settled.settled.SetChildT(C::TAG_CODEC_ID, codecId);
     settled.asked = settled.settled;
-    plan.job.subtitle = SubtitleJob{source.streamIndex, CodecNameOf(codecId)};
+    plan.job.subtitles.push_back({source.streamIndex, CodecNameOf(codecId)});
     plan.streams.push_back(std::move(settled));
 }
 

@@ -29,10 +29,10 @@ TEST_F(ProgramTest, ExportsWhatWasAskedFor) {
     EXPECT_THAT(outcome.text, HasSubstr("100000   96000"));
     EXPECT_THAT(outcome.text, HasSubstr("Wrote out.mp4"));
     const auto info = NorvexExport::Probe(File("out.mp4"));
-    EXPECT_EQ(info.video->codecId, "h264");
-    EXPECT_EQ(info.video->width, 160);
-    EXPECT_EQ(info.video->frameRate.numerator, 25);
-    EXPECT_EQ(info.audio->codecId, "aac");
+    EXPECT_EQ(info.video.at(0).codecId, "h264");
+    EXPECT_EQ(info.video.at(0).width, 160);
+    EXPECT_EQ(info.video.at(0).frameRate.numerator, 25);
+    EXPECT_EQ(info.audio.at(0).codecId, "aac");
     EXPECT_EQ(FileCount(), 2U) << "something was left beside the output";
 }
 

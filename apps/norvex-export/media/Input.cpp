@@ -44,6 +44,74 @@ bool IsTimed(const AVStream& stream) {
     return (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO) && !IsAttachedPicture(stream);
 }
 
+std::string TagOf(const AVStream& stream, const char* name) {
+    const AVDictionaryEntry* const entry = av_dict_get(stream.metadata, name, nullptr, 0);
+    return entry != nullptr ? entry->value : "";
+}
+
+std::vector<std::string> DispositionNames(const AVStream& stream) {
+    std::vector<std::string> names;
+    for (unsigned bit = 0; bit < 31; ++bit) {
+        const int disposition = static_cast<int>(1U << bit);
+        if ((stream.disposition & disposition) == 0) continue;
+        if (const char* const name = av_disposition_to_string(disposition)) names.emplace_back(name);
+    }
+    return names;
+}
+
+/// What streams of all kinds tell, in the description of any of them.
+template <class Source>
+Source DescribeStream(const AVStream& stream, bool isMain) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    Source source;
+    source.streamIndex = stream.index;
+    source.codecId = avcodec_get_name(parameters.codec_id);
+    source.language = TagOf(stream, "language");
+    source.title = TagOf(stream, "title");
+    source.dispositions = DispositionNames(stream);
+    source.isMain = isMain;
+    source.isDecodable = IsDecodable(stream);
+    source.codecTag = parameters.codec_tag;
+    source.codecDataSize = static_cast<std::size_t>(parameters.extradata_size);
+    return source;
+}
+
+VideoSource DescribeVideo(const Input& input, const AVStream& stream, bool isMain) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    const char* const format = av_get_pix_fmt_name(static_cast<AVPixelFormat>(parameters.format));
+    auto source = DescribeStream<VideoSource>(stream, isMain);
+    source.width = parameters.width;
+    source.height = parameters.height;
+    source.sampleAspect = ToFraction(input.SampleAspect(stream, nullptr));
+    source.frameRate = ToFraction(input.FrameRate(stream));
+    source.pixelFormat = format != nullptr ? format : "";
+    source.isAttachedPicture = IsAttachedPicture(stream);
+    return source;
+}
+
+AudioSource DescribeAudio(const AVStream& stream, bool isMain) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    const char* const format = av_get_sample_fmt_name(static_cast<AVSampleFormat>(parameters.format));
+    auto source = DescribeStream<AudioSource>(stream, isMain);
+    source.sampleRate = parameters.sample_rate;
+    source.channels = parameters.ch_layout.nb_channels;
+    if (source.channels > 0) source.layout = ChannelLayout(parameters.ch_layout).Name();
+    source.sampleFormat = format != nullptr ? format : "";
+    return source;
+}
+
+SubtitleSource DescribeSubtitle(const AVStream& stream, bool isMain) {
+    auto source = DescribeStream<SubtitleSource>(stream, isMain);
+    source.isText = IsText(stream.codecpar->codec_id);
+    return source;
+}
+
+AttachmentSource DescribeAttachment(const AVStream& stream) {
+    auto source = DescribeStream<AttachmentSource>(stream, false);
+    source.fileName = TagOf(stream, "filename");
+    return source;
+}
+
 }  // namespace
 
 bool IsAttachedPicture(const AVStream& stream) {
@@ -145,44 +213,30 @@ Input::Context Input::Open(const std::string& path) {
     return Context(context);
 }
 
-VideoSource DescribeVideo(const Input& input, const AVStream& stream) {
-    const AVCodecParameters& parameters = *stream.codecpar;
-    const char* const format = av_get_pix_fmt_name(static_cast<AVPixelFormat>(parameters.format));
-    VideoSource source;
-    source.streamIndex = stream.index;
-    source.codecId = avcodec_get_name(parameters.codec_id);
-    source.width = parameters.width;
-    source.height = parameters.height;
-    source.sampleAspect = ToFraction(input.SampleAspect(stream, nullptr));
-    source.frameRate = ToFraction(input.FrameRate(stream));
-    source.pixelFormat = format != nullptr ? format : "";
-    source.codecTag = parameters.codec_tag;
-    source.codecDataSize = static_cast<std::size_t>(parameters.extradata_size);
-    source.isAttachedPicture = IsAttachedPicture(stream);
-    return source;
-}
-
-AudioSource DescribeAudio(const AVStream& stream) {
-    const AVCodecParameters& parameters = *stream.codecpar;
-    const char* const format = av_get_sample_fmt_name(static_cast<AVSampleFormat>(parameters.format));
-    AudioSource source;
-    source.streamIndex = stream.index;
-    source.codecId = avcodec_get_name(parameters.codec_id);
-    source.sampleRate = parameters.sample_rate;
-    source.channels = parameters.ch_layout.nb_channels;
-    source.layout = ChannelLayout(parameters.ch_layout).Name();
-    source.sampleFormat = format != nullptr ? format : "";
-    source.codecTag = parameters.codec_tag;
-    source.codecDataSize = static_cast<std::size_t>(parameters.extradata_size);
-    return source;
-}
-
-SubtitleSource DescribeSubtitle(const AVStream& stream) {
-    SubtitleSource source;
-    source.streamIndex = stream.index;
-    source.codecId = avcodec_get_name(stream.codecpar->codec_id);
-    source.isText = IsText(stream.codecpar->codec_id);
-    return source;
+void DescribeStreams(const Input& input, InputInfo& info) {
+    const AVStream* const video = input.BestStream(AVMEDIA_TYPE_VIDEO, -1);
+    const AVStream* const audio = input.BestStream(AVMEDIA_TYPE_AUDIO, video != nullptr ? video->index : -1);
+    const AVStream* const timed = video != nullptr ? video : audio;
+    const AVStream* const subtitle = input.BestStream(AVMEDIA_TYPE_SUBTITLE, timed != nullptr ? timed->index : -1);
+    for (int index = 0; index < input.StreamCount(); ++index) {
+        const AVStream& stream = input.Stream(index);
+        switch (stream.codecpar->codec_type) {
+            case AVMEDIA_TYPE_VIDEO:
+                info.video.push_back(DescribeVideo(input, stream, &stream == video));
+                break;
+            case AVMEDIA_TYPE_AUDIO:
+                info.audio.push_back(DescribeAudio(stream, &stream == audio));
+                break;
+            case AVMEDIA_TYPE_SUBTITLE:
+                info.subtitles.push_back(DescribeSubtitle(stream, &stream == subtitle));
+                break;
+            case AVMEDIA_TYPE_ATTACHMENT:
+                info.attachments.push_back(DescribeAttachment(stream));
+                break;
+            default:
+                info.data.push_back(DescribeStream<StreamSource>(stream, false));
+        }
+    }
 }
 
 }  // namespace NorvexExport::Media

@@ -37,6 +37,9 @@ public:
     /// The stream a player would take, or null. `related` is a stream whose programme it should belong to, or -1.
     const AVStream* BestStream(AVMediaType type, int related) const;
 
+    int StreamCount() const { return static_cast<int>(m_context->nb_streams); }
+    const AVStream& Stream(int index) const { return *m_context->streams[index]; }
+
     /// The stream of that number, which must be of that type; all streams not asked for are skipped from then on.
     const AVStream& Select(int index, AVMediaType type);
 
@@ -71,8 +74,7 @@ private:
     std::vector<int> m_selected;
 };
 
-VideoSource DescribeVideo(const Input& input, const AVStream& stream);
-AudioSource DescribeAudio(const AVStream& stream);
-SubtitleSource DescribeSubtitle(const AVStream& stream);
+/// Adds all streams of the input to their lists.
+void DescribeStreams(const Input& input, InputInfo& info);
 
 }  // namespace NorvexExport::Media
