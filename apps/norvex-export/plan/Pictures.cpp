@@ -1,0 +1,180 @@
+#include "Pictures.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "Containers.h"
+#include "Copies.h"
+#include "Words.h"
+#include "norvex-export/Formats.h"
+#include "norvex-export/Jobs.h"
+#include "norvex-export/Settle.h"
+#include "norvex/Norvex.h"
+
+namespace NorvexExport {
+
+using namespace Norvex;
+using namespace Norvex::Conf;
+using Core::Property;
+using C = IFormatCodec;
+using P = IPreset;
+using V = IFormatCodecVideo;
+using Proc::IResize;
+
+namespace {
+
+Property FrameRateSection(const Request& request) {
+    return WithChoices(Proc::IFilterFrameRate::MakeSettings(Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE),
+                       request);
+}
+
+void UseSize(Property& section, long long width, long long height) {
+    Property& resize = section[IResize::CLASS_ID];
+    resize.SetChildT(IResize::FRAME_SIZE_MODE, IResize::FRAME_SIZE_CUSTOM);
+    resize.SetChildT(V::TAG_WIDTH, width);
+    resize.SetChildT(V::TAG_HEIGHT, height);
+}
+
+/// The frame sizes that a codec's rules offer; empty where any will do.
+std::vector<std::pair<long long, long long>> SizesOf(const IDataHelper& codec) {
+    RuleList rules;
+    codec.GetValidationRules(rules);
+    const std::string sizePath = Path({Proc::IFilterResize::CLASS_ID, IResize::CLASS_ID, IResize::FRAME_SIZE_MODE});
+    std::vector<std::pair<long long, long long>> sizes;
+    for (const auto& [key, rule] : rules) {
+        if (rule->GetSecondPath() != sizePath) continue;
+        for (const Property& size : WhatIsAllowed(*rule->GetSecondConstraint()).values) {
+            sizes.emplace_back(size[V::TAG_WIDTH].GetInt64(), size[V::TAG_HEIGHT].GetInt64());
+        }
+    }
+    return sizes;
+}
+
+/// Of the sizes, the one whose encoder takes a frame rate near the source's, and of those the nearest in area.
+std::pair<long long, long long> NearestSize(const std::vector<std::pair<long long, long long>>& sizes,
+                                            const std::string& codecId, const VideoSource& source) {
+    const auto distance = [&](const std::pair<long long, long long>& size) {
+        const EncoderForm* const form = FormOf(codecId, size.first, size.second);
+        const double ofRate = form == nullptr ? 0.0
+                                              : std::abs(boost::rational_cast<double>(form->frameRate) -
+                                                         boost::rational_cast<double>(ToRatio(source.frameRate)));
+        const long long area = 1LL * source.width * source.height;
+        return std::pair(ofRate, std::llabs(size.first * size.second - area));
+    };
+    return *std::min_element(sizes.begin(), sizes.end(),
+                             [&](const auto& one, const auto& two) { return distance(one) < distance(two); });
+}
+
+void RequireLegal(const Property& section, const Request& request) {
+    const NamedHelper helper = FindHelper(section.GetName(), std::string());
+    for (const Finding& finding : CheckPreset(AssemblePreset({section}), {helper})) {
+        const Choice* const choice = request.Find(finding.path);
+        throw RequestError((choice != nullptr ? choice->option : finding.path) + ": '" +
+                           Core::PropertyValueToString(section[finding.path.substr(section.GetName().size() + 1)]) +
+                           "' is not legal here; allowed: " + finding.allowed.words);
+    }
+}
+
+Property ResizeSection(Plan& plan, const NamedHelper& codec, const VideoSource& source) {
+    Property section = CreateDataHelper(Proc::IFilterResize::CLASS_ID, std::string())->GetDefaults();
+    Property& resize = section[IResize::CLASS_ID];
+    resize.SetChildT(IResize::FRAME_SIZE_MODE, IResize::FRAME_SIZE_ORIGINAL);
+    section = WithChoices(std::move(section), plan.request);
+    const bool isChosen = plan.request.Asks(Proc::IFilterResize::CLASS_ID);
+    const auto sizes = SizesOf(*codec.helper);
+    if (!sizes.empty()) {
+        const Property& chosen = section[IResize::CLASS_ID];
+        const auto size = std::pair(chosen[V::TAG_WIDTH].GetInt64(), chosen[V::TAG_HEIGHT].GetInt64());
+        if (!isChosen) {
+            const auto nearest = NearestSize(sizes, codec.id, source);
+            UseSize(section, nearest.first, nearest.second);
+            plan.notes.push_back("'" + codec.id + "' has its own frame sizes; the picture is brought to " +
+                                 SizeText(nearest.first, nearest.second) + ".");
+        } else if (std::find(sizes.begin(), sizes.end(), size) == sizes.end()) {
+            std::vector<std::string> names;
+            names.reserve(sizes.size());
+            for (const auto& [width, height] : sizes) names.push_back(SizeText(width, height));
+            throw RequestError("--size: '" + SizeText(size.first, size.second) +
+                               "' is not legal here; allowed: one of " + Join(names));
+        }
+    } else if (!isChosen && (source.width % 2 != 0 || source.height % 2 != 0)) {
+        // The rule book wants even sizes, and most encoders do.
+        UseSize(section, std::max(2, source.width / 2 * 2), std::max(2, source.height / 2 * 2));
+        Property& even = section[IResize::CLASS_ID];
+        even.SetChildT(IResize::MODE, IResize::MODE_STRETCH);
+        even.SetChildT(V::TAG_ASPECTX, source.sampleAspect.numerator);
+        even.SetChildT(V::TAG_ASPECTY, source.sampleAspect.denominator);
+    }
+    RequireLegal(section, plan.request);
+    return section;
+}
+
+Property VideoStreamOf(const VideoSource& source, const std::string& codecId) {
+    Property stream(V::TAG_FORMAT_CODEC_VIDEO);
+    stream.SetChildT(C::TAG_CODEC_ID, codecId);
+    stream.SetChildT(V::TAG_WIDTH, source.width);
+    stream.SetChildT(V::TAG_HEIGHT, source.height);
+    stream.SetChildT(V::TAG_ASPECTX, source.sampleAspect.numerator);
+    stream.SetChildT(V::TAG_ASPECTY, source.sampleAspect.denominator);
+    stream.SetChildT(V::TAG_FPS, ToRatio(source.frameRate));
+    return stream;
+}
+
+/// The stream of its kind that a player would take, or null.
+template <class Source>
+const Source* FindMain(const std::vector<Source>& streams) {
+    const auto main = std::find_if(streams.begin(), streams.end(), [](const Source& source) { return source.isMain; });
+    return main != streams.end() ? &*main : nullptr;
+}
+
+}  // namespace
+
+void PlanVideo(Plan& plan, const NamedHelper& format, const Property& formatTree) {
+    const Property* const stream = FindStream(formatTree, P::STREAM_TYPE_VIDEO);
+    const Request& request = plan.request;
+    const std::string& kind = P::KEY_FILTER_VIDEO_CODEC;
+    const bool isCodecChosen = request.Find(Path({kind, C::TAG_CODEC_ID})) != nullptr;
+    const VideoSource* const main = FindMain(plan.input.video);
+    if (request.noVideo || stream == nullptr || main == nullptr) {
+        if (isCodecChosen && !request.noVideo) {
+            throw RequestError("--video: there is no picture in the " +
+                               std::string(stream == nullptr ? "format '" + plan.formatId + "'" : "input"));
+        }
+        return;
+    }
+    const VideoSource& source = *main;
+    const bool isCover = stream->ChildExists(V::TAG_COVER_FLAG);
+    if (isCover && !source.isAttachedPicture && !isCodecChosen) {
+        plan.notes.push_back("'" + plan.formatId +
+                             "' holds sound; give --video to take the first picture for a cover.");
+        return;
+    }
+    const bool isAsked = isCodecChosen || request.Asks(kind) || request.Asks(Proc::IFilterResize::CLASS_ID) ||
+                         request.Asks(Proc::IFilterFrameRate::CLASS_ID);
+    if (!isCover && !IsStill(plan.formatId) && PlanCopy(plan, formatTree, source, isAsked)) {
+        return;
+    }
+    const NamedHelper codec = FindCodec(format, kind, P::STREAM_TYPE_VIDEO, CodecOf(request, *stream, kind));
+    const Property resize = ResizeSection(plan, codec, source);
+    Property frameRate = FrameRateSection(request);
+    const Property& size = resize[IResize::CLASS_ID];
+    const EncoderForm* const form = FormOf(codec.id, size[V::TAG_WIDTH].GetInt64(), size[V::TAG_HEIGHT].GetInt64());
+    if (form != nullptr && !request.Asks(Proc::IFilterFrameRate::CLASS_ID)) {
+        frameRate.SetChildT(V::TAG_FPS, form->frameRate);
+    }
+
+    Property values = VideoStreamOf(source, codec.id);
+    if (isCover) values.SetChildT(V::TAG_COVER_FLAG, true);
+    StreamPlan settled = Settle({format, formatTree, codec, {resize, frameRate}, request}, std::move(values));
+    settled.kind = StreamPlan::Kind::Video;
+    settled.source = WordsFor(source);
+    VideoJob job = MakeVideoJob(settled.settled, source, resize);
+    job.isCover = isCover;
+    job.isStill = IsStill(plan.formatId);
+    if (form != nullptr) job.pixelFormat = form->pixelFormat;
+    plan.job.video.push_back(std::move(job));
+    plan.settled.SetChild(resize.GetName(), resize);
+    plan.streams.push_back(std::move(settled));
+}
+
+}  // namespace NorvexExport

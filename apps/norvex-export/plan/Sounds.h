@@ -1,0 +1,11 @@
+/// What becomes of the sound.
+#pragma once
+
+#include "norvex-export/Plan.h"
+#include "norvex/Conf/Review/PresetCheck.h"
+
+namespace NorvexExport {
+
+void PlanAudio(Plan& plan, const Norvex::Conf::NamedHelper& format, const Norvex::Core::Property& formatTree);
+
+}  // namespace NorvexExport
