@@ -137,6 +137,19 @@ void RunFirstPass(const ExportJob& job, PassRecords& records, ProgressMeter& pro
     RunPass(input, job, 1, records, muxer, progress);
 }
 
+/// Why the output cannot begin; empty where it can.
+std::string WhyNotWritable(Input& input, const ExportJob& job) {
+    try {
+        PassRecords none;
+        Muxer muxer = Muxer::OnTrial(job.muxer, job.muxerOptions);
+        const OutputStreams streams = MakeStreams(input, job, 1, none, muxer);
+        muxer.Begin();
+        return {};
+    } catch (const MediaError& error) {
+        return error.what();
+    }
+}
+
 }  // namespace
 
 InputInfo Probe(const std::string& path) {
@@ -152,6 +165,24 @@ InputInfo Probe(const std::string& path) {
         throw MediaError("cannot open " + input.QuotedName() + ": it holds neither pictures nor sound nor subtitles");
     }
     return info;
+}
+
+std::vector<UnwritableCopy> FindUnwritableCopies(const ExportJob& job) {
+    Input input(job.inputPath);
+    if (job.copies.empty() || WhyNotWritable(input, job).empty()) return {};
+    ExportJob part = job;
+    part.copies.clear();
+    const bool hasOthers = !part.video.empty() || !part.audio.empty() || !part.subtitles.empty();
+    if (hasOthers && !WhyNotWritable(input, part).empty()) return {};
+    std::vector<UnwritableCopy> unwritable;
+    for (const int index : job.copies) {
+        part.copies.push_back(index);
+        std::string reason = WhyNotWritable(input, part);
+        if (reason.empty()) continue;
+        unwritable.push_back({index, std::move(reason)});
+        part.copies.pop_back();
+    }
+    return unwritable;
 }
 
 ExportResult RunExport(const ExportJob& job, const std::function<void(const Progress&)>& onProgress) {

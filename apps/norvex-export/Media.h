@@ -34,15 +34,26 @@ struct StreamSource {
     std::string title;                      ///< empty where the stream has none
     std::vector<std::string> dispositions;  ///< what it is there for, by FFmpeg's names, such as "default", "forced"
     bool isMain = false;                    ///< the one of its kind that a player would take
+    bool isInMainProgramme = true;          ///< of a transport stream; all are, where there are no programmes
     bool isDecodable = false;               ///< this FFmpeg has a decoder, and the stream says enough of itself for it
     unsigned codecTag = 0;                  ///< what the container calls the codec, 0 where it does not
     std::size_t codecDataSize = 0;          ///< bytes of the codec's header that are kept out of the packets
 };
 
+/// How a picture must be turned to stand upright: mirrored left to right where that is said, then clockwise.
+struct Orientation {
+    int degrees = 0;  ///< 0, 90, 180 or 270
+    bool isMirrored = false;
+
+    bool IsUpright() const { return degrees == 0 && !isMirrored; }
+    bool SwapsSides() const { return degrees % 180 != 0; }
+};
+
 struct VideoSource : StreamSource {
-    int width = 0;                   ///< pixels
+    int width = 0;                   ///< pixels, of the picture as it is stored
     int height = 0;                  ///< pixels
     Fraction sampleAspect;           ///< shape of one pixel, 1/1 where the input does not say
+    Orientation orientation;         ///< of the stored picture
     Fraction frameRate;              ///< frames per second, 25/1 where the input does not say
     std::string pixelFormat;         ///< FFmpeg's name, empty where unknown
     bool isAttachedPicture = false;  ///< a cover picture: one frame
@@ -74,7 +85,8 @@ struct InputInfo {
     std::vector<AudioSource> audio;
     std::vector<SubtitleSource> subtitles;
     std::vector<AttachmentSource> attachments;
-    std::vector<StreamSource> data;  ///< streams of any other kind, such as time codes
+    std::vector<StreamSource> data;  ///< streams of any other kind, such as the telemetry of a camera
+    int chapters = 0;
 };
 
 /// How a picture is brought to a size of another shape.
@@ -95,6 +107,7 @@ struct VideoJob {
     std::string pixelFormat;  ///< FFmpeg's name; by the profile and the source where it is empty
     /// Frames per second; frames are repeated or left out to meet it. A cover and a still picture need none.
     Fraction frameRate;
+    Orientation orientation;  ///< how the source's picture is turned before anything else is done to it
     Fit fit = Fit::Stretch;
     std::string scaler;  ///< "neighbor", "fast_bilinear", "bilinear" or "bicubic", which is taken where it is empty
     RateControl rateControl = RateControl::Bitrate;
@@ -164,6 +177,16 @@ struct ExportResult {
 
 /// Reads what `path` holds. Throws MediaError for a file that is missing, unreadable or no media.
 InputInfo Probe(const std::string& path);
+
+/// A stream that the container does not take as it is.
+struct UnwritableCopy {
+    int streamIndex = -1;
+    std::string reason;  ///< FFmpeg's
+};
+
+/// Tries to begin the output, without writing anything, and tells which of the job's copies stand in the way. A job
+/// that cannot begin without its copies gives none: to export it tells why.
+std::vector<UnwritableCopy> FindUnwritableCopies(const ExportJob& job);
 
 /// Carries the job out, from the beginning of the input to its end. The output begins at 0, whenever the input
 /// does, and its streams stay in step. Damaged packets of the input are passed over.

@@ -102,16 +102,30 @@ std::vector<Row> RowsOf(const StreamPlan& stream) {
     return rows;
 }
 
-const char* KindName(StreamPlan::Kind kind) {
+const char* KindName(StreamKind kind) {
     switch (kind) {
-        case StreamPlan::Kind::Video:
+        case StreamKind::Video:
             return "video";
-        case StreamPlan::Kind::Audio:
+        case StreamKind::Audio:
             return "audio";
-        case StreamPlan::Kind::Subtitle:
+        case StreamKind::Subtitle:
+            return "subtitles";
+        case StreamKind::Cover:
+            return "cover";
+        case StreamKind::Attachment:
+            return "attachment";
+        case StreamKind::Data:
             break;
     }
-    return "subtitles";
+    return "data";
+}
+
+/// Such as "audio 2, eng, Commentary".
+std::string HeadingOf(const StreamPlan& stream) {
+    std::string text = fmt::format("{} {}", KindName(stream.kind), stream.streamIndex);
+    if (!stream.language.empty()) text += ", " + stream.language;
+    if (!stream.title.empty()) text += ", " + stream.title;
+    return text;
 }
 
 const char* VerdictName(Finding::Verdict verdict) {
@@ -171,7 +185,7 @@ std::string ExplainText(const StreamPlan& stream, const Style& style) {
 
 std::string StreamText(const StreamPlan& stream, bool explain, const Style& style) {
     if (stream.isCopied) {
-        return fmt::format("\n{}{}{}  {}carried over unchanged: {}{}\n", style.bold, KindName(stream.kind), style.reset,
+        return fmt::format("\n{}{}{}  {}carried over unchanged: {}{}\n", style.bold, HeadingOf(stream), style.reset,
                            style.dim, stream.source, style.reset);
     }
     const std::vector<Row> rows = RowsOf(stream);
@@ -183,7 +197,7 @@ std::string StreamText(const StreamPlan& stream, bool explain, const Style& styl
         asked = std::max(asked, row.asked.size());
         settled = std::max(settled, row.settled.size());
     }
-    std::string text = fmt::format("\n{}{}{}  {}from {}{}\n", style.bold, KindName(stream.kind), style.reset, style.dim,
+    std::string text = fmt::format("\n{}{}{}  {}from {}{}\n", style.bold, HeadingOf(stream), style.reset, style.dim,
                                    stream.source, style.reset);
     text += fmt::format("  {}{:<{}}  {:<{}}  {:<{}}  by{}\n", style.dim, "", path, "asked", asked, "settled", settled,
                         style.reset);
@@ -247,6 +261,9 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
                                {"message", change->broken ? change->broken->message : std::string()}});
         }
         Json json = {{"type", KindName(stream.kind)},
+                     {"index", stream.streamIndex},
+                     {"language", stream.language},
+                     {"title", stream.title},
                      {"source", stream.source},
                      {"copied", stream.isCopied},
                      {"asked", ToJson(stream.asked)},

@@ -211,6 +211,18 @@ bool Request::Asks(const std::string& section) const {
     });
 }
 
+Request Request::For(int stream, const std::string& codecSection) const {
+    Request own = *this;
+    auto& kept = own.choices;
+    const auto drop = [&kept](const auto& isOut) {
+        kept.erase(std::remove_if(kept.begin(), kept.end(), isOut), kept.end());
+    };
+    drop([&](const Choice& choice) { return choice.stream && *choice.stream != stream; });
+    const std::string codecId = own.TextAt(Path({codecSection, A::TAG_CODEC_ID}));
+    drop([&](const Choice& choice) { return !choice.codecId.empty() && choice.codecId != codecId; });
+    return own;
+}
+
 Parsed ParseCommandLine(int argc, const char* const* argv) {
     Parsed parsed;
     Request& r = parsed.request;

@@ -27,7 +27,7 @@ void Print(const std::string& text) {
 void Run(Request request) {
     TakeCensus();
     if (!request.presetFile.empty()) ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile));
-    const Plan plan = MakePlan(request, Probe(request.input));
+    const Plan plan = MakePlan(request, Probe(request.input), FindUnwritableCopies);
     if (!request.savePresetFile.empty())
         NorvexApps::WriteText(request.savePresetFile, NorvexApps::WritePreset(plan.settled));
     const bool asText = !request.json && !request.quiet;

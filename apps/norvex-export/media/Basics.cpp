@@ -61,6 +61,20 @@ AVRational KnownAspect(AVRational aspect) {
     return IsPositive(aspect) ? aspect : AVRational{1, 1};
 }
 
+const std::int32_t* DisplayMatrix(const AVStream& stream) {
+#if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
+    std::size_t size = 0;
+    const std::uint8_t* const data = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
+#else
+    const AVCodecParameters& parameters = *stream.codecpar;
+    const AVPacketSideData* const side =
+        av_packet_side_data_get(parameters.coded_side_data, parameters.nb_coded_side_data, AV_PKT_DATA_DISPLAYMATRIX);
+    const std::size_t size = side != nullptr ? side->size : 0;
+    const std::uint8_t* const data = side != nullptr ? side->data : nullptr;
+#endif
+    return size >= 9 * sizeof(std::int32_t) ? reinterpret_cast<const std::int32_t*>(data) : nullptr;
+}
+
 bool HasFlag(AVPixelFormat format, unsigned flag) {
     const AVPixFmtDescriptor* const descriptor = av_pix_fmt_desc_get(format);
     return descriptor != nullptr && (descriptor->flags & flag) != 0;

@@ -1,6 +1,7 @@
 /// What every part of the media half stands on: failures, ownership of FFmpeg's objects, numbers, formats, channels.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <new>
 #include <string>
@@ -73,6 +74,9 @@ bool IsPositive(AVRational rational);
 
 /// Shape of one pixel; FFmpeg says 0 for the unknown one.
 AVRational KnownAspect(AVRational aspect);
+
+/// How the stream's pictures are turned for a viewer, as nine numbers; null where the stream does not say.
+const std::int32_t* DisplayMatrix(const AVStream& stream);
 
 bool HasFlag(AVPixelFormat format, unsigned flag);
 bool IsYuv(AVPixelFormat format);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 extern "C" {
 #include <libavcodec/bsf.h>
@@ -53,15 +54,22 @@ public:
         : m_input(input),
           m_stream(stream),
           m_muxer(muxer),
+          m_isAttached(IsAttachedPicture(stream) && muxer.AttachesCovers()),
           m_filter(FilterFor(stream, muxer)),
-          m_outputIndex(
-              muxer.AddCopy(stream, m_filter ? m_filter->Parameters() : *stream.codecpar, input.FrameRate(stream))),
+          m_outputIndex(m_isAttached ? muxer.AddAttachedCover(stream)
+                                     : muxer.AddCopy(stream, m_filter ? m_filter->Parameters() : *stream.codecpar,
+                                                     input.FrameRate(stream))),
           m_startTime(av_rescale_q(input.StartTime(), av_get_time_base_q(), stream.time_base)),
-          m_packet(Own(av_packet_alloc())) {}
+          m_packet(Own(av_packet_alloc())) {
+        // Packets of AVI tell in which order to decode them and nothing else.
+        if (std::string_view(input.Container()) == "avi" && LacksTimes()) FailWithoutTimes();
+    }
 
     int SourceIndex() const override { return m_stream.index; }
-    /// An attached picture is one packet.
-    bool WantsMore() const override { return !(IsAttachedPicture(m_stream) && m_packets > 0); }
+    /// An attached picture is one packet, and what is attached to the file as a whole none.
+    bool WantsMore() const override {
+        return !m_isAttached && Type() != AVMEDIA_TYPE_ATTACHMENT && !(IsAttachedPicture(m_stream) && m_packets > 0);
+    }
     double Seconds() const override { return static_cast<double>(m_end) * av_q2d(m_stream.time_base); }
     void Report(ExportResult& result) const override { result.copiedPackets += m_packets; }
 
@@ -80,7 +88,7 @@ public:
 
     void Finish() override {
         const bool isSteady = Type() == AVMEDIA_TYPE_VIDEO || Type() == AVMEDIA_TYPE_AUDIO;
-        if (m_packets > 0 || !isSteady) return;
+        if (m_packets > 0 || !isSteady || m_isAttached) return;
         throw MediaError("the stream " + std::to_string(m_stream.index) + " of " + m_input.QuotedName() +
                          " holds nothing that can be copied");
     }
@@ -100,6 +108,16 @@ private:
         m_muxer.Write(packet, m_outputIndex, m_muxer.TimeBase(m_outputIndex));
     }
 
+    /// Whether only to decode the pictures would tell when they are shown, where packets do not: H.264 in AVI is such.
+    bool LacksTimes() const {
+        return Type() == AVMEDIA_TYPE_VIDEO && m_stream.codecpar->video_delay > 0 && m_muxer.TellsTimes();
+    }
+
+    [[noreturn]] void FailWithoutTimes() const {
+        throw MediaError("the stream " + std::to_string(m_stream.index) + " of " + m_input.QuotedName() +
+                         " does not say when its pictures are shown, and must be encoded anew");
+    }
+
     AVMediaType Type() const { return m_stream.codecpar->codec_type; }
 
     /// Brings the times to the line of the output, in the time base of the source, and makes up for missing ones.
@@ -115,12 +133,7 @@ private:
             packet.dts = isFirst ? packet.pts : m_nextTime;
         }
         if (packet.pts == AV_NOPTS_VALUE) {
-            // Only to decode the pictures would tell: H.264 in AVI is such a stream.
-            const bool isReordered = Type() == AVMEDIA_TYPE_VIDEO && m_stream.codecpar->video_delay > 0;
-            if (isReordered && m_muxer.TellsTimes()) {
-                throw MediaError("the stream " + std::to_string(m_stream.index) + " of " + m_input.QuotedName() +
-                                 " does not say when its pictures are shown, and must be encoded anew");
-            }
+            if (LacksTimes()) FailWithoutTimes();
             packet.pts = packet.dts;
         }
         // Muxers would move all streams for an event that began before the film.
@@ -149,6 +162,7 @@ private:
     const Input& m_input;
     const AVStream& m_stream;
     Muxer& m_muxer;
+    bool m_isAttached;                       // becomes a file inside the file
     std::unique_ptr<PacketFilter> m_filter;  // null where the packets go over as they are
     int m_outputIndex;
     std::int64_t m_startTime;  // of the input, which becomes 0; this and the next two in the time base of the source

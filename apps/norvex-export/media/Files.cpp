@@ -1,5 +1,8 @@
 #include "Files.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <random>
@@ -31,6 +34,15 @@ std::string FileUrl(const std::string& path) {
     return "file:" + path;
 }
 
+void RequireReadAgain(const std::string& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    const bool isStream = fs::is_fifo(status) || fs::is_socket(status) || fs::is_character_file(status);
+    if (isStream || (path == "-" && !fs::exists(status))) {
+        throw MediaError("cannot open " + Quoted(path) + ": an input is read more than once and must be a file");
+    }
+}
+
 PendingFile::PendingFile(const std::string& target) : m_name(Quoted(target)), m_target(Resolve(target)) {
     RequireReplaceable();
     // A name of its own, not one made of the target's: that one may be as long as a name can be.
@@ -39,6 +51,9 @@ PendingFile::PendingFile(const std::string& target) : m_name(Quoted(target)), m_
         m_path = m_target.parent_path() / ("." + RandomName() + extension.string());
         if (std::FILE* const file = std::fopen(m_path.string().c_str(), "wbx")) {
             std::fclose(file);
+            std::error_code ignored;
+            constexpr auto ours = fs::perms::owner_read | fs::perms::owner_write;
+            if (m_mode != fs::perms::unknown) fs::permissions(m_path, m_mode | ours, ignored);
             return;
         }
         if (errno != EEXIST) Fail("cannot write " + m_name, AVERROR(errno));
@@ -54,6 +69,7 @@ std::uintmax_t PendingFile::Size() const {
 
 void PendingFile::Commit() {
     std::error_code error;
+    if (m_mode != fs::perms::unknown) fs::permissions(m_path, m_mode, error);
     fs::rename(m_path, m_target, error);
     if (error) Fail("cannot write " + m_name, error);
     m_committed = true;
@@ -65,13 +81,20 @@ fs::path PendingFile::Resolve(const fs::path& target) {
     return error ? target : resolved;
 }
 
-void PendingFile::RequireReplaceable() const {
+void PendingFile::RequireReplaceable() {
     std::error_code error;
     const fs::file_status status = fs::status(m_target, error);
     if (status.type() == fs::file_type::directory) Fail("cannot write " + m_name, AVERROR(EISDIR));
     if (fs::exists(status) && status.type() != fs::file_type::regular) {
         throw MediaError("cannot write " + m_name + ": it is not a regular file");
     }
+    if (!fs::exists(status)) return;
+    m_mode = status.permissions();
+    // The superuser may write to any file, and is asked to make this one writable first, as its owner would be.
+    constexpr auto writable = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    const bool isForbidden =
+        (m_mode & writable) == fs::perms::none || faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0;
+    if (isForbidden) Fail("cannot write " + m_name, AVERROR(EACCES));
 }
 
 TemporaryDirectory::TemporaryDirectory() {

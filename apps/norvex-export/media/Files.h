@@ -11,6 +11,9 @@ namespace NorvexExport::Media {
 /// The name under which FFmpeg opens exactly this file: without it a colon would make the name a protocol.
 std::string FileUrl(const std::string& path);
 
+/// An input is read more than once, which a pipe cannot be, and to open one may wait for ever. Throws MediaError.
+void RequireReadAgain(const std::string& path);
+
 /// A file that gets its real name only when it is complete, and is gone otherwise.
 class PendingFile {
 public:
@@ -31,12 +34,13 @@ private:
     /// Where a link leads to, so that the link stays and its target is replaced.
     static std::filesystem::path Resolve(const std::filesystem::path& target);
 
-    /// Renaming over a device or a pipe would put a file in its place.
-    void RequireReplaceable() const;
+    /// Renaming over a device or a pipe would put a file in its place, and needs no leave of the file's owner.
+    void RequireReplaceable();
 
     std::string m_name;
     std::filesystem::path m_target;
     std::filesystem::path m_path;
+    std::filesystem::perms m_mode = std::filesystem::perms::unknown;  ///< of the file that is replaced
     bool m_committed = false;
 };
 

@@ -10,6 +10,7 @@ extern "C" {
 }
 
 #include "Files.h"
+#include "Tags.h"
 
 namespace NorvexExport::Media {
 
@@ -44,11 +45,6 @@ bool IsTimed(const AVStream& stream) {
     return (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO) && !IsAttachedPicture(stream);
 }
 
-std::string TagOf(const AVStream& stream, const char* name) {
-    const AVDictionaryEntry* const entry = av_dict_get(stream.metadata, name, nullptr, 0);
-    return entry != nullptr ? entry->value : "";
-}
-
 std::vector<std::string> DispositionNames(const AVStream& stream) {
     std::vector<std::string> names;
     for (unsigned bit = 0; bit < 31; ++bit) {
@@ -59,6 +55,28 @@ std::vector<std::string> DispositionNames(const AVStream& stream) {
     return names;
 }
 
+/// Whether the stream belongs to programmes of a transport stream, and the main stream to none of them.
+bool IsElsewhere(const AVFormatContext& input, int main, int index) {
+    bool hasProgramme = false;
+    for (unsigned i = 0; i < input.nb_programs; ++i) {
+        const AVProgram& programme = *input.programs[i];
+        unsigned* const end = programme.stream_index + programme.nb_stream_indexes;
+        const auto holds = [&](int stream) {
+            return std::any_of(programme.stream_index, end, [&](unsigned s) { return static_cast<int>(s) == stream; });
+        };
+        if (!holds(index)) continue;
+        if (holds(main)) return false;
+        hasProgramme = true;
+    }
+    return hasProgramme;
+}
+
+/// Streams of data that muxers write by themselves: the titles of chapters, and the time code of a tag.
+bool IsWrittenAnew(const AVStream& stream) {
+    const unsigned tag = stream.codecpar->codec_tag;
+    return tag == MKTAG('t', 'e', 'x', 't') || tag == MKTAG('t', 'm', 'c', 'd');
+}
+
 /// What streams of all kinds tell, in the description of any of them.
 template <class Source>
 Source DescribeStream(const AVStream& stream, bool isMain) {
@@ -66,8 +84,8 @@ Source DescribeStream(const AVStream& stream, bool isMain) {
     Source source;
     source.streamIndex = stream.index;
     source.codecId = avcodec_get_name(parameters.codec_id);
-    source.language = TagOf(stream, "language");
-    source.title = TagOf(stream, "title");
+    source.language = TagOf(stream.metadata, "language");
+    source.title = TitleOf(stream);
     source.dispositions = DispositionNames(stream);
     source.isMain = isMain;
     source.isDecodable = IsDecodable(stream);
@@ -83,6 +101,7 @@ VideoSource DescribeVideo(const Input& input, const AVStream& stream, bool isMai
     source.width = parameters.width;
     source.height = parameters.height;
     source.sampleAspect = ToFraction(input.SampleAspect(stream, nullptr));
+    source.orientation = OrientationOf(stream);
     source.frameRate = ToFraction(input.FrameRate(stream));
     source.pixelFormat = format != nullptr ? format : "";
     source.isAttachedPicture = IsAttachedPicture(stream);
@@ -108,7 +127,7 @@ SubtitleSource DescribeSubtitle(const AVStream& stream, bool isMain) {
 
 AttachmentSource DescribeAttachment(const AVStream& stream) {
     auto source = DescribeStream<AttachmentSource>(stream, false);
-    source.fileName = TagOf(stream, "filename");
+    source.fileName = TagOf(stream.metadata, "filename");
     return source;
 }
 
@@ -206,11 +225,12 @@ bool Input::Read(AVPacket& packet) {
     return false;
 }
 
-Input::Context Input::Open(const std::string& path) {
+Input::OwnedContext Input::Open(const std::string& path) {
+    RequireReadAgain(path);
     AVFormatContext* context = nullptr;  // avformat_open_input frees it where it fails
     const int result = avformat_open_input(&context, FileUrl(path).c_str(), nullptr, nullptr);
     if (result < 0) Fail("cannot open " + Quoted(path), result);
-    return Context(context);
+    return OwnedContext(context);
 }
 
 void DescribeStreams(const Input& input, InputInfo& info) {
@@ -218,6 +238,13 @@ void DescribeStreams(const Input& input, InputInfo& info) {
     const AVStream* const audio = input.BestStream(AVMEDIA_TYPE_AUDIO, video != nullptr ? video->index : -1);
     const AVStream* const timed = video != nullptr ? video : audio;
     const AVStream* const subtitle = input.BestStream(AVMEDIA_TYPE_SUBTITLE, timed != nullptr ? timed->index : -1);
+    const auto describeProgramme = [&](auto& streams) {
+        for (auto& source : streams) {
+            source.isInMainProgramme =
+                timed == nullptr || !IsElsewhere(input.Context(), timed->index, source.streamIndex);
+        }
+    };
+    info.chapters = static_cast<int>(input.Context().nb_chapters);
     for (int index = 0; index < input.StreamCount(); ++index) {
         const AVStream& stream = input.Stream(index);
         switch (stream.codecpar->codec_type) {
@@ -234,9 +261,11 @@ void DescribeStreams(const Input& input, InputInfo& info) {
                 info.attachments.push_back(DescribeAttachment(stream));
                 break;
             default:
-                info.data.push_back(DescribeStream<StreamSource>(stream, false));
+                if (!IsWrittenAnew(stream)) info.data.push_back(DescribeStream<StreamSource>(stream, false));
         }
     }
+    describeProgramme(info.video), describeProgramme(info.audio), describeProgramme(info.subtitles);
+    describeProgramme(info.attachments), describeProgramme(info.data);
 }
 
 }  // namespace NorvexExport::Media

@@ -62,10 +62,15 @@ OutputStreams MakeStreams(Input& input, const ExportJob& job, int pass, PassReco
         const AVStream& stream = input.Select(index);
         if (isWhole) orders.push_back({&stream, [&] { return MakeCopiedStream(input, stream, muxer); }});
     }
-    std::stable_sort(orders.begin(), orders.end(),
-                     [](const Order& one, const Order& two) { return one.source->index < two.source->index; });
+    const auto place = [&muxer](const Order& order) {
+        const bool isPicture = order.source->codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
+        return std::pair(muxer.WantsPictureFirst() && !isPicture, order.source->index);
+    };
+    std::sort(orders.begin(), orders.end(),
+              [&place](const Order& one, const Order& two) { return place(one) < place(two); });
     OutputStreams streams;
     for (const Order& order : orders) streams.push_back(order.make());
+    muxer.TakeTags(input.Context(), input.StartTime());
     return streams;
 }
 

@@ -45,7 +45,7 @@ public:
           m_decoder(stream),
           m_encoder(job.codecId, m_decoder.Header(), globalHeader),
           m_muxer(muxer),
-          m_outputIndex(muxer.AddStream(m_encoder.Context())),
+          m_outputIndex(muxer.AddStream(m_encoder.Context(), stream)),
           m_startTime(input.StartTime()) {}
 
     int SourceIndex() const override { return m_stream.index; }

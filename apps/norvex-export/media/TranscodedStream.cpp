@@ -16,7 +16,7 @@ TranscodedStream::TranscodedStream(const Input& input, const AVStream& stream, E
       m_decoder(stream),
       m_encoder(std::move(encoder)),
       m_muxer(muxer),
-      m_outputIndex(muxer.AddStream(m_encoder.Context())),
+      m_outputIndex(muxer.AddStream(m_encoder.Context(), stream)),
       m_startTime(av_rescale_q(input.StartTime(), av_get_time_base_q(), stream.time_base)),
       m_filtered(Own(av_frame_alloc())) {}
 

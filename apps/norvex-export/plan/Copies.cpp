@@ -4,26 +4,30 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
+#include <algorithm>
+#include <cstdio>
+
 #include "Words.h"
+#include "norvex-export/Formats.h"
 #include "norvex/Norvex.h"
 
 namespace NorvexExport {
+
+namespace {
 
 using namespace Norvex;
 using namespace Norvex::Conf;
 using Core::Property;
 using A = IFormatCodecAudio;
 using C = IFormatCodec;
-
-namespace {
+using P = IPreset;
 
 SP<const ICodecData> DataOf(std::size_t size) {
     return size == 0 ? nullptr : CodecData::Create(std::vector<std::uint8_t>(size));
 }
 
 /// A stream of the input as one that is carried over unchanged.
-template <class Source>
-Property Unchanged(const Source& source) {
+Property Unchanged(const StreamSource& source) {
     Property settings(std::string("stream"));
     settings.SetChildT(C::TAG_CODEC_ID, source.codecId);
     settings.SetChildT(C::TAG_FOURCC, source.codecTag);
@@ -43,36 +47,104 @@ SP<const IFormatCodec> Describe(const AudioSource& source) {
     return FormatCodecAudio::Create(settings, DataOf(source.codecDataSize));
 }
 
-template <class Source>
-bool PlanCopyOf(Plan& plan, const Property& formatTree, const Source& source, StreamPlan::Kind kind, bool isAsked) {
-    const char* const name = kind == StreamPlan::Kind::Video ? "picture" : "sound";
-    if (!plan.request.copy) return false;
-    if (isAsked) {
-        plan.notes.push_back(std::string("The ") + name + " is encoded, since something was asked of it.");
-        return false;
-    }
-    if (!CodecIsSupported(FormatFile::Create(formatTree), Describe(source))) {
-        plan.notes.push_back("'" + plan.formatId + "' does not take the " + name + " (" + source.codecId +
-                             ") as it is; it is encoded.");
-        return false;
-    }
-    StreamPlan stream;
-    stream.kind = kind;
-    stream.source = WordsFor(source);
-    stream.isCopied = true;
-    plan.job.copies.push_back(source.streamIndex);
-    plan.streams.push_back(std::move(stream));
+bool SaysEnough(const VideoSource& source) {
+    return source.width > 0 && source.height > 0;
+}
+bool SaysEnough(const AudioSource& source) {
+    return source.sampleRate > 0 && source.channels > 0;
+}
+
+bool KeepsPlace(const Draft& draft, const VideoSource& source) {
+    return source.orientation.IsUpright() || HoldsOrientation(draft.plan.formatId);
+}
+bool KeepsPlace(const Draft& draft, const AudioSource& source) {
+    (void)draft, (void)source;
     return true;
+}
+
+const UnwritableCopy* FindUnwritable(const Draft& draft, const StreamSource& source) {
+    const auto copy = std::find_if(draft.unwritable.begin(), draft.unwritable.end(),
+                                   [&](const auto& c) { return c.streamIndex == source.streamIndex; });
+    return copy != draft.unwritable.end() ? &*copy : nullptr;
+}
+
+std::string TagText(unsigned tag) {
+    if (tag == 0) return {};
+    char text[sizeof ", tag 0x01234567"];
+    std::snprintf(text, sizeof text, ", tag 0x%08x", tag);
+    return text;
+}
+
+/// Why the stream cannot be carried over unchanged; empty where it can.
+template <class Source>
+std::string WhyNotAsItIs(const Draft& draft, const Source& source, const std::string& name, bool isAsked) {
+    const std::string& formatId = draft.plan.formatId;
+    const std::string what = name + " (" + source.codecId + TagText(source.codecTag) + ")";
+    if (isAsked) return "something was asked of " + name;
+    if (!SaysEnough(source) || !CodecIsSupported(FormatFile::Create(draft.formatTree), Describe(source))) {
+        return "the rule book does not let '" + formatId + "' take " + what + " as it is";
+    }
+    if (!KeepsPlace(draft, source)) return "'" + formatId + "' does not keep which way up " + name + " is shown";
+    if (const UnwritableCopy* const copy = FindUnwritable(draft, source)) {
+        return "FFmpeg does not write " + what + " to '" + formatId + "' as it is: " + copy->reason;
+    }
+    return {};
+}
+
+template <class Source>
+bool PlanCopyOf(Draft& draft, StreamKind kind, const Source& source, bool isAsked) {
+    if (!draft.plan.request.copy) return false;
+    const std::string name = "the " + NameOf(kind) + " of stream " + std::to_string(source.streamIndex);
+    const std::string reason = WhyNotAsItIs(draft, source, name, isAsked);
+    if (reason.empty()) {
+        draft.AddCopy(kind, source, WordsFor(source));
+        return true;
+    }
+    if (source.isDecodable) draft.Note(Capitalised(reason) + "; it is encoded.");
+    return false;
+}
+
+bool AsksOfPicture(const Request& own) {
+    const std::string& kind = P::KEY_FILTER_VIDEO_CODEC;
+    return own.Find(Path({kind, C::TAG_CODEC_ID})) != nullptr || own.Asks(kind) ||
+           own.Asks(Proc::IFilterResize::CLASS_ID) || own.Asks(Proc::IFilterFrameRate::CLASS_ID);
 }
 
 }  // namespace
 
-bool PlanCopy(Plan& plan, const Property& formatTree, const VideoSource& source, bool isAsked) {
-    return PlanCopyOf(plan, formatTree, source, StreamPlan::Kind::Video, isAsked);
+bool PlanCopy(Draft& draft, const VideoSource& source, const Request& own) {
+    return PlanCopyOf(draft, StreamKind::Video, source, AsksOfPicture(own));
 }
 
-bool PlanCopy(Plan& plan, const Property& formatTree, const AudioSource& source, bool isAsked) {
-    return PlanCopyOf(plan, formatTree, source, StreamPlan::Kind::Audio, isAsked);
+bool PlanCoverCopy(Draft& draft, const VideoSource& source, const Request& own) {
+    const bool isFit = source.isAttachedPicture && HoldsCover(draft.plan.formatId, source.codecId);
+    return own.copy && isFit && !AsksOfPicture(own) && PlanCopy(draft, StreamKind::Cover, source, WordsFor(source));
+}
+
+bool PlanCopy(Draft& draft, const AudioSource& source, const Request& own) {
+    const std::string& kind = P::KEY_FILTER_AUDIO_CODEC;
+    const bool isAsked = own.Find(Path({kind, C::TAG_CODEC_ID})) != nullptr || own.Asks(kind) ||
+                         own.Asks(Proc::IFilterResample::CLASS_ID);
+    return PlanCopyOf(draft, StreamKind::Audio, source, isAsked);
+}
+
+bool PlanCopy(Draft& draft, StreamKind kind, const StreamSource& source, const std::string& words) {
+    if (FindUnwritable(draft, source) != nullptr) return false;
+    draft.AddCopy(kind, source, words);
+    return true;
+}
+
+void PlanOthers(Draft& draft, const std::vector<const AttachmentSource*>& attachments,
+                const std::vector<const StreamSource*>& data) {
+    const std::string holdsNo = "'" + draft.plan.formatId + "' holds no ";
+    for (const AttachmentSource* const source : attachments) {
+        if (PlanCopy(draft, StreamKind::Attachment, *source, WordsFor(*source))) continue;
+        draft.LeaveOut({source->streamIndex}, holdsNo + "attachments of " + source->codecId);
+    }
+    for (const StreamSource* const source : data) {
+        if (PlanCopy(draft, StreamKind::Data, *source, WordsFor(*source))) continue;
+        draft.LeaveOut({source->streamIndex}, holdsNo + "data of " + source->codecId);
+    }
 }
 
 }  // namespace NorvexExport

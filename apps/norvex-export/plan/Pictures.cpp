@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "Containers.h"
 #include "Copies.h"
+#include "Presets.h"
 #include "Words.h"
 #include "norvex-export/Formats.h"
 #include "norvex-export/Jobs.h"
@@ -75,12 +77,12 @@ void RequireLegal(const Property& section, const Request& request) {
     }
 }
 
-Property ResizeSection(Plan& plan, const NamedHelper& codec, const VideoSource& source) {
+Property ResizeSection(Draft& draft, const Request& request, const NamedHelper& codec, const VideoSource& source) {
     Property section = CreateDataHelper(Proc::IFilterResize::CLASS_ID, std::string())->GetDefaults();
     Property& resize = section[IResize::CLASS_ID];
     resize.SetChildT(IResize::FRAME_SIZE_MODE, IResize::FRAME_SIZE_ORIGINAL);
-    section = WithChoices(std::move(section), plan.request);
-    const bool isChosen = plan.request.Asks(Proc::IFilterResize::CLASS_ID);
+    section = WithChoices(std::move(section), request);
+    const bool isChosen = request.Asks(Proc::IFilterResize::CLASS_ID);
     const auto sizes = SizesOf(*codec.helper);
     if (!sizes.empty()) {
         const Property& chosen = section[IResize::CLASS_ID];
@@ -88,8 +90,8 @@ Property ResizeSection(Plan& plan, const NamedHelper& codec, const VideoSource& 
         if (!isChosen) {
             const auto nearest = NearestSize(sizes, codec.id, source);
             UseSize(section, nearest.first, nearest.second);
-            plan.notes.push_back("'" + codec.id + "' has its own frame sizes; the picture is brought to " +
-                                 SizeText(nearest.first, nearest.second) + ".");
+            draft.Note("'" + codec.id + "' has its own frame sizes; the picture is brought to " +
+                       SizeText(nearest.first, nearest.second) + ".");
         } else if (std::find(sizes.begin(), sizes.end(), size) == sizes.end()) {
             std::vector<std::string> names;
             names.reserve(sizes.size());
@@ -105,7 +107,7 @@ Property ResizeSection(Plan& plan, const NamedHelper& codec, const VideoSource& 
         even.SetChildT(V::TAG_ASPECTX, source.sampleAspect.numerator);
         even.SetChildT(V::TAG_ASPECTY, source.sampleAspect.denominator);
     }
-    RequireLegal(section, plan.request);
+    RequireLegal(section, request);
     return section;
 }
 
@@ -120,61 +122,63 @@ Property VideoStreamOf(const VideoSource& source, const std::string& codecId) {
     return stream;
 }
 
-/// The stream of its kind that a player would take, or null.
-template <class Source>
-const Source* FindMain(const std::vector<Source>& streams) {
-    const auto main = std::find_if(streams.begin(), streams.end(), [](const Source& source) { return source.isMain; });
-    return main != streams.end() ? &*main : nullptr;
+/// The picture as it is when it has been turned upright.
+VideoSource Upright(VideoSource source) {
+    if (!source.orientation.SwapsSides()) return source;
+    std::swap(source.width, source.height);
+    std::swap(source.sampleAspect.numerator, source.sampleAspect.denominator);
+    return source;
 }
 
-}  // namespace
-
-void PlanVideo(Plan& plan, const NamedHelper& format, const Property& formatTree) {
-    const Property* const stream = FindStream(formatTree, P::STREAM_TYPE_VIDEO);
-    const Request& request = plan.request;
+/// A picture, or a cover by the rule book, that does not go over as it is.
+void EncodePicture(Draft& draft, const VideoSource& stored, const Request& own, bool isCover) {
     const std::string& kind = P::KEY_FILTER_VIDEO_CODEC;
-    const bool isCodecChosen = request.Find(Path({kind, C::TAG_CODEC_ID})) != nullptr;
-    const VideoSource* const main = FindMain(plan.input.video);
-    if (request.noVideo || stream == nullptr || main == nullptr) {
-        if (isCodecChosen && !request.noVideo) {
-            throw RequestError("--video: there is no picture in the " +
-                               std::string(stream == nullptr ? "format '" + plan.formatId + "'" : "input"));
-        }
+    if (!stored.isDecodable) {
+        draft.LeaveOut({stored.streamIndex}, "this build of FFmpeg cannot decode everything");
         return;
     }
-    const VideoSource& source = *main;
-    const bool isCover = stream->ChildExists(V::TAG_COVER_FLAG);
-    if (isCover && !source.isAttachedPicture && !isCodecChosen) {
-        plan.notes.push_back("'" + plan.formatId +
-                             "' holds sound; give --video to take the first picture for a cover.");
-        return;
-    }
-    const bool isAsked = isCodecChosen || request.Asks(kind) || request.Asks(Proc::IFilterResize::CLASS_ID) ||
-                         request.Asks(Proc::IFilterFrameRate::CLASS_ID);
-    if (!isCover && !IsStill(plan.formatId) && PlanCopy(plan, formatTree, source, isAsked)) {
-        return;
-    }
-    const NamedHelper codec = FindCodec(format, kind, P::STREAM_TYPE_VIDEO, CodecOf(request, *stream, kind));
-    const Property resize = ResizeSection(plan, codec, source);
-    Property frameRate = FrameRateSection(request);
+    const VideoSource source = Upright(stored);
+    const Property& stream = *FindStream(draft.formatTree, P::STREAM_TYPE_VIDEO);
+    const NamedHelper codec = FindCodec(draft.format, kind, P::STREAM_TYPE_VIDEO, CodecOf(own, stream, kind));
+    const Property resize = ResizeSection(draft, own, codec, source);
+    Property frameRate = FrameRateSection(own);
     const Property& size = resize[IResize::CLASS_ID];
     const EncoderForm* const form = FormOf(codec.id, size[V::TAG_WIDTH].GetInt64(), size[V::TAG_HEIGHT].GetInt64());
-    if (form != nullptr && !request.Asks(Proc::IFilterFrameRate::CLASS_ID)) {
+    if (form != nullptr && !own.Asks(Proc::IFilterFrameRate::CLASS_ID)) {
         frameRate.SetChildT(V::TAG_FPS, form->frameRate);
     }
 
     Property values = VideoStreamOf(source, codec.id);
     if (isCover) values.SetChildT(V::TAG_COVER_FLAG, true);
-    StreamPlan settled = Settle({format, formatTree, codec, {resize, frameRate}, request}, std::move(values));
-    settled.kind = StreamPlan::Kind::Video;
-    settled.source = WordsFor(source);
+    StreamPlan settled = Settle({draft.format, draft.formatTree, codec, {resize, frameRate}, own}, std::move(values));
+    settled.kind = isCover ? StreamKind::Cover : StreamKind::Video;
+    settled.source = WordsFor(stored);
+    settled.sections = SectionsOf(settled.settled);
+    settled.sections.push_back(resize);
     VideoJob job = MakeVideoJob(settled.settled, source, resize);
     job.isCover = isCover;
-    job.isStill = IsStill(plan.formatId);
+    job.isStill = IsStill(draft.plan.formatId);
     if (form != nullptr) job.pixelFormat = form->pixelFormat;
-    plan.job.video.push_back(std::move(job));
-    plan.settled.SetChild(resize.GetName(), resize);
-    plan.streams.push_back(std::move(settled));
+    draft.plan.job.video.push_back(std::move(job));
+    draft.Add(std::move(settled), stored);
+}
+
+}  // namespace
+
+void PlanPicture(Draft& draft, const VideoSource& source) {
+    const Request own = draft.plan.request.For(source.streamIndex, P::KEY_FILTER_VIDEO_CODEC);
+    if (!IsStill(draft.plan.formatId) && PlanCopy(draft, source, own)) return;
+    EncodePicture(draft, source, own, false);
+}
+
+void PlanCover(Draft& draft, const VideoSource& source) {
+    const Request own = draft.plan.request.For(source.streamIndex, P::KEY_FILTER_VIDEO_CODEC);
+    const Property* const stream = FindStream(draft.formatTree, P::STREAM_TYPE_VIDEO);
+    if (stream != nullptr && stream->ChildExists(V::TAG_COVER_FLAG)) {
+        if (!PlanCoverCopy(draft, source, own)) EncodePicture(draft, source, own, true);
+    } else if (!PlanCopy(draft, StreamKind::Cover, source, WordsFor(source))) {
+        draft.LeaveOut({source.streamIndex}, "'" + draft.plan.formatId + "' holds no covers of " + source.codecId);
+    }
 }
 
 }  // namespace NorvexExport

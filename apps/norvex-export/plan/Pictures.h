@@ -1,11 +1,14 @@
-/// What becomes of the pictures.
+/// What becomes of a picture.
 #pragma once
 
-#include "norvex-export/Plan.h"
-#include "norvex/Conf/Review/PresetCheck.h"
+#include "Draft.h"
 
 namespace NorvexExport {
 
-void PlanVideo(Plan& plan, const Norvex::Conf::NamedHelper& format, const Norvex::Core::Property& formatTree);
+void PlanPicture(Draft& draft, const VideoSource& source);
+
+/// A cover is encoded where the container has it by the rule book, as sound files do, and goes over as it is beside a
+/// film.
+void PlanCover(Draft& draft, const VideoSource& source);
 
 }  // namespace NorvexExport

@@ -4,6 +4,7 @@
 
 #include "Containers.h"
 #include "Copies.h"
+#include "Presets.h"
 #include "Words.h"
 #include "norvex-export/Formats.h"
 #include "norvex-export/Jobs.h"
@@ -49,13 +50,6 @@ Property AudioStreamOf(const AudioSource& source, const std::string& codecId) {
     return stream;
 }
 
-/// The stream of its kind that a player would take, or null.
-template <class Source>
-const Source* FindMain(const std::vector<Source>& streams) {
-    const auto main = std::find_if(streams.begin(), streams.end(), [](const Source& source) { return source.isMain; });
-    return main != streams.end() ? &*main : nullptr;
-}
-
 /// Whether the codec's rules settle the sample format. Where they do not, the encoder is left to choose.
 bool HasSampleFormatRule(const IDataHelper& codec) {
     RuleList rules;
@@ -67,41 +61,32 @@ bool HasSampleFormatRule(const IDataHelper& codec) {
 
 }  // namespace
 
-void PlanAudio(Plan& plan, const NamedHelper& format, const Property& formatTree) {
-    const Property* const stream = FindStream(formatTree, P::STREAM_TYPE_AUDIO);
-    const Request& request = plan.request;
+void PlanSound(Draft& draft, const AudioSource& source) {
     const std::string& kind = P::KEY_FILTER_AUDIO_CODEC;
-    const bool isCodecChosen = request.Find(Path({kind, C::TAG_CODEC_ID})) != nullptr;
-    const AudioSource* const main = FindMain(plan.input.audio);
-    if (request.noAudio || stream == nullptr || main == nullptr) {
-        if (isCodecChosen && !request.noAudio) {
-            throw RequestError("--audio: there is no sound in the " +
-                               std::string(stream == nullptr ? "format '" + plan.formatId + "'" : "input"));
-        }
-        if (main != nullptr && !request.noAudio && !plan.job.video.empty()) {
-            plan.notes.push_back("'" + plan.formatId + "' holds no sound; it is left out.");
-        }
+    const Request own = draft.plan.request.For(source.streamIndex, kind);
+    if (PlanCopy(draft, source, own)) return;
+    if (!source.isDecodable) {
+        draft.LeaveOut({source.streamIndex}, "this build of FFmpeg cannot decode everything");
         return;
     }
-    const AudioSource& source = *main;
-    const bool isAsked = isCodecChosen || request.Asks(kind) || request.Asks(Proc::IFilterResample::CLASS_ID);
-    if (PlanCopy(plan, formatTree, source, isAsked)) return;
-
-    const NamedHelper codec = FindCodec(format, kind, P::STREAM_TYPE_AUDIO, CodecOf(request, *stream, kind));
+    const Property& stream = *FindStream(draft.formatTree, P::STREAM_TYPE_AUDIO);
+    const NamedHelper codec = FindCodec(draft.format, kind, P::STREAM_TYPE_AUDIO, CodecOf(own, stream, kind));
     StreamPlan settled =
-        Settle({format, formatTree, codec, {ResampleSection(request)}, request}, AudioStreamOf(source, codec.id));
-    settled.kind = StreamPlan::Kind::Audio;
+        Settle({draft.format, draft.formatTree, codec, {ResampleSection(own)}, own}, AudioStreamOf(source, codec.id));
+    settled.kind = StreamKind::Audio;
     settled.source = WordsFor(source);
-    plan.job.audio.push_back(MakeAudioJob(settled.settled, source));
-    plan.streams.push_back(std::move(settled));
-    const bool isFormatChosen = request.Find(Path({Proc::IFilterResample::CLASS_ID, A::TAG_SAMPLE_FORMAT})) != nullptr;
-    if (!isFormatChosen && !HasSampleFormatRule(*codec.helper)) plan.job.audio.back().sampleFormat.clear();
+    settled.sections = SectionsOf(settled.settled);
+    AudioJob job = MakeAudioJob(settled.settled, source);
+    const bool isFormatChosen = own.Find(Path({Proc::IFilterResample::CLASS_ID, A::TAG_SAMPLE_FORMAT})) != nullptr;
+    if (!isFormatChosen && !HasSampleFormatRule(*codec.helper)) job.sampleFormat.clear();
     const int stored = DataHelperAudioCodecPCM::GetStoredBitsPerSample(codec.id);
-    const int counted = SampleFmtRecord::Find(plan.streams.back().settled[A::TAG_SAMPLE_FORMAT].GetString()).bits;
+    const int counted = SampleFmtRecord::Find(settled.settled[A::TAG_SAMPLE_FORMAT].GetString()).bits;
     if (stored != 0 && stored != counted) {
-        plan.notes.push_back("'" + codec.id + "' stores " + std::to_string(stored) + " of the " +
-                             std::to_string(counted) + " bits that its encoder takes and the bitrate counts.");
+        draft.Note("'" + codec.id + "' stores " + std::to_string(stored) + " of the " + std::to_string(counted) +
+                   " bits that its encoder takes and the bitrate counts.");
     }
+    draft.plan.job.audio.push_back(std::move(job));
+    draft.Add(std::move(settled), source);
 }
 
 }  // namespace NorvexExport

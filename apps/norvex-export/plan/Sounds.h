@@ -1,11 +1,10 @@
-/// What becomes of the sound.
+/// What becomes of a sound.
 #pragma once
 
-#include "norvex-export/Plan.h"
-#include "norvex/Conf/Review/PresetCheck.h"
+#include "Draft.h"
 
 namespace NorvexExport {
 
-void PlanAudio(Plan& plan, const Norvex::Conf::NamedHelper& format, const Norvex::Core::Property& formatTree);
+void PlanSound(Draft& draft, const AudioSource& source);
 
 }  // namespace NorvexExport

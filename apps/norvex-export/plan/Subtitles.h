@@ -1,11 +1,13 @@
-/// What becomes of the subtitles.
+/// What becomes of subtitles.
 #pragma once
 
-#include "norvex-export/Plan.h"
-#include "norvex/Conf/Review/PresetCheck.h"
+#include <vector>
+
+#include "Draft.h"
 
 namespace NorvexExport {
 
-void PlanSubtitles(Plan& plan, const Norvex::Conf::NamedHelper& format, const Norvex::Core::Property& formatTree);
+/// Text becomes text of the container's own codec; pictures go over as they are, where the container takes them.
+void PlanSubtitles(Draft& draft, const std::vector<const SubtitleSource*>& sources);
 
 }  // namespace NorvexExport
