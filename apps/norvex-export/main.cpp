@@ -9,6 +9,7 @@ extern "C" {
 #include <boost/exception/diagnostic_information.hpp>
 #include <cstdio>
 
+#include "Asked.h"
 #include "Media.h"
 #include "Plan.h"
 #include "Report.h"
@@ -26,7 +27,10 @@ void Print(const std::string& text) {
 
 void Run(Request request) {
     TakeCensus();
+    UseIds(request);
     if (!request.presetFile.empty()) ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile));
+    TakeBackOpen(request);
+    RequireRanges(request);
     const Plan plan = MakePlan(request, Probe(request.input));
     if (!request.savePresetFile.empty())
         NorvexApps::WriteText(request.savePresetFile, NorvexApps::WritePreset(plan.settled));
