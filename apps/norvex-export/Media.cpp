@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <string>
 #include <system_error>
 
@@ -80,13 +79,6 @@ void RequireComplete(const ExportJob& job) {
     if (job.audio && job.audio->sampleRate <= 0) throw MediaError("the sample rate must be above 0");
 }
 
-void RequireOtherFile(const std::string& inputPath, const std::string& outputPath) {
-    std::error_code ignored;
-    if (std::filesystem::equivalent(inputPath, outputPath, ignored)) {
-        throw MediaError("cannot write " + Quoted(outputPath) + ": it is the input");
-    }
-}
-
 /// A second pass needs an encoder that can make it, and a bitrate to share out.
 bool MakesTwoPasses(const VideoJob& job) {
     if (!job.twoPass || job.bitrate <= 0 || IsSingle(job)) return false;
@@ -159,7 +151,7 @@ InputInfo Probe(const std::string& path) {
 ExportResult RunExport(const ExportJob& job, const std::function<void(const Progress&)>& onProgress) {
     RequireComplete(job);
     Input input(job.inputPath);
-    RequireOtherFile(job.inputPath, job.outputPath);
+    RequireWritable(job.outputPath, {{job.inputPath, "the input"}});
     PendingFile file(job.outputPath);
 
     const int passes = job.video && MakesTwoPasses(*job.video) ? 2 : 1;

@@ -157,6 +157,16 @@ InputInfo Probe(const std::string& path);
 /// Carries the job out, from the beginning of the input to its end. The output begins at 0, whenever the input
 /// does, and its streams stay in step. Damaged packets of the input are passed over.
 ///
+/// A file that is in use already.
+struct TakenFile {
+    std::string path;  ///< empty where there is none
+    const char* what;  ///< for the message, such as "the input"
+};
+
+/// Throws MediaError for a path that no file can be written to: one of the taken files, by whatever name, what is no
+/// regular file, or what lies in no folder that may be written to.
+void RequireWritable(const std::string& path, const std::vector<TakenFile>& taken);
+
 /// The output appears under its own name only when it is complete: until then it is written beside it under
 /// another name, which is removed on every failure, and a file that the output replaces is kept. The input cannot
 /// be its own output.

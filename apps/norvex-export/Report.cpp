@@ -255,6 +255,8 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
                      {"changes", changes}};
         if (plan.request.explain) {
             for (const Finding& finding : stream.lookedAt) json["lookedAt"].push_back(FindingJson(finding));
+    if (!plan.request.savePresetFile.empty()) text += "\nSaved the preset to " + plan.request.savePresetFile + ".\n";
+    if (plan.request.dryRun) text += "\nNothing was encoded: this was a dry run.\n";
         }
         streams.push_back(json);
     }
@@ -287,6 +289,7 @@ void ProgressBar::Show(const Progress& progress) {
     const int filled = static_cast<int>(part * width);
     std::string line = "\r\033[K[";
     for (int i = 0; i < width; ++i) line += i < filled ? '=' : (i == filled ? '>' : ' ');
+    if (!plan.request.savePresetFile.empty()) document["savedPreset"] = plan.request.savePresetFile;
     line += progress.secondsTotal > 0 ? fmt::format("] {:3.0f} %", part * 100)
                                       : fmt::format("] {:.1f} s", progress.secondsDone);
     if (progress.passes > 1) line += fmt::format("  pass {} of {}", progress.pass, progress.passes);
