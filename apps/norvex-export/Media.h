@@ -138,6 +138,8 @@ struct Progress {
     double secondsTotal = 0;  ///< over all passes, 0 where unknown
     int pass = 1;
     int passes = 1;
+    long long videoFrames = 0;  ///< encoded over all passes
+    std::uintmax_t bytes = 0;   ///< of the output so far
 };
 
 struct ExportResult {
@@ -149,14 +151,12 @@ struct ExportResult {
     long long audioBitrate = 0;   ///< the same
     double duration = 0;          ///< seconds, of the longest stream
     std::uintmax_t bytes = 0;     ///< size of the output
+    double elapsed = 0;           ///< seconds that it took
 };
 
 /// Reads what `path` holds. Throws MediaError for a file that is missing, unreadable or no media.
 InputInfo Probe(const std::string& path);
 
-/// Carries the job out, from the beginning of the input to its end. The output begins at 0, whenever the input
-/// does, and its streams stay in step. Damaged packets of the input are passed over.
-///
 /// A file that is in use already.
 struct TakenFile {
     std::string path;  ///< empty where there is none
@@ -167,6 +167,9 @@ struct TakenFile {
 /// regular file, or what lies in no folder that may be written to.
 void RequireWritable(const std::string& path, const std::vector<TakenFile>& taken);
 
+/// Carries the job out, from the beginning of the input to its end. The output begins at 0, whenever the input
+/// does, and its streams stay in step. Damaged packets of the input are passed over.
+///
 /// The output appears under its own name only when it is complete: until then it is written beside it under
 /// another name, which is removed on every failure, and a file that the output replaces is kept. The input cannot
 /// be its own output.

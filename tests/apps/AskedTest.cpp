@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "Plan.h"
+#include "Report.h"
 #include "common/OtherNames.h"
 #include "common/Quantities.h"
 #include "norvex/Norvex.h"
@@ -199,6 +200,17 @@ TEST_F(NamesTest, BecomeChoices) {
     request.choices = {{"video_codec/codec_id", Norvex::Core::Property("", "prores_ks"), "--video"}};
     UseIds(request);
     EXPECT_THAT(request.notes, testing::ElementsAre(HasSubstr("'prores_ks' is taken for the codec 'prores'")));
+}
+
+TEST(ProgressTest, FitsTheTerminal) {
+    const Progress half = {50, 100, 1, 2, 1500, 4'000'000};
+    EXPECT_EQ(ProgressText(half, 25, 79),
+              "[============>           ]  50 %  pass 1 of 2  2.00x  60 fps  0:25 left  4.0 MB");
+    EXPECT_EQ(ProgressText(half, 25, 40), " 50 %  pass 1 of 2  2.00x  60 fps");
+    EXPECT_EQ(ProgressText({7500, 0, 1, 1, 0, 2'500'000'000}, 500, 79), "2:05:00  15x  2.50 GB");
+    for (std::size_t columns = 20; columns < 120; ++columns) {
+        EXPECT_LE(ProgressText(half, 25, columns).size(), columns);
+    }
 }
 
 }  // namespace
