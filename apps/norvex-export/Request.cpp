@@ -189,7 +189,7 @@ std::vector<Option> GeneralOptions() {
 
 std::vector<Option> VideoOptions() {
     const std::string& codec = P::KEY_FILTER_VIDEO_CODEC;
-    const auto inOptions = [&codec](const std::string& tag) { return Path({codec, V::TAG_CODEC_OPTIONS_ENCODE, tag}); };
+    const auto inOptions = [&](const std::string& tag) { return Path({codec, V::TAG_CODEC_OPTIONS_ENCODE, tag}); };
     const std::string& resize = Proc::IFilterResize::CLASS_ID;
     return {
         {"--video", "CODEC",
@@ -238,9 +238,7 @@ std::vector<Option> VideoOptions() {
 std::vector<Option> AudioOptions() {
     const std::string& codec = P::KEY_FILTER_AUDIO_CODEC;
     const std::string& resample = Proc::IFilterResample::CLASS_ID;
-    const auto inResample = [&resample](const std::string& tag) {
-        return Path({resample, Proc::IResample::CLASS_ID, tag});
-    };
+    const auto inResample = [&](const std::string& tag) { return Path({resample, Proc::IResample::CLASS_ID, tag}); };
     return {
         {"--audio", "CODEC", "Codec, such as aac, mp3, flac or pcm (default: auto,\nthe container's)",
          Name(Path({codec, A::TAG_CODEC_ID}))},
