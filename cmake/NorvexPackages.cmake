@@ -27,4 +27,14 @@ set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PROGRAMS_DESCRIPTION "${PROJECT_DESCRIPTION}: programs")
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION})")
 
+# Each package carries the word on its licence, where Debian's packages have it; the pages go with what is built with.
+foreach(component runtime development programs)
+    string(TOUPPER ${component} COMPONENT)
+    install(FILES COPYRIGHT RENAME copyright COMPONENT ${component}
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_DEBIAN_${COMPONENT}_PACKAGE_NAME})
+endforeach()
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libnorvex-dev COMPONENT development)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libnorvex-dev COMPONENT development
+    FILES_MATCHING PATTERN *.md PATTERN *.svg)
+
 include(CPack)

@@ -160,6 +160,8 @@ struct Progress {
     double secondsTotal = 0;  ///< over all passes, 0 where unknown
     int pass = 1;
     int passes = 1;
+    long long videoFrames = 0;  ///< encoded over all passes
+    std::uintmax_t bytes = 0;   ///< of the output so far
 };
 
 /// Counts are of all streams of a kind.
@@ -168,11 +170,12 @@ struct ExportResult {
     long long audioSamples = 0;   ///< of one channel
     long long subtitles = 0;      ///< events of encoded subtitles
     long long copiedPackets = 0;  ///< of all streams that went over as they are
-    std::vector<long long>
-        videoBitrates;  ///< bits per second of each video job, as its opened encoder has it; 0 for none
+    /// Bits per second of each video job, in the input's order, as its opened encoder has it; 0 for none.
+    std::vector<long long> videoBitrates;
     std::vector<long long> audioBitrates;  ///< the same of each audio job
     double duration = 0;                   ///< seconds, of the longest stream
     std::uintmax_t bytes = 0;              ///< size of the output
+    double elapsed = 0;                    ///< seconds that it took
 };
 
 /// Reads what `path` holds. Throws MediaError for a file that is missing, unreadable or no media.
@@ -187,6 +190,16 @@ struct UnwritableCopy {
 /// Tries to begin the output, without writing anything, and tells which of the job's copies stand in the way. A job
 /// that cannot begin without its copies gives none: to export it tells why.
 std::vector<UnwritableCopy> FindUnwritableCopies(const ExportJob& job);
+
+/// A file that is in use already.
+struct TakenFile {
+    std::string path;  ///< empty where there is none
+    const char* what;  ///< for the message, such as "the input"
+};
+
+/// Throws MediaError for a path that no file can be written to: one of the taken files, by whatever name, what is no
+/// regular file, or what lies in no folder that may be written to.
+void RequireWritable(const std::string& path, const std::vector<TakenFile>& taken);
 
 /// Carries the job out, from the beginning of the input to its end. The output begins at 0, whenever the input
 /// does, and its streams stay in step. Damaged packets of the input are passed over.

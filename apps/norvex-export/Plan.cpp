@@ -80,6 +80,7 @@ Plan PlanFor(const Request& request, const InputInfo& input, const std::vector<U
     Draft draft;
     Plan& plan = draft.plan;
     plan.request = request;
+    plan.notes = request.notes;
     plan.input = input;
     const std::string chosen = request.TextAt(Path({P::KEY_FORMAT, IFormatFile::TAG_CONTAINER}));
     plan.formatId = chosen.empty() ? FormatOf(request.output) : chosen;

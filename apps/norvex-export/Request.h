@@ -21,6 +21,7 @@ struct Choice {
     std::string path;
     Norvex::Core::Property value;
     std::string option;              ///< the command line option, or the line of the preset's file, it came from
+    bool isOpen = false;             ///< the value is left to the system, whatever was chosen before
     std::optional<int> stream = {};  ///< the one stream of the input that it is about, or all of its kind
     std::string codecId = {};        ///< the only codec that it means anything to; empty for any
     bool isFromPreset = false;
@@ -42,6 +43,7 @@ struct Request {
 
     std::vector<Choice> choices;        ///< of two for one path the last counts
     std::vector<StreamChoice> streams;  ///< what is wanted of the input; all where it is empty
+    std::vector<std::string> notes;     ///< how the choices were understood, a sentence each
     bool noVideo = false;
     bool noAudio = false;
     bool noSubtitles = false;

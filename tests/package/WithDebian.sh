@@ -1,9 +1,9 @@
 #!/bin/sh
-# Makes the Debian packages, unpacks them as if they were installed, builds the stranger's program with what is in them,
+# Makes the Debian packages, unpacks them as if they were installed, builds a stranger's program with what is in them,
 # and runs it and the programs.
-# Usage: WithDebian.sh BUILD COMPILER FOLDER
+# Usage: WithDebian.sh BUILD COMPILER SOURCE FOLDER
 set -eu
-build=$1 compiler=$2 folder=$3
+build=$1 compiler=$2 source=$3 folder=$4
 here=$(cd "$(dirname "$0")" && pwd)
 rm -rf "$folder"
 mkdir -p "$folder/root"
@@ -14,7 +14,7 @@ for name in libnorvex0 libnorvex-dev norvex-tools; do
     dpkg-deb -x "$package" "$folder/root"
 done
 libdir=$(dirname "$(find "$folder/root" -name 'libnorvex.so.*' | head -1)")
-"$here/WithPkgConfig.sh" "$compiler" "$libdir" "$folder/stranger"
+"$here/WithPkgConfig.sh" "$compiler" "$source" "$libdir" "$folder/stranger"
 export LD_LIBRARY_PATH="$libdir"
 "$folder/root/usr/bin/norvex-rules" show format mp4 | grep -q h264
 "$folder/root/usr/bin/norvex-export" --version

@@ -1,11 +1,12 @@
 #!/bin/sh
-# Builds the stranger's program with what pkg-config says of the installed library, and runs it.
-# Usage: WithPkgConfig.sh COMPILER LIBDIR PROGRAM
+# Builds a stranger's program with what pkg-config says of the installed library, and holds what it prints.
+# Usage: WithPkgConfig.sh COMPILER SOURCE LIBDIR PROGRAM
 set -eu
-compiler=$1 libdir=$2 program=$3
-here=$(dirname "$0")
+compiler=$1 source=$2 libdir=$3 program=$4
 PKG_CONFIG_PATH=$libdir/pkgconfig
 export PKG_CONFIG_PATH
 # shellcheck disable=SC2046 # the flags are words
-"$compiler" -std=c++17 "$here/main.cpp" $(pkg-config --cflags --libs norvex) -o "$program"
-LD_LIBRARY_PATH=$libdir "$program"
+"$compiler" -std=c++17 "$source" $(pkg-config --cflags --libs norvex) -o "$program"
+LD_LIBRARY_PATH=$libdir "$program" >"$program.out" 2>"$program.err"
+echo "bitrate 96000, sample format fltp" | diff - "$program.out"
+echo "no such container: betamax" | diff - "$program.err"

@@ -42,8 +42,10 @@ protected:
         return static_cast<std::size_t>(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()));
     }
 
-    Outcome Run(const std::string& arguments) const {
-        const std::string command = "cd '" + m_folder.string() + "' && '" + m_program + "' " + arguments + " 2>&1";
+    /// `before` is what the shell runs the program by, such as variables.
+    Outcome Run(const std::string& arguments, const std::string& before = {}) const {
+        const std::string command =
+            "cd '" + m_folder.string() + "' && " + before + " '" + m_program + "' " + arguments + " 2>&1";
         std::FILE* const pipe = popen(command.c_str(), "r");
         Outcome outcome{};
         std::array<char, 4096> part{};

@@ -4,7 +4,7 @@ extern "C" {
 #include <libavformat/avformat.h>
 }
 
-#include "Words.h"
+#include "common/OtherNames.h"
 #include "norvex-export/Formats.h"
 #include "norvex-export/Plan.h"
 #include "norvex/Norvex.h"
@@ -21,11 +21,9 @@ NamedHelper FindFormat(const std::string& formatId) {
     const auto& formats = GetAvailableDataHelpers(P::KEY_FORMAT);
     const auto format = formats.find(formatId);
     if (format == formats.end()) {
-        std::vector<std::string> ids;
-        for (const auto& row : formats) ids.push_back(row.first);
-        throw RequestError((formatId.empty() ? "the output has no extension to tell the format by; give --format"
-                                             : "unknown format '" + formatId + "'") +
-                           "; the formats are " + Join(ids));
+        throw RequestError(formatId.empty()
+                               ? "the output has no extension to tell the format by; give --format, such as mp4"
+                               : NorvexApps::WhyUnknown(NorvexApps::Named::Format, formatId));
     }
     if (av_guess_format(MuxerOf(formatId).c_str(), nullptr, nullptr) == nullptr) {
         throw RequestError("this build of FFmpeg has no muxer for the format '" + formatId + "'");

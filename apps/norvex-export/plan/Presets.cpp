@@ -152,7 +152,7 @@ private:
 
     void Add(const std::string& path, const std::string& place, const Property& value, const std::string& codecId,
              std::optional<int> stream) {
-        m_choices.push_back({path, value, "preset, " + m_document.PlaceOf(place), stream, codecId, true});
+        m_choices.push_back({path, value, "preset, " + m_document.PlaceOf(place), false, stream, codecId, true});
     }
 
     const NorvexApps::PresetDocument& m_document;
