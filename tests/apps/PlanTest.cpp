@@ -261,7 +261,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 /// What becomes of each stream, as "KIND: CODEC" or "KIND: copied", and the notes.
 std::string Told(const Plan& plan) {
-    const char* const kinds[] = {"video", "audio", "subtitles"};
+    const char* const kinds[] = {"video", "audio", "subtitles", "cover", "attachment", "data"};
     std::string text;
     for (const StreamPlan& stream : plan.streams) {
         text += std::string(kinds[static_cast<int>(stream.kind)]) + ": " +
@@ -290,7 +290,6 @@ TEST_F(PlanTest, TellsWhatIsCopiedLeftOutOrBroughtToAForm) {
     half.video.at(0).width = 352, half.video.at(0).height = 288;
     titled.subtitles = {Subtitles("subrip", true)};
     const std::vector<Choice> sized = Sized(320, 240), rate = {Chosen(g_audioBitrate, 64000, "--audio-bitrate")};
-    const std::string holdsSound = "' holds sound; give --video to take the first picture for a cover.\n";
     const struct {
         Plan plan;
         std::string told;
@@ -298,20 +297,28 @@ TEST_F(PlanTest, TellsWhatIsCopiedLeftOutOrBroughtToAForm) {
         {PlanOf("matroska", {}, stored, true), "video: copied\naudio: copied\n"},
         {PlanOf("matroska", {}, stored), "video: h264\naudio: aac\n"},
         {PlanOf("mp4", sized, stored, true),
-         "video: h264\naudio: copied\nThe picture is encoded, since something was asked of it.\n"},
+         "video: h264\naudio: copied\nSomething was asked of the picture of stream 0; it is encoded.\n"},
         {PlanOf("mp4", rate, stored, true),
-         "video: copied\naudio: aac\nThe sound is encoded, since something was asked of it.\n"},
+         "video: copied\naudio: aac\nSomething was asked of the sound of stream 1; it is encoded.\n"},
         {PlanOf("mp4", {}, film, true),
-         "video: copied\naudio: aac\n'mp4' does not take the sound (wmav2) as it is; it is encoded.\n"},
-        {PlanOf("mp3", {}, cover), "video: mjpeg\naudio: mp3\n"},
-        {PlanOf("flac", {Codec("video", "png")}, film), "video: png\naudio: flac\n"},
+         "video: copied\naudio: aac\nThe rule book does not let 'mp4' take the sound of stream 1 (wmav2) as it is; it "
+         "is "
+         "encoded.\n"},
+        {PlanOf("mp3", {}, cover), "cover: mjpeg\naudio: mp3\n"},
+        {PlanOf("flac", {Codec("video", "png")}, film), "cover: png\naudio: flac\n"},
         {PlanOf("m4a", {}, cover, true),
-         "video: mjpeg\naudio: aac\n'm4a' does not take the sound (wmav2) as it is; it is encoded.\n"},
-        {PlanOf("mp3", {}, film), "audio: mp3\n'mp3" + holdsSound},
-        {PlanOf("png", {}, film), "video: png\n'png' holds no sound; it is left out.\n"},
-        {PlanOf("srt", {}, titled), "subtitles: srt\n"},
+         "cover: mjpeg\naudio: aac\nThe rule book does not let 'm4a' take the sound of stream 1 (wmav2) as it is; it "
+         "is "
+         "encoded.\n"},
+        {PlanOf("mp3", {}, film),
+         "audio: mp3\n'mp3' holds sound, and takes a picture for its cover where --video is given; stream 0 is left "
+         "out.\n"},
+        {PlanOf("png", {}, film), "video: png\n'png' holds no sound; stream 1 is left out.\n"},
+        {PlanOf("srt", {}, titled),
+         "subtitles: srt\n'srt' holds no pictures; stream 0 is left out.\n'srt' holds no sound; stream 1 is left "
+         "out.\n"},
         {PlanOf("matroska", {Codec("subtitle", "ass")}, titled), "video: h264\naudio: aac\nsubtitles: ass\n"},
-        {PlanOf("matroska", {}, titled), "video: h264\naudio: aac\n"},
+        {PlanOf("matroska", {}, titled), "video: h264\naudio: aac\nsubtitles: subrip\n"},
         {PlanOf("avi", {Codec("video", "dvvideo")}, film),
          "video: dvvideo\naudio: mp3\n'dvvideo' has its own frame sizes; the picture is brought to 720x576.\n"},
         {PlanOf("avi", {Codec("video", "dvvideo")}, Film()),

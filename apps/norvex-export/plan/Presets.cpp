@@ -127,6 +127,7 @@ private:
     /// Its names are judged as if the section stood by itself.
     void RequireKnown(Property section, const std::string& path, const std::string& codecId) const {
         NorvexApps::PresetDocument alone;
+        alone.preset = Property(std::string("preset"));
         if (section.GetType() == PT_NODE && !codecId.empty()) section.SetChildT(C::TAG_CODEC_ID, codecId);
         alone.preset.AddNamed(section);
         const std::size_t cut = path.size() - section.GetName().size();
@@ -261,7 +262,7 @@ Property PresetOf(const Plan& plan) {
             }
         }
         if (streams.empty()) continue;
-        std::vector<Property> own(streams.size());
+        std::vector<Property> own(streams.size(), Property(*row.typeId));
         AddSection(*row.codecSection, streams, preset, own);
         for (const std::string* const filter : row.filterSections) AddSection(*filter, streams, preset, own);
         for (std::size_t i = 0; i < streams.size(); ++i) {

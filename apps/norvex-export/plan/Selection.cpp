@@ -166,7 +166,8 @@ private:
             std::stable_partition(covers.begin(), covers.end(), [&](const auto* cover) { return !isUnknown(cover); });
         std::vector<const VideoSource*> unknown(firstUnknown, covers.end());
         covers.erase(firstUnknown, covers.end());
-        LeaveOut(unknown, unknown.empty() ? "" : "no covers of " + unknown.front()->codecId);
+        const bool holdsSome = HoldsCover(m_draft.plan.formatId, "mjpeg");
+        LeaveOut(unknown, holdsSome && !unknown.empty() ? "no covers of " + unknown.front()->codecId : "no covers");
         KeepOthers("covers", covers);
     }
 

@@ -64,7 +64,8 @@ public:
         for (const SubtitleSource* const source : sources) {
             const Request own = m_draft.plan.request.For(source->streamIndex, Kind());
             const std::string codecId = source->isText ? CodecFor(*source, own) : std::string();
-            const bool goesAsItIs = TakesAsItIs(*source) && (codecId.empty() || (own.copy && !IsAsked(own)));
+            const bool isCopyWanted = own.copy && !IsAsked(own);
+            const bool goesAsItIs = TakesAsItIs(*source) && (isCopyWanted || (!source->isText && !m_codecs.empty()));
             const bool isEncodable = !codecId.empty() && source->isDecodable;
             if (!goesAsItIs && !isEncodable) {
                 (source->isText ? texts : pictures).push_back(source);
