@@ -84,7 +84,8 @@ Source DescribeStream(const AVStream& stream, bool isMain) {
     Source source;
     source.streamIndex = stream.index;
     source.codecId = avcodec_get_name(parameters.codec_id);
-    source.language = TagOf(stream.metadata, "language");
+    const std::string language = TagOf(stream.metadata, "language");
+    source.language = language == "und" ? "" : language;  // "undetermined", by which MP4 says that it does not know
     source.title = TitleOf(stream);
     source.dispositions = DispositionNames(stream);
     source.isMain = isMain;

@@ -19,7 +19,7 @@ Muxer::Muxer(const std::string& container, const Options& options, const Pending
 }
 
 Muxer Muxer::OnTrial(const std::string& container, const Options& options) {
-    Muxer muxer(container, "nothing", FileUrl("/dev/null"));
+    Muxer muxer(container, "its header", FileUrl("/dev/null"));
     muxer.Open(options);
     return muxer;
 }

@@ -1,6 +1,7 @@
 #include "Copies.h"
 
 extern "C" {
+#include <libavformat/avformat.h>
 #include <libavutil/pixdesc.h>
 }
 
@@ -75,6 +76,23 @@ std::string TagText(unsigned tag) {
     return text;
 }
 
+/// What of FFmpeg's table of the container's tags the rule book goes by when it refuses a stream; empty for its own
+/// word.
+std::string ReasonOfTags(const Draft& draft, const StreamSource& source) {
+    const AVOutputFormat* const muxer = av_guess_format(draft.plan.job.muxer.c_str(), nullptr, nullptr);
+    if (muxer == nullptr || muxer->codec_tag == nullptr) return {};
+    const AVCodecID codec = CodecIDFromTextID(source.codecId);
+    if (source.codecTag == 0) {
+        unsigned tag = 0;
+        return av_codec_get_tag2(muxer->codec_tag, codec, &tag) != 0 ? "" : ", since FFmpeg has no tag for it there";
+    }
+    const AVCodecID mapped = av_codec_get_id(muxer->codec_tag, source.codecTag);
+    if (mapped == codec) return {};
+    return mapped == AV_CODEC_ID_NONE
+               ? ", since FFmpeg does not know that tag there"
+               : std::string(", since FFmpeg takes that tag for ") + avcodec_get_name(mapped) + " there";
+}
+
 /// Why the stream cannot be carried over unchanged; empty where it can.
 template <class Source>
 std::string WhyNotAsItIs(const Draft& draft, const Source& source, const std::string& name, bool isAsked) {
@@ -82,7 +100,7 @@ std::string WhyNotAsItIs(const Draft& draft, const Source& source, const std::st
     const std::string what = name + " (" + source.codecId + TagText(source.codecTag) + ")";
     if (isAsked) return "something was asked of " + name;
     if (!SaysEnough(source) || !CodecIsSupported(FormatFile::Create(draft.formatTree), Describe(source))) {
-        return "the rule book does not let '" + formatId + "' take " + what + " as it is";
+        return "the rule book does not let '" + formatId + "' take " + what + " as it is" + ReasonOfTags(draft, source);
     }
     if (!KeepsPlace(draft, source)) return "'" + formatId + "' does not keep which way up " + name + " is shown";
     if (const UnwritableCopy* const copy = FindUnwritable(draft, source)) {
