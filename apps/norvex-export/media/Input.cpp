@@ -33,16 +33,18 @@ bool IsDecodable(const AVStream& stream) {
     return parameters.codec_type == AVMEDIA_TYPE_SUBTITLE;
 }
 
+/// In AV_TIME_BASE units, or none where the packet does not say.
+std::optional<std::int64_t> ShownAt(const AVPacket& packet, const AVStream& stream) {
+    if (packet.pts == AV_NOPTS_VALUE) return TimeLine::StampOf(packet, stream);
+    return av_rescale_q(packet.pts, stream.time_base, av_get_time_base_q());
+}
+
+/// What decoders of sound want to hear before a beginning, in AV_TIME_BASE units.
+constexpr std::int64_t preroll = AV_TIME_BASE / 5;
+
 /// Streams of a millisecond clock may give the clock itself for their rate.
 bool IsFrameRate(AVRational rate) {
     return IsPositive(rate) && av_q2d(rate) < 1000;
-}
-
-/// Whether the stream has a place on the time line that the others follow. A cover has none; subtitles tell their
-/// times on the line of the pictures and the sound, and may begin long after it.
-bool IsTimed(const AVStream& stream) {
-    const AVMediaType type = stream.codecpar->codec_type;
-    return (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO) && !IsAttachedPicture(stream);
 }
 
 std::vector<std::string> DispositionNames(const AVStream& stream) {
@@ -198,7 +200,7 @@ std::int64_t Input::StartTime() const {
             earliest = earliest == AV_NOPTS_VALUE ? start : std::min(earliest, start);
         };
         take(any);
-        if (std::find(m_selected.begin(), m_selected.end(), index) != m_selected.end()) take(selected);
+        if (IsSelected(index)) take(selected);
     }
     const std::int64_t earliest = selected == AV_NOPTS_VALUE ? any : selected;
     return earliest == AV_NOPTS_VALUE ? 0 : earliest;
@@ -210,7 +212,58 @@ AVRational Input::FrameRate(const AVStream& stream) const {
     return IsFrameRate(stream.avg_frame_rate) ? stream.avg_frame_rate : AVRational{25, 1};
 }
 
+void Input::Begin(const Span& span, int copied) {
+    const std::int64_t start = StartTime();
+    m_zero = start + span.begin;
+    m_timeLine.Expect(StatedEnd());
+    if (span.begin > 0) {
+        // Where stamps may jump, none of them tells where to go.
+        if ((m_context->iformat->flags & AVFMT_TS_DISCONT) == 0) Seek(m_zero - preroll);
+        ReadUpTo(m_zero);
+    }
+    const auto isKey = [&](const Owned<AVPacket>& packet) {
+        return packet->stream_index == copied && (packet->flags & AV_PKT_FLAG_KEY) != 0 &&
+               packet->pts != AV_NOPTS_VALUE;
+    };
+    const auto key = std::find_if(m_placed.begin(), m_placed.end(), isKey);
+    if (key != m_placed.end()) m_zero += std::min<std::int64_t>(0, FilmTime((*key)->pts, Stream(copied)));
+    m_end = span.end == Span::endless ? span.end : start + span.end - m_zero;
+}
+
+bool Input::IsFilmOver() const {
+    // Packets of one time stand that far from each other at most.
+    constexpr std::int64_t apart = std::int64_t{5} * AV_TIME_BASE;
+    return m_end != Span::endless && m_position - apart > m_end;
+}
+
 bool Input::Read(AVPacket& packet) {
+    if (m_placed.empty()) {
+        if (!ReadPlaced(packet)) return false;
+    } else {
+        av_packet_unref(&packet);
+        av_packet_move_ref(&packet, m_placed.front().get());
+        m_placed.pop_front();
+    }
+    const std::int64_t ticks = packet.dts != AV_NOPTS_VALUE ? packet.dts : packet.pts;
+    const AVStream& stream = Stream(packet.stream_index);
+    if (ticks != AV_NOPTS_VALUE) m_position = std::max(m_position, FilmTime(ticks, stream));
+    return true;
+}
+
+bool Input::ReadPlaced(AVPacket& packet) {
+    if (m_ahead.empty()) {
+        if (!ReadStamped(packet)) return false;
+    } else {
+        av_packet_unref(&packet);
+        av_packet_move_ref(&packet, m_ahead.front().get());
+        m_ahead.pop_front();
+    }
+    const AVStream& stream = Stream(packet.stream_index);
+    m_timeLine.Place(packet, stream, [&] { return PeekStamp(stream); });
+    return true;
+}
+
+bool Input::ReadStamped(AVPacket& packet) {
     // A damaged file may give an error where a packet should be and go on behind it.
     constexpr int patience = 100;
     int result = 0;
@@ -224,6 +277,88 @@ bool Input::Read(AVPacket& packet) {
     if (result == AVERROR_EOF && m_context->pb != nullptr && m_context->pb->error < 0) result = m_context->pb->error;
     if (result != AVERROR_EOF) Fail("cannot read " + m_name, result);
     return false;
+}
+
+std::optional<std::int64_t> Input::PeekStamp(const AVStream& stream) {
+    constexpr std::size_t most = 1000;
+    const auto stampOf = [&](const AVPacket& packet) {
+        return packet.stream_index == stream.index ? TimeLine::StampOf(packet, stream) : std::nullopt;
+    };
+    for (const Owned<AVPacket>& packet : m_ahead) {
+        if (const auto stamp = stampOf(*packet)) return stamp;
+    }
+    while (m_ahead.size() < most) {
+        Owned<AVPacket> packet = Own(av_packet_alloc());
+        if (!ReadStamped(*packet)) break;
+        const auto stamp = stampOf(*packet);
+        m_ahead.push_back(std::move(packet));
+        if (stamp) return stamp;
+    }
+    return std::nullopt;
+}
+
+std::int64_t Input::StatedEnd() const {
+    // What else there is was guessed from stamps, or from the size of the file.
+    const bool isStated = m_context->duration_estimation_method == AVFMT_DURATION_FROM_STREAM;
+    if (!isStated || m_context->duration <= 0) return AV_NOPTS_VALUE;
+    return StartTime() + m_context->duration + AV_TIME_BASE;
+}
+
+bool Input::IsSelected(int index) const {
+    return std::find(m_selected.begin(), m_selected.end(), index) != m_selected.end();
+}
+
+void Input::Seek(std::int64_t time) {
+    if (av_seek_frame(m_context.get(), -1, time, AVSEEK_FLAG_BACKWARD) >= 0) return;
+    // All is read then, and what lies before the film left out.
+}
+
+void Input::ReadUpTo(std::int64_t time) {
+    const auto isOf = [this](AVMediaType type) {
+        return [this, type](int index) {
+            return IsTimed(Stream(index)) && Stream(index).codecpar->codec_type == type;
+        };
+    };
+    auto lead = std::find_if(m_selected.begin(), m_selected.end(), isOf(AVMEDIA_TYPE_VIDEO));
+    if (lead == m_selected.end()) lead = std::find_if(m_selected.begin(), m_selected.end(), isOf(AVMEDIA_TYPE_AUDIO));
+    if (lead == m_selected.end()) return;  // the rest is short, and tells by itself when it is shown
+
+    std::vector<const AVPacket*> keys(m_context->nb_streams);  // the last of each stream before the time
+    const auto leaveOut = [&] {
+        std::vector<bool> isBehindKey(keys.size());
+        const auto isNeeded = [&](const AVPacket& packet) {
+            const auto index = static_cast<std::size_t>(packet.stream_index);
+            const AVMediaType type = Stream(packet.stream_index).codecpar->codec_type;
+            if (&packet == keys[index]) isBehindKey[index] = true;
+            if (type == AVMEDIA_TYPE_VIDEO) return keys[index] == nullptr || isBehindKey[index];
+            const auto shown = ShownAt(packet, Stream(packet.stream_index));
+            return !shown || *shown >= time - (type == AVMEDIA_TYPE_AUDIO ? preroll : TimeLine::longestGap);
+        };
+        std::deque<Owned<AVPacket>> needed;
+        for (Owned<AVPacket>& packet : m_placed) {
+            if (isNeeded(*packet)) needed.push_back(std::move(packet));
+        }
+        m_placed = std::move(needed);
+    };
+    std::size_t many = 1000;
+    bool isThere = false;
+    while (!isThere) {
+        Owned<AVPacket> packet = Own(av_packet_alloc());
+        if (!ReadPlaced(*packet)) throw MediaError(m_name + " ends before what is wanted of it begins");
+        const AVStream& stream = Stream(packet->stream_index);
+        const auto stamp = TimeLine::StampOf(*packet, stream);
+        const std::int64_t duration = av_rescale_q(packet->duration, stream.time_base, av_get_time_base_q());
+        isThere = packet->stream_index == *lead && stamp && *stamp + duration > time;
+        const auto shown = ShownAt(*packet, stream);
+        if ((packet->flags & AV_PKT_FLAG_KEY) != 0 && shown && *shown <= time) {
+            keys[static_cast<std::size_t>(packet->stream_index)] = packet.get();
+        }
+        m_placed.push_back(std::move(packet));
+        if (m_placed.size() < many) continue;
+        leaveOut();
+        many = 2 * m_placed.size() + 1000;
+    }
+    leaveOut();
 }
 
 Input::OwnedContext Input::Open(const std::string& path) {

@@ -1,5 +1,7 @@
 #include "VideoStream.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <utility>
 #include <vector>
 
@@ -7,6 +9,7 @@ extern "C" {
 #include <libavutil/mathematics.h>
 }
 
+#include "SteadyRate.h"
 #include "TranscodedStream.h"
 
 namespace NorvexExport::Media {
@@ -16,7 +19,10 @@ namespace {
 class VideoStream : public TranscodedStream {
 public:
     VideoStream(const Input& input, const AVStream& stream, const VideoJob& job, Encoder encoder, Muxer& muxer)
-        : TranscodedStream(input, stream, std::move(encoder), muxer), m_job(job) {
+        : TranscodedStream(input, stream, std::move(encoder), muxer),
+          m_job(job),
+          m_rate(EncoderContext().framerate, SourceRate()),
+          m_filtered(Own(av_frame_alloc())) {
         if (job.isCover) MarkCover();
     }
 
@@ -25,49 +31,48 @@ public:
         result.videoBitrates.push_back(EncoderContext().bit_rate);
     }
 
+    /// Where pictures can only stand at their numbers, the film waits for the first one to reach its own.
+    std::int64_t LeadWanted() const override {
+        if (IsSingle(m_job) || Output().PlacesStreams() || SourceStream().start_time == AV_NOPTS_VALUE) return 0;
+        const std::int64_t first = Source().FilmTime(SourceStream().start_time, SourceStream());
+        const AVRational picture = av_inv_q(EncoderContext().framerate);
+        const std::int64_t number = av_rescale_q_rnd(first, av_get_time_base_q(), picture, AV_ROUND_UP);
+        return std::max<std::int64_t>(0, av_rescale_q(number, picture, av_get_time_base_q()) - std::max<std::int64_t>(first, 0));
+    }
+
 private:
-    bool IsSingle() const override { return Media::IsSingle(m_job); }
-
-    Owned<AVBufferSrcParameters> Describe(AVFrame& frame) const override {
-        return DescribeFrame(frame, Source().SampleAspect(SourceStream(), &frame), SourceStream().time_base);
-    }
-
-    std::unique_ptr<FilterGraph> MakeGraph(AVBufferSrcParameters& source) const override {
-        const std::vector<FilterStep> steps = VideoSteps(m_job, source, EncoderContext(), !HasGraph());
-        return std::make_unique<FilterGraph>(AVMEDIA_TYPE_VIDEO, source, steps);
-    }
+    AVRational SourceRate() const { return Source().FrameRate(SourceStream()); }
 
     std::int64_t DurationOf(const AVFrame& frame) const override {
-        (void)frame;
-        return av_rescale_q(1, av_inv_q(Source().FrameRate(SourceStream())), SourceStream().time_base);
+        const std::int64_t steady = av_rescale_q(1, av_inv_q(SourceRate()), SourceStream().time_base);
+        return std::max(steady, DurationIn(frame));
     }
 
-    std::int64_t EncodedDurationOf(const AVFrame& frame) const override {
-        (void)frame;
-        return 1;
+    bool IsOver() const override { return m_isOver; }
+
+    void TakeFrame(AVFrame& frame, std::int64_t time) override {
+        const std::int64_t end = time + av_rescale_q(DurationOf(frame), SourceStream().time_base, av_get_time_base_q());
+        Place(frame, time);
+        m_end = std::min(end, Source().FilmEnd());
     }
 
-    void EndGraph(FilterGraph& graph, std::int64_t time) const override { graph.Close(time); }
-
-    bool Prepare(AVFrame& frame) override {
-        if (IsSingle()) frame.pts = 0;  // it was not brought to any rate
-        if (frame.pts < NextPts()) return false;
-        frame.pict_type = AV_PICTURE_TYPE_NONE;  // the encoder would take the source's as an order
-        frame.quality = EncoderContext().global_quality;
-        ++m_frames;
-        return true;
+    void TakeRest() override {
+        if (!m_rate.HasBegun() || (IsSingle(m_job) && m_frames > 0)) return;
+        m_rate.Finish(m_end - BeganAt(), m_emit);
     }
 
-    VideoJob m_job;
-    long long m_frames = 0;
+    /// A picture that was shown before the film begins is shown until the next one.
+    void Place(AVFrame& frame, std::int64_t time) {
+        if (time >= Source().FilmEnd() && m_rate.HasBegun()) {
+            m_isOver = true;
+            return;
+        }
+        if (!m_rate.HasBegun()) {
+            BeginAt(Output().PlacesStreams() ? std::max<std::int64_t>(time, 0) : -Output().Lead());
+        }
+        if (IsSingle(m_job)) {
+            if (time > 0 && m_rate.HasBegun())
+        }
+        m_rate.Take(frame, std::max<std::int64_t>(time, 0) - BeganAt(), !Output().PlacesStreams(), m_emit);
+    }
 };
-
-}  // namespace
-
-std::unique_ptr<OutputStream> MakeVideoStream(const Input& input, const AVStream& stream, const VideoJob& job,
-                                              bool globalHeader, const Pass& pass, Muxer& muxer) {
-    Encoder encoder = OpenVideoEncoder(job, *stream.codecpar, globalHeader, pass);
-    return std::make_unique<VideoStream>(input, stream, job, std::move(encoder), muxer);
-}
-
-}  // namespace NorvexExport::Media
