@@ -166,7 +166,7 @@ private:
     void GiveWay(StreamPlan& plan, Property& stream) const {
         for (Finding& finding : CheckPreset(PresetOf(stream), m_helpers)) {
             const std::string path = StreamPathOf(finding.path);
-            if (FindChoice(finding) != nullptr || !stream.ChildExists(path)) continue;
+            if (!finding.constraint || FindChoice(finding) != nullptr || !stream.ChildExists(path)) continue;
             CorrectedValue change;
             change.helperKind = finding.helperKind;
             change.helperId = finding.helperId;

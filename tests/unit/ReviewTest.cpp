@@ -186,6 +186,68 @@ TEST(PresetCheck, LooksForConstraintsInTheSectionFromTheRootAndInEveryStream) {
                                    "filter_resample/resample/channel_layout = 5.1"));
 }
 
+TEST(PresetCheck, TellsWhatAContainerHasNoRoomFor) {
+    const auto codec = [](const char* kind, const char* id) { return Node(kind, {Property("codec_id", id)}); };
+    const auto streams = [&](const char* container, std::initializer_list<const char*> types) {
+        Property format = Node("format", {Property("container", container), Property(std::string("streams"))});
+        for (const char* const type : types) {
+            Property& stream = format["streams"].SetChild(std::to_string(format["streams"].Count()));
+            stream.SetChildT("type", type);
+        }
+        return format;
+    };
+    Property misplaced = streams("mp4", {"audio"});
+    misplaced["streams/0"].SetChild("video_codec").SetChildT("codec_id", "hevc");
+    const struct {
+        std::vector<Property> sections;
+        Lines messages;
+    } cases[] = {
+        {{streams("wav", {"audio"}), codec("video_codec", "hevc")},
+         {"Section video_codec has no place: wav holds no video"}},
+        {{streams("srt", {"video", "subtitles_text"}), codec("video_codec", "hevc"), codec("audio_codec", "aac")},
+         {"Section video_codec has no place: srt holds no video",
+          "Section audio_codec has no place: srt holds no audio",
+          "Stream format/streams/0 has no place: srt holds no video"}},
+        // A limit without a list of codecs, and a default stream beyond the limit.
+        {{streams("webm", {"subtitles_text"})}, {"Stream format/streams/0 has no place: webm holds no subtitles"}},
+        {{streams("flv", {"video", "subtitles_text"}), codec("subtitle_codec", "text")}, {}},
+        {{streams("flv", {"subtitles_text", "subtitles_text"})},
+         {"Stream format/streams/1 is one too many: flv holds no more than 1 of subtitles"}},
+        {{streams("mp4", {"video", "video", "audio", "video"})},
+         {"Stream format/streams/3 is one too many: mp4 holds no more than 2 of video"}},
+        {{streams("3gp", {"data"})},
+         {"Stream format/streams/0 is one too many: 3gp holds no more than 0 of other types"}},
+        {{misplaced}, {"Section format/streams/0/video_codec has no place in a stream of type audio"}},
+    };
+    for (const auto& c : cases) {
+        const Property preset = AssemblePreset(c.sections);
+        EXPECT_EQ(Messages(CheckPreset(preset, {HelpersOf(preset).front()})), c.messages) << Dump(preset);
+    }
+    int closed = 0;
+    for (const auto& [id, helper] : GetAvailableDataHelpers("format")) {
+        const Property format = helper->GetDefaults();
+        const NamedHelper container{"format", id, helper};
+        EXPECT_THAT(Messages(CheckPreset(AssemblePreset({format}), {container})), IsEmpty()) << id;
+        for (const char* const kind : {"video", "audio"}) {
+            if (format["limits"][kind].GetInt64() > 0) continue;
+            const Property section = codec((kind + std::string("_codec")).c_str(), "h264");
+            EXPECT_EQ(CheckPreset(AssemblePreset({format, section}), {container}).size(), 1U) << id;
+            ++closed;
+        }
+    }
+    EXPECT_EQ(closed, 36);
+}
+
+TEST(PresetCheck, TellsAFaultOnce) {
+    const Constraint two = Numbers({1, 2});
+    const SP<TestCodec> codec = Ruled(Rule(Texts({"yes"}), Numbers({1, 2})), {{"b", two}, {"c", two}});
+    const Property section = Node("audio_codec", {Property("a", "yes"), Property("b", 3), Property("c", 3)});
+    const auto findings = CheckPreset(AssemblePreset({section}), {Audio(codec)});
+    EXPECT_EQ(findings.size(), 3U);
+    EXPECT_THAT(Messages(TellOnce(findings)), ElementsAre("Parameter audio_codec/b is 3 but must be one of 1, 2",
+                                                          "Parameter audio_codec/c is 3 but must be one of 1, 2"));
+}
+
 TEST(PresetCheck, TakesAutomaticHelpers) {
     const Property section = Node("filter_resample", {Node("resample", {Property("sample_rate", -1)})});
     const Property codec = Node("audio_codec", {Property("codec_id", "mp3"), Property("bitrate_mode", "cbr_auto")});
@@ -341,7 +403,7 @@ TEST(CorrectionReport, TellsWhatChangedAndWhy) {
     const FakeBuild build({{"aac", {{}, {AV_SAMPLE_FMT_FLTP}, {44100, 48000}, {}}}});
     const auto m4a = DataHelperFormatM4a::Create("m4a");
     const std::string isAac = " when audio_codec/codec_id is aac", audio = ": Parameter audio_codec/",
-                      resample = ": Parameter filter_resample/resample/";
+                      resample = ": Parameter filter_resample/";
     Property cover =
         Stream(g_video, "codec_id mjpeg max_b_frames 2 key_frame_interval 9 bitrate_mode vbr bitrate 0 quality 3");
     cover.SetChildT("cover", false);
@@ -352,8 +414,8 @@ TEST(CorrectionReport, TellsWhatChangedAndWhy) {
     } cases[] = {
         {Stream(g_audio, "codec_id aac sample_rate 47000 sample_format s16 channel_layout stereo bitrate 100000"),
          {{"format", "m4a", m4a}, Audio(nullptr), Audio(DataHelperAudioCodecAac::Create(), "aac")},
-         {"aac sample_rate: 47000 > 48000 broken" + resample + "sample_rate is 47000 but must be one of 44100, 48000" +
-              isAac,
+         {"aac sample_rate: 47000 > 48000 broken" + resample +
+              "resample/sample_rate is 47000 but must be one of 44100, 48000" + isAac,
           "aac sample_format: s16 > fltp broken" + resample + "sample_format is s16 but must be fltp" + isAac,
           "aac bitrate: 100000 > 96000 broken" + audio +
               "bitrate is 100000 but must be one of 32000, 64000, 96000, "
@@ -364,7 +426,7 @@ TEST(CorrectionReport, TellsWhatChangedAndWhy) {
                 "bitrate 256000"),
          {Audio(DataHelperAudioCodecMp3::Create(), "mp3")},
          {"mp3 sample_rate: 10900 > 11025 broken" + resample +
-              "sample_rate is 10900 but must be one of 8000, 11025, "
+              "resample/sample_rate is 10900 but must be one of 8000, 11025, "
               "12000, 16000, 22050, 24000, 32000, 44100, 48000 when audio_codec/codec_id is mp3",
           "mp3 bitrate: 256000 > 64000 broken" + audio +
               "bitrate is 256000 but must be one of 32000, 64000 when "
@@ -375,7 +437,8 @@ TEST(CorrectionReport, TellsWhatChangedAndWhy) {
          {"flac bitrate_mode: - > vbr default", "flac bitrate: - > 991999 helper"}},
         {cover,
          {{"format", "m4a", m4a}, Video(DataHelperVideoCodecMjpeg::Create(), "mjpeg")},
-         {"m4a cover: false > true broken: Parameter format/cover is false but must be true when video_codec/codec_id "
+         {"m4a cover: false > true broken: Parameter video_codec/cover is false but must be true when "
+          "video_codec/codec_id "
           "is "
           "mjpeg",
           "mjpeg bitrate: 0 > 100000 broken: Parameter video_codec/bitrate is 0 but must be from 100000 to 800000000",
