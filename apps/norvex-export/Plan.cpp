@@ -11,8 +11,8 @@ extern "C" {
 #include "Formats.h"
 #include "Jobs.h"
 #include "Settle.h"
-#include "common/PresetJson.h"
 #include "norvex/Norvex.h"
+#include "norvex/document/PresetDocument.h"
 
 namespace NorvexExport {
 
@@ -441,14 +441,14 @@ void AddSettled(const Property& stream, Property& preset) {
     }
 }
 
-void CollectChoices(const Property& node, const std::string& path, const NorvexApps::PresetDocument& document,
+void CollectChoices(const Property& node, const std::string& path, const Document::PresetDocument& document,
                     std::vector<Choice>& choices) {
     for (const Property& child : node) {
         const std::string below = path.empty() ? child.GetName() : Path({path, child.GetName()});
         if (child.GetType() == PT_NODE) {
             CollectChoices(child, below, document, choices);
         } else {
-            choices.push_back({below, child, "preset, " + document.PlaceOf(below)});
+            choices.push_back({below, child, "preset, line " + std::to_string(document.LineOf(below))});
         }
     }
 }
@@ -462,8 +462,7 @@ void TakeCensus() {
 void ChooseFromPreset(Request& request, const std::string& presetText) {
     std::vector<Choice> choices;
     try {
-        const NorvexApps::PresetDocument document = NorvexApps::ReadPreset(presetText);
-        NorvexApps::RequireKnownNames(document);
+        const Document::PresetDocument document = Document::ReadPreset(presetText);
         const std::string sections[] = {P::KEY_FORMAT,
                                         P::KEY_FILTER_VIDEO_CODEC,
                                         P::KEY_FILTER_AUDIO_CODEC,
@@ -474,7 +473,8 @@ void ChooseFromPreset(Request& request, const std::string& presetText) {
         for (const Property& section : document.preset) {
             const std::string& name = section.GetName();
             if (std::find(std::begin(sections), std::end(sections), name) == std::end(sections)) {
-                throw RequestError(document.PlaceOf(name) + ": this program has no use for '" + name + "'");
+                throw RequestError("line " + std::to_string(document.LineOf(name)) + ": this program has no use for '" +
+                                   name + "'");
             }
             const std::string idPath =
                 Path({name, name == P::KEY_FORMAT ? IFormatFile::TAG_CONTAINER : C::TAG_CODEC_ID});
@@ -483,7 +483,7 @@ void ChooseFromPreset(Request& request, const std::string& presetText) {
             if (!chosen.empty() && document.preset[idPath].GetString() != chosen) continue;
             CollectChoices(section, name, document, choices);
         }
-    } catch (const NorvexApps::PresetError& error) {
+    } catch (const Document::DocumentException& error) {
         throw RequestError("'" + request.presetFile + "', " + error.what());
     }
     request.choices.insert(request.choices.begin(), choices.begin(), choices.end());

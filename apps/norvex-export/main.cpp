@@ -13,12 +13,13 @@ extern "C" {
 #include "Plan.h"
 #include "Report.h"
 #include "Request.h"
-#include "common/PresetJson.h"
 #include "common/TextFiles.h"
+#include "norvex/document/PresetDocument.h"
 
 namespace {
 
 using namespace NorvexExport;
+namespace Document = Norvex::Document;
 
 void Print(const std::string& text) {
     std::fputs(text.c_str(), stdout);
@@ -26,10 +27,12 @@ void Print(const std::string& text) {
 
 void Run(Request request) {
     TakeCensus();
-    if (!request.presetFile.empty()) ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile));
+    if (!request.presetFile.empty()) {
+        ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile, Document::g_largestPreset + 1));
+    }
     const Plan plan = MakePlan(request, Probe(request.input));
     if (!request.savePresetFile.empty())
-        NorvexApps::WriteText(request.savePresetFile, NorvexApps::WritePreset(plan.settled));
+        NorvexApps::WriteText(request.savePresetFile, Document::WritePreset(plan.settled));
     const bool asText = !request.json && !request.quiet;
     if (asText) {
         Print(PlanText(plan, isatty(STDOUT_FILENO) != 0));

@@ -8,8 +8,8 @@
 #include "Check.h"
 #include "Page.h"
 #include "Texts.h"
-#include "common/PresetJson.h"
 #include "common/TextFiles.h"
+#include "norvex/document/PresetDocument.h"
 
 namespace {
 
@@ -27,14 +27,15 @@ void Write(const std::string& path, const std::string& text) {
 
 /// Returns the exit status: 0 for a preset that keeps every rule.
 int CheckFile(const std::string& path, bool json) {
+    namespace Document = Norvex::Document;
     MakeBook();  // takes the census, by which containers know what they carry
     try {
-        const NorvexApps::PresetDocument document = NorvexApps::ReadPreset(NorvexApps::ReadText(path));
-        NorvexApps::RequireKnownNames(document);
-        const Judgement judgement = Judge(document.preset);
-        Print(json ? JudgementJson(judgement) : JudgementText(judgement));
-        return judgement.broken.empty() ? 0 : 1;
-    } catch (const NorvexApps::PresetError& error) {
+        // What was set for another container or codec is dropped by mending.
+        const std::string text = NorvexApps::ReadText(path, Document::g_largestPreset + 1);
+        const auto mended = Norvex::Conf::MendPreset(Document::ReadPreset(text, Document::Foreign::Left).preset);
+        Print(json ? JudgementJson(mended) : JudgementText(mended));
+        return mended.broken.empty() ? 0 : 1;
+    } catch (const Document::DocumentException& error) {
         throw std::runtime_error("'" + path + "', " + error.what());
     }
 }
@@ -67,7 +68,7 @@ int main(int argc, char** argv) {
     check->callback([&] { status = CheckFile(file, json); });
     auto* const all = app.add_subcommand("json", "Everything, for programs");
     all->add_option("FILE", file, "Where to write it (default: standard output)");
-    all->callback([&] { Write(file, MakeBook().dump(2) + '\n'); });
+    all->callback([&] { Write(file, Norvex::Document::WriteJson(MakeBook()) + '\n'); });
     auto* const page = app.add_subcommand("html", "Everything, as one page for a browser");
     page->add_option("FILE", file, "Where to write it (default: standard output)");
     page->callback([&] { Write(file, PageHtml(MakeBook())); });

@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 
 #include "Report.h"
-#include "common/PresetJson.h"
 #include "norvex/Norvex.h"
+#include "norvex/document/PresetDocument.h"
 
 namespace {
 
@@ -319,7 +319,7 @@ TEST_F(PlanTest, TellsWhatIsCopiedLeftOutOrBroughtToAForm) {
 
 /// What a plan comes to, whatever the order of its values.
 std::string JobText(const Plan& plan) {
-    return nlohmann::json::parse(NorvexApps::ToJson(plan.settled).dump()).dump() + plan.job.muxer +
+    return nlohmann::json::parse(WriteJson(Norvex::Document::PlainFormOf(plan.settled))).dump() + plan.job.muxer +
            (plan.job.video ? std::to_string(plan.job.video->width) + 'x' + std::to_string(plan.job.video->bitrate)
                            : "") +
            (plan.job.audio ? std::to_string(plan.job.audio->sampleRate) + '/' + std::to_string(plan.job.audio->bitrate)
@@ -347,7 +347,7 @@ TEST_F(PlanTest, ASavedPresetGivesTheSamePlan) {
         SCOPED_TRACE(format);
         const Plan plan = PlanOf(format, choices, Film());
         Request again = ToMp4();
-        ChooseFromPreset(again, NorvexApps::WritePreset(plan.settled));
+        ChooseFromPreset(again, Norvex::Document::WritePreset(plan.settled));
         EXPECT_EQ(JobText(MakePlan(again, Film())), JobText(plan));
     }
 }
@@ -370,8 +370,8 @@ TEST_F(PlanTest, ReadsPresetsAndSaysWhatIsWrongWithThem) {
         {"\"audio_codec\": {", "'my.json', line 3: this is no JSON"},
         {"\"audio_codec\": {\"codec_id\": \"mp4\"}", "'my.json', line 2: there is no codec 'mp4'"},
         {"\"filter_volume\": {}", "line 2: this program has no use for 'filter_volume'"},
-        {"\"filter_rate\": {\"frame_rate\": 25}",
-         "preset, line 2: '25' is no value of the type of 'filter_rate/frame_rate'"},
+        {"\"filter_rate\": {\"frame_rate\": true}",
+         "preset, line 2: 'true' is no value of the type of 'filter_rate/frame_rate'"},
         {"\"filter_resample\": {\"resample\": {\"sample_rate\": \"x\"}}",
          "preset, line 2: 'x' is no value of the type of "},
         {"\"filter_resample\": {\"sample_format\": 5}", "preset, line 2: '5' is no value of the type of "},

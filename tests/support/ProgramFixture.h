@@ -42,8 +42,9 @@ protected:
         return static_cast<std::size_t>(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()));
     }
 
-    Outcome Run(const std::string& arguments) const {
-        const std::string command = "cd '" + m_folder.string() + "' && '" + m_program + "' " + arguments + " 2>&1";
+    Outcome Run(const std::string& arguments) const { return RunOther(m_program, arguments); }
+    Outcome RunOther(const std::string& program, const std::string& arguments) const {
+        const std::string command = "cd '" + m_folder.string() + "' && '" + program + "' " + arguments + " 2>&1";
         std::FILE* const pipe = popen(command.c_str(), "r");
         Outcome outcome{};
         std::array<char, 4096> part{};
