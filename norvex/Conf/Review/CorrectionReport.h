@@ -30,7 +30,8 @@ struct CorrectionReport {
     std::vector<CorrectedValue> changes;  ///< in the order in which the helpers ran
     /// What the stream still breaks: validation asks for more than correction mends.
     std::vector<Finding> left;
-    /// What a helper threw; null where none did. The helpers behind it did not run.
+    /// What a correction threw; the helpers behind it did not run. Where all ran, the first that a helper threw when it
+    /// was asked for its defaults, constraints or rules, so that the report lacks what it would have said. Else null.
     std::exception_ptr failure;
 };
 

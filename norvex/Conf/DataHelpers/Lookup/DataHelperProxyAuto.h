@@ -11,11 +11,13 @@ namespace Norvex::Conf {
 /// else is the wrapped helper's, correction included, which knows nothing of automatic values.
 class NORVEX_API DataHelperProxyAuto final : public RefCounted<IDataHelper> {
 public:
-    /// `type` is the kind that the helper was asked for.
+    /// `type` is the kind that the helper was asked for. A null helper is one that says nothing: its defaults are a
+    /// node without a name or children.
     static SP<const IDataHelper> Create(const std::string& type, SP<const IDataHelper> helper);
 
     Core::Property GetDefaults() const override;
     void GetRequiredObjects(ObjectList& objects) const override;
+    /// A new rule for each of the helper's. Null rules and constraints pass as they are, here and below.
     void GetValidationRules(RuleList& rules) const override;
     void GetConstraints(ConstraintMap& constraints) const override;
     void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
