@@ -100,8 +100,8 @@ public:
     bool GetBool() const;
     /// Reads PT_INT64 as well.
     double GetDouble() const;
-    /// Reads PT_DOUBLE as well: the fraction is cut off, what lies outside the range goes to its nearer end, and
-    /// NaN reads as the upper end, so that no range takes it for a legal value.
+    /// Reads PT_DOUBLE as well: the fraction is cut off, what lies outside the range goes to its nearer end, and NaN to
+    /// the upper one.
     long long GetInt64() const;
     /// Reads texts such as "30000/1001" and "25" as well.
     Ratio GetRatio() const;
