@@ -36,7 +36,8 @@ struct CorrectionReport {
 };
 
 /// Lets each helper correct the flat node of one stream, in their order, and tells what came of it. The node ends as it
-/// would without the report, also where a helper throws.
+/// would without the report, also where a helper throws. What helpers throw is kept in the report and does not pass;
+/// null helpers are passed over. Of values that share a path, Broken and Default are told of the one that it leads to.
 NORVEX_API CorrectionReport CorrectWithReport(Core::Property& stream, const std::vector<NamedHelper>& helpers);
 
 }  // namespace Norvex::Conf

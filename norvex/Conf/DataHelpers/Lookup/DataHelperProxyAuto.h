@@ -8,7 +8,7 @@ namespace Norvex::Conf {
 
 /// Wraps a helper and widens what it allows by the automatic values, by which a user leaves a choice to the system:
 /// the bitrate mode and the audio codec of a stream, and in rules the sample rate, layout and frame rate. Everything
-/// else is the wrapped helper's, correction included, which knows nothing of automatic values.
+/// else is the wrapped helper's, correction included, which knows nothing of automatic values; what it throws passes.
 class NORVEX_API DataHelperProxyAuto final : public RefCounted<IDataHelper> {
 public:
     /// `type` is the kind that the helper was asked for. A null helper is one that says nothing: its defaults are a
