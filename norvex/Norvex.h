@@ -45,6 +45,7 @@
 #include "norvex/interfaces/Conf/IValidationRule.h"
 #include "norvex/interfaces/Conf/LayoutRecord.h"
 #include "norvex/interfaces/Conf/MediaType.h"
+#include "norvex/interfaces/Conf/Messages.h"
 #include "norvex/interfaces/Conf/SampleFmtRecord.h"
 #include "norvex/interfaces/Proc/FFmpegCodecFactory.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"

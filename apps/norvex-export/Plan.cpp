@@ -412,7 +412,8 @@ void PlanSubtitles(Plan& plan, const NamedHelper& format, const Property& format
 // ------------------------------------------------------------------------------------------------------ presets
 
 /// The codec's section and the filters' that give a settled stream again.
-void AddSettled(const Property& stream, Property& preset) {
+void AddSettled(const StreamPlan& plan, Property& preset) {
+    const Property& stream = plan.settled;
     const bool isVideo = stream.GetName() == V::TAG_FORMAT_CODEC_VIDEO;
     const bool isAudio = stream.GetName() == A::TAG_FORMAT_CODEC_AUDIO;
     Property section(isVideo   ? P::KEY_FILTER_VIDEO_CODEC
@@ -428,7 +429,9 @@ void AddSettled(const Property& stream, Property& preset) {
     }
     preset.SetChild(section.GetName(), section);
     if (isVideo) {
-        const Property rate = Proc::IFilterFrameRate::MakeSettings(stream[V::TAG_FPS].GetRatio());
+        const Property rate = Proc::IFilterFrameRate::MakeSettings(
+            plan.isAtSourceRate ? Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE
+                                : stream[V::TAG_FPS].GetRatio());
         preset.SetChild(rate.GetName(), rate);
     }
     if (isAudio) {
@@ -528,7 +531,7 @@ Plan PlanFor(const Request& request, const InputInfo& input) {
         throw RequestError("'" + request.input + "' has no stream that the format '" + plan.formatId + "' could hold");
     }
     for (const StreamPlan& stream : plan.streams) {
-        if (!stream.isCopied) AddSettled(stream.settled, plan.settled);
+        if (!stream.isCopied) AddSettled(stream, plan.settled);
     }
     return plan;
 }

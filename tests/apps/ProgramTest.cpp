@@ -36,6 +36,17 @@ TEST_F(ProgramTest, ExportsWhatWasAskedFor) {
     EXPECT_EQ(FileCount(), 2U) << "something was left beside the output";
 }
 
+TEST_F(ProgramTest, MakesAGifOfASlowFilm) {
+    NorvexTest::ClipSettings slow;
+    slow.frames = 4, slow.frameRate = 2;
+    NorvexTest::MakeClip(File("slow.nut"), slow);
+    for (const auto& [option, rate] : {std::pair("", 2), std::pair(" --fps 3", 8)}) {
+        const Outcome outcome = Run(std::string("slow.nut slow.gif") + option);
+        ASSERT_EQ(outcome.status, 0) << outcome.text;
+        EXPECT_EQ(NorvexExport::Probe(File("slow.gif")).video->frameRate.numerator, rate);
+    }
+}
+
 TEST_F(ProgramTest, DryRunWritesNothing) {
     Clip();
     const Outcome outcome = Run("in.mkv out.mp4 --dry-run --json");

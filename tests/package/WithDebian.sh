@@ -1,12 +1,12 @@
 #!/bin/sh
 # Makes the Debian packages, unpacks them as if they were installed, builds a stranger's program with what is in them,
 # and runs it and the programs.
-# Usage: WithDebian.sh BUILD COMPILER SOURCE FOLDER
+# Usage: WithDebian.sh BUILD COMPILER SOURCE
 set -eu
-build=$1 compiler=$2 source=$3 folder=$4
+build=$1 compiler=$2 source=$3
 here=$(cd "$(dirname "$0")" && pwd)
-rm -rf "$folder"
-mkdir -p "$folder/root"
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
 (cd "$build" && cpack -B "$folder/packages" >"$folder/cpack.log" 2>&1) || { cat "$folder/cpack.log"; exit 1; }
 for name in libnorvex0 libnorvex-dev norvex-tools; do
     package=$(echo "$folder/packages/$name"*.deb)

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <set>
@@ -25,6 +24,7 @@ extern "C" {
 #include "media/Input.h"
 #include "norvex/Norvex.h"
 #include "support/MadeClip.h"
+#include "support/TemporaryFolder.h"
 
 namespace {
 
@@ -87,14 +87,14 @@ std::string Join(const std::set<std::string>& words) {
 
 class Sweep {
 public:
-    explicit Sweep(const std::filesystem::path& folder) : m_folder(folder) {
+    Sweep() {
         NorvexTest::ClipSettings clip;
         clip.frames = 25;
         clip.width = 160;
         clip.height = 120;
         clip.soundSeconds = 1;
-        m_clip = NorvexTest::MakeClip((folder / "clip.nut").string(), clip);
-        m_titles = (folder / "titles.srt").string();
+        m_clip = NorvexTest::MakeClip(m_folder.File("clip.nut"), clip);
+        m_titles = m_folder.File("titles.srt");
         std::ofstream(m_titles) << "1\n00:00:00,000 --> 00:00:00,800\nA line\n\n";
     }
 
@@ -103,7 +103,7 @@ public:
              bool isBeside = false) {
         Request request;
         request.input = format == "srt" || format == "ass" || format == "ssa" ? m_titles : m_clip;
-        request.output = (m_folder / ("out." + Extension(format))).string();
+        request.output = m_folder.File("out." + Extension(format));
         request.choices = choices;
         request.choices.insert(request.choices.begin(),
                                {P::KEY_FORMAT + "/" + IFormatFile::TAG_CONTAINER, Property("", format), "sweep"});
@@ -226,7 +226,7 @@ private:
         std::fflush(stdout);
     }
 
-    std::filesystem::path m_folder;
+    NorvexTest::TemporaryFolder m_folder;
     std::string m_clip;
     std::string m_titles;
     int m_went = 0;
@@ -390,13 +390,12 @@ void SweepValues(Sweep& sweep) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    if (argc < 2) return 2;
+/// With an argument, the pairs of containers and codecs alone.
+int main(int argc, char** /*argv*/) {
     av_log_set_level(AV_LOG_QUIET);
-    std::filesystem::create_directories(argv[1]);
     TakeCensus();
-    Sweep sweep(argv[1]);
+    Sweep sweep;
     SweepPairs(sweep);
-    if (argc < 3) SweepValues(sweep);
+    if (argc < 2) SweepValues(sweep);
     return sweep.Finish();
 }

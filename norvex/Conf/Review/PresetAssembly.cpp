@@ -95,4 +95,15 @@ std::string StreamPathOf(const std::string& presetPath) {
     return presetPath;
 }
 
+std::vector<std::string> PresetPathsOf(const std::string& streamName, const std::string& streamPath) {
+    const bool isVideo = streamName == V::TAG_FORMAT_CODEC_VIDEO;
+    if (!isVideo && streamName != A::TAG_FORMAT_CODEC_AUDIO) return {};
+    std::vector<std::string> paths = {
+        Path(isVideo ? P::KEY_FILTER_VIDEO_CODEC : P::KEY_FILTER_AUDIO_CODEC, streamPath)};
+    for (const auto& [tag, path] : isVideo ? VideoPlaces() : AudioPlaces()) {
+        if (tag == streamPath) paths.push_back(path);
+    }
+    return paths;
+}
+
 }  // namespace Norvex::Conf

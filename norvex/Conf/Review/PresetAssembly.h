@@ -18,4 +18,8 @@ NORVEX_API Core::Property AssemblePreset(const std::vector<Core::Property>& sect
 /// Where the flat node of a stream has the value that a rule reads at `presetPath`.
 NORVEX_API std::string StreamPathOf(const std::string& presetPath);
 
+/// Where an assembled preset has the value at `streamPath` of the flat node of that name: in the codec's section, and
+/// in a filter or the container where rules read it there. Nowhere for a node of another name.
+NORVEX_API std::vector<std::string> PresetPathsOf(const std::string& streamName, const std::string& streamPath);
+
 }  // namespace Norvex::Conf

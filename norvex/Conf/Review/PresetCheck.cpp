@@ -12,6 +12,7 @@
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IFormatFile.h"
 #include "norvex/interfaces/Conf/IPreset.h"
+#include "norvex/interfaces/Conf/Messages.h"
 
 namespace Norvex::Conf {
 
@@ -40,7 +41,7 @@ const char* const evenMessage = "even";
 const char* const otherMessage = "another value";
 
 std::string Translate(const std::string& message) {
-    const Core::LocalizationDomain localization = Core::GetLocalizationManagerForDomain("core");
+    const Core::LocalizationDomain localization = Core::GetLocalizationManagerForDomain(DATAHELPERS_MESSAGE_DOMAIN);
     return localization.manager.Translate(message, localization.domain);
 }
 

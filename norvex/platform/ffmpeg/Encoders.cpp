@@ -12,6 +12,7 @@ namespace {
 
 template <class Entry>
 const Entry* SupportedConfig(const AVCodec* codec, AVCodecConfig config) {
+    if (codec == nullptr) return nullptr;
     const void* list = nullptr;
     const int result = avcodec_get_supported_config(nullptr, codec, config, 0, &list, nullptr);
     return result >= 0 ? static_cast<const Entry*>(list) : nullptr;
@@ -33,16 +34,16 @@ const AVChannelLayout* ChannelLayouts(const AVCodec* c) {
 #else
 
 const AVRational* FrameRates(const AVCodec* c) {
-    return c->supported_framerates;
+    return c != nullptr ? c->supported_framerates : nullptr;
 }
 const AVSampleFormat* SampleFormatsOf(const AVCodec* c) {
-    return c->sample_fmts;
+    return c != nullptr ? c->sample_fmts : nullptr;
 }
 const int* SampleRates(const AVCodec* c) {
-    return c->supported_samplerates;
+    return c != nullptr ? c->supported_samplerates : nullptr;
 }
 const AVChannelLayout* ChannelLayouts(const AVCodec* c) {
-    return c->ch_layouts;
+    return c != nullptr ? c->ch_layouts : nullptr;
 }
 
 #endif

@@ -81,11 +81,11 @@ SP<IDataHelper> DataHelperAudioCodecFlac::Create() {
 }
 
 long long DataHelperAudioCodecFlac::CalculateBitrate(const Core::Property& tree) {
-    const long long sampleRate = tree[A::TAG_SAMPLE_RATE].GetInt64();
-    const std::size_t row = NearestIndex(g_possibleSamplerates, sampleRate);
-    const std::size_t column = NearestIndex(g_possibleChannels, ChannelsOf(tree));
+    const AudioFormat sound = AudioFormatOf(tree);
+    const std::size_t row = NearestIndex(g_possibleSamplerates, sound.sampleRate);
+    const std::size_t column = NearestIndex(g_possibleChannels, sound.channels);
     // The table's own values and not the stream's: beyond its edges the estimate stays what it is there.
-    const long long pcmBitrate = g_possibleSamplerates[row] * BitsPerSampleOf(tree) * g_possibleChannels[column];
+    const long long pcmBitrate = g_possibleSamplerates[row] * sound.bitsPerSample * g_possibleChannels[column];
     return static_cast<long long>(static_cast<double>(pcmBitrate) * g_coeff[row][column]);
 }
 

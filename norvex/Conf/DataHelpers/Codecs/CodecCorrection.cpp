@@ -59,7 +59,7 @@ void DataHelperCodecFFMPEG::CorrectAudioResamplerSettings(Property& tree) const 
         Property& value = tree[*tag];
         // The first rule about the tag decides, which is the encoder's where the encoder declares a list.
         const auto rule = std::find_if(rules.begin(), rules.end(), [tag](const auto& candidate) {
-            return candidate.second->GetSecondPath().find(*tag) != std::string::npos;
+            return candidate.second && candidate.second->GetSecondPath().find(*tag) != std::string::npos;
         });
         if (rule == rules.end() || rule->second->GetSecondConstraint()->Fixup(value)) continue;
         NORVEX_THROW(
@@ -80,8 +80,8 @@ void DataHelperCodecFFMPEG::CorrectBitrate(Property& tree) const {
         bool isLegal = false;
         try {
             const auto constraint = constraints.find(*tag);
-            isLegal =
-                tree.ChildExists(*tag) && constraint != constraints.end() && constraint->second->Fixup(tree[*tag]);
+            isLegal = tree.ChildExists(*tag) && constraint != constraints.end() && constraint->second &&
+                      constraint->second->Fixup(tree[*tag]);
         } catch (...) {
             writeDefault();
             throw;

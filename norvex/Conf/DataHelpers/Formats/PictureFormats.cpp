@@ -100,7 +100,7 @@ Core::Property DataHelperFormatGif::GetDefaults() const {
 }
 
 void DataHelperFormatGif::GetValidationRules(RuleList& rules) const {
-    // The repeats, here and below, are what hosts have always seen.
+    // The repeats, here and above, are meant: a list is offered as it is written.
     AddRule(rules, VideoCodecIdPath(), OneOf({V::CODEC_ID_GIF, V::CODEC_ID_GIF}), FrameRatePath(),
             ConstraintSet::Create(GifRates()));
 }
