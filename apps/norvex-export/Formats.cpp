@@ -1,10 +1,10 @@
 #include "Formats.h"
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <iterator>
 
+#include "common/OtherNames.h"
 #include "norvex/Norvex.h"
 
 namespace NorvexExport {
@@ -55,21 +55,6 @@ constexpr Muxer g_stills[] = {
     {&F::FORMAT_TARGA,    "image2"}, {&F::FORMAT_PAM,    "image2"}, {&F::FORMAT_SGI,  "image2"},
     {&F::FORMAT_PGMYUV,   "image2"}, {&F::FORMAT_XWD,    "image2"}, {&F::FORMAT_AVIF, "avif"},
     {&F::FORMAT_HEIC,     "heic"},   {&F::FORMAT_HEIF,   "heif"},  // FFmpeg writes neither yet
-};
-
-struct Extension {
-    const char* extension;
-    const std::string* id;
-};
-
-/// Only extensions that are not themselves ids.
-constexpr Extension g_extensions[] = {
-    {"3gpp", &F::FORMAT_3GP},       {"aac", &F::FORMAT_AAC},      {"aif", &F::FORMAT_AIFF},
-    {"jfif", &F::FORMAT_JPEG},      {"jp2", &F::FORMAT_JPEG2000}, {"jpg", &F::FORMAT_JPEG},
-    {"jls", &F::FORMAT_JPEGLS},     {"m1v", &F::FORMAT_MPEG},     {"m2ts", &F::FORMAT_MPEG2TS},
-    {"m2v", &F::FORMAT_MPEG2VIDEO}, {"mkv", &F::FORMAT_MATROSKA}, {"mpg", &F::FORMAT_MPEG},
-    {"mts", &F::FORMAT_MPEG2TS},    {"oga", &F::FORMAT_OGG},      {"snd", &F::FORMAT_AU},
-    {"tga", &F::FORMAT_TARGA},      {"tif", &F::FORMAT_TIFF},     {"ts", &F::FORMAT_MPEGTS},
 };
 
 struct Codec {
@@ -137,11 +122,7 @@ bool IsStill(const std::string& formatId) {
 std::string FormatOf(const std::string& path) {
     std::string extension = std::filesystem::path(path).extension().string();
     if (!extension.empty()) extension.erase(0, 1);
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    const Extension* const row =
-        FindRow(g_extensions, [&extension](const Extension& r) { return extension == r.extension; });
-    return row != nullptr ? *row->id : extension;
+    return NorvexApps::FindId(NorvexApps::Named::Format, extension).value_or(extension);
 }
 
 std::string CodecNameOf(const std::string& codecId) {

@@ -1,5 +1,5 @@
-/// What the program has to know beyond the rule book, in one place: which muxer of FFmpeg writes a container, which
-/// extensions stand for it, and what FFmpeg calls a codec or an encoder's option.
+/// What the program has to know beyond the rule book, in one place: which muxer of FFmpeg writes a container, and
+/// what FFmpeg calls a codec or an encoder's option.
 #pragma once
 
 #include <optional>
@@ -20,8 +20,8 @@ std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::strin
 /// Whether the container holds one picture.
 bool IsStill(const std::string& formatId);
 
-/// The container id for the extension of a path; empty for a path without one. An extension that stands for nothing
-/// else is taken as a container id.
+/// The container id that the extension of a path stands for, the extension where it stands for none, and nothing where
+/// there is no extension. After the census.
 std::string FormatOf(const std::string& path);
 
 /// FFmpeg's name of the codec that writes what the rule book calls by this id.

@@ -1,6 +1,9 @@
 #include "Jobs.h"
 
+#include <limits>
+
 #include "Formats.h"
+#include "Plan.h"
 #include "norvex/Norvex.h"
 
 namespace NorvexExport {
@@ -50,12 +53,22 @@ const char* ScalerOf(const Property& resizeSection) {
     return "bicubic";
 }
 
-int ToInt(const Property& value) {
-    return static_cast<int>(value.GetInt64());
+/// What encodes counts in ints.
+int Narrow(long long value, const Property& property) {
+    if (value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max()) {
+        return static_cast<int>(value);
+    }
+    throw RequestError("'" + property.GetName() + "' is " + Core::PropertyValueToString(property) +
+                       ", which is more than any encoder takes");
 }
 
-Fraction ToFraction(const Core::Ratio& ratio) {
-    return {static_cast<int>(ratio.numerator()), static_cast<int>(ratio.denominator())};
+int ToInt(const Property& value) {
+    return Narrow(value.GetInt64(), value);
+}
+
+Fraction ToFraction(const Property& value) {
+    const Core::Ratio ratio = value.GetRatio();
+    return {Narrow(ratio.numerator(), value), Narrow(ratio.denominator(), value)};
 }
 
 /// The encoder's options, by FFmpeg's names.
@@ -90,7 +103,7 @@ VideoJob MakeVideoJob(const Property& stream, const VideoSource& source, const P
     job.width = ToInt(stream[V::TAG_WIDTH]);
     job.height = ToInt(stream[V::TAG_HEIGHT]);
     job.sampleAspect = {ToInt(stream[V::TAG_ASPECTX]), ToInt(stream[V::TAG_ASPECTY])};
-    job.frameRate = ToFraction(stream[V::TAG_FPS].GetRatio());
+    job.frameRate = ToFraction(stream[V::TAG_FPS]);
     job.fit = FitOf(resizeSection,
                     {source.width, source.height, source.sampleAspect.numerator, source.sampleAspect.denominator},
                     {job.width, job.height, job.sampleAspect.numerator, job.sampleAspect.denominator});

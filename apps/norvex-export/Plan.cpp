@@ -11,6 +11,7 @@ extern "C" {
 #include "Formats.h"
 #include "Jobs.h"
 #include "Settle.h"
+#include "common/OtherNames.h"
 #include "common/PresetJson.h"
 #include "norvex/Norvex.h"
 
@@ -53,11 +54,9 @@ NamedHelper FindFormat(const std::string& formatId) {
     const auto& formats = GetAvailableDataHelpers(P::KEY_FORMAT);
     const auto format = formats.find(formatId);
     if (format == formats.end()) {
-        std::vector<std::string> ids;
-        for (const auto& row : formats) ids.push_back(row.first);
-        throw RequestError((formatId.empty() ? "the output has no extension to tell the format by; give --format"
-                                             : "unknown format '" + formatId + "'") +
-                           "; the formats are " + Join(ids));
+        throw RequestError(formatId.empty()
+                               ? "the output has no extension to tell the format by; give --format, such as mp4"
+                               : NorvexApps::WhyUnknown(NorvexApps::Named::Format, formatId));
     }
     if (av_guess_format(MuxerOf(formatId).c_str(), nullptr, nullptr) == nullptr) {
         throw RequestError("this build of FFmpeg has no muxer for the format '" + formatId + "'");
@@ -511,6 +510,7 @@ namespace {
 Plan PlanFor(const Request& request, const InputInfo& input) {
     Plan plan;
     plan.request = request;
+    plan.notes = request.notes;
     plan.input = input;
     const std::string chosen = request.TextAt(Path({P::KEY_FORMAT, IFormatFile::TAG_CONTAINER}));
     plan.formatId = chosen.empty() ? FormatOf(request.output) : chosen;

@@ -77,6 +77,7 @@ public:
         StreamPlan plan;
         plan.asked = stream;
         plan.lookedAt = ExplainPreset(PresetOf(stream), m_helpers);
+        RequireChosenQuality(plan.lookedAt);
         CorrectionReport report = CorrectWithReport(stream, {m_rules.format, m_rules.codec});
         if (report.failure) Rethrow(report.failure);
         plan.changes = std::move(report.changes);
@@ -134,6 +135,15 @@ private:
         const std::string became = asked == value ? "' is" : "' becomes '" + value + "', which is";
         throw RequestError(choice->option + ": '" + asked + became +
                            " not legal here; allowed: " + finding.allowed.words);
+    }
+
+    /// A bitrate that is not on the list means the nearest that is; a quality beyond the scale means nothing.
+    void RequireChosenQuality(const std::vector<Finding>& findings) const {
+        for (const Finding& finding : findings) {
+            const bool isBroken = finding.verdict == Finding::Verdict::Violated && finding.value;
+            if (!isBroken || StreamPathOf(finding.path) != IFormatCodec::TAG_QUALITY) continue;
+            if (FindChoice(finding) != nullptr) Refuse(finding);
+        }
     }
 
     /// What is left to the system is judged by the rules that know automatic values.

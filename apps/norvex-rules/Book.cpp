@@ -4,6 +4,7 @@ extern "C" {
 #include <libavutil/avutil.h>
 }
 
+#include "common/OtherNames.h"
 #include "common/PresetJson.h"
 #include "norvex/Norvex.h"
 
@@ -113,9 +114,7 @@ Json MakeBook() {
     book["videoCodecs"] = CodecsJson(P::KEY_FILTER_VIDEO_CODEC);
     book["audioCodecs"] = CodecsJson(P::KEY_FILTER_AUDIO_CODEC);
     book["filters"] = Json::array();
-    for (const std::string& id :
-         {Proc::IFilterAudioFormatter::CLASS_ID, Proc::IFilterAudioVolume::CLASS_ID, Proc::IFilterFrameRate::CLASS_ID,
-          Proc::IFilterResample::CLASS_ID, Proc::IFilterResize::CLASS_ID}) {
+    for (const std::string& id : NorvexApps::IdsOf(NorvexApps::Named::Filter)) {
         book["filters"].push_back(HelperJson(id, *CreateDataHelper(id, std::string())));
     }
     return book;

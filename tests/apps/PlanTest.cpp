@@ -184,7 +184,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Refusal{"UnknownFormat",
                 [](Request& r, InputInfo&) { r.choices = {Chosen("format/container", "mp5", "--format")}; },
-                "unknown format 'mp5'; the formats are 3g2"},
+                "there is no format 'mp5'; did you mean "},
         Refusal{"NoExtension", [](Request& r, InputInfo&) { r.output = "film"; }, "no extension"},
         Refusal{"UnknownCodec",
                 [](Request& r, InputInfo&) { r.choices = {Chosen("video_codec/codec_id", "h999", "--video")}; },

@@ -70,7 +70,8 @@ TEST_F(RulesProgramTest, ShowsOneHelper) {
     EXPECT_THAT(Say("show format m4a"),
                 AllOf(HasSubstr("  audio      aac, alac  (default aac)\n"), HasSubstr("streams/0/type")));
     EXPECT_THAT(Say("show format ac3"), AllOf(Not(HasSubstr("  video ")), HasSubstr("\nRules\n  none\n")));
-    EXPECT_THAT(Say("show filter filter_resize"), HasSubstr("\nRules\n  filter_resize/resize/width is even\n"));
+    EXPECT_THAT(Say("show Format .MKV"), HasSubstr("format matroska\n"));
+    EXPECT_THAT(Say("show filter resize"), HasSubstr("\nRules\n  filter_resize/resize/width is even\n"));
 }
 
 TEST_F(RulesProgramTest, PutsTheWholeBookIntoOnePage) {
@@ -149,12 +150,16 @@ TEST_F(RulesProgramTest, FailsInOnePlainLine) {
         {"check .", 1, "norvex-rules: cannot read '.'\n"},
         {"check text.json", 1, "norvex-rules: 'text.json', line 1: this is no JSON, at "},
         {"check name.json", 1, "norvex-rules: 'name.json', line 3: there is no container 'mp5'\n"},
-        {"show video aac", 1, "norvex-rules: there is no video 'aac'; try norvex-rules list\n"},
-        {"show codec aac", 1, "norvex-rules: there is no codec 'aac'; try norvex-rules list\n"},
+        {"show video aac", 1, "norvex-rules: there is no video codec 'aac'; it is an audio codec\n"},
+        {"show video VC1", 1, "norvex-rules: there are no rules for the video codec 'vc1'\n"},
+        {"show format mp5", 1, "norvex-rules: there is no format 'mp5'; did you mean 'mp3', "},
+        {"show codec aac", 1, "norvex-rules: there is no kind 'codec'; there are format, video, audio and filter\n"},
         {"json no/where", 1, "norvex-rules: cannot write 'no/where'\n"},
-        {"show video", 2, "ID is required"},
-        {"", 2, "subcommand is required"},
-        {"explain", 2, ""},
+        {"show video", 2, "norvex-rules: ID is required\n"},
+        {"", 2, "norvex-rules: give one of the commands list, show, "},
+        {"explain", 2, "norvex-rules: there is no command 'explain'; there are list, show, "},
+        {"shwo format mp4", 2, "norvex-rules: there is no command 'shwo'; did you mean 'show'?\n"},
+        {"check my.json --jsom", 2, "norvex-rules: there is no option '--jsom'; did you mean '--json'?\n"},
     };
     for (const auto& [arguments, status, words] : cases) {
         SCOPED_TRACE(arguments);

@@ -38,9 +38,10 @@ protected:
             std::distance(fs::directory_iterator(m_folder.Path()), fs::directory_iterator()));
     }
 
-    Outcome Run(const std::string& arguments) const {
+    /// `before` is what the shell runs the program by, such as variables.
+    Outcome Run(const std::string& arguments, const std::string& before = {}) const {
         const std::string command =
-            "cd '" + m_folder.Path().string() + "' && '" + m_program + "' " + arguments + " 2>&1";
+            "cd '" + m_folder.Path().string() + "' && " + before + " '" + m_program + "' " + arguments + " 2>&1";
         std::FILE* const pipe = popen(command.c_str(), "r");
         Outcome outcome{};
         std::array<char, 4096> part{};
