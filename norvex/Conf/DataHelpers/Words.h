@@ -51,6 +51,14 @@ private:
     std::variant<bool, long long, const std::string*, std::initializer_list<Branch>> m_value;
 };
 
+/// A new helper that keeps what it answers. For the exact classes of the library, whose answers never change.
+template <class Helper>
+SP<IDataHelper> Keeping(Helper* helper) {
+    SP<IDataHelper> made(helper);
+    helper->KeepAnswers();
+    return made;
+}
+
 Core::Property Tree(const std::string& name, std::initializer_list<Branch> branches);
 
 /// Sets of names or numbers that are their own display names.

@@ -32,7 +32,7 @@ constexpr Name profiles_aac[] = {
 DataHelperAudioCodecAac::DataHelperAudioCodecAac() : AudioCodecHelper(A::CODEC_ID_AAC) {}
 
 SP<IDataHelper> DataHelperAudioCodecAac::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecAac);
+    return Keeping(new DataHelperAudioCodecAac);
 }
 
 Core::Property DataHelperAudioCodecAac::GetDefaults() const {

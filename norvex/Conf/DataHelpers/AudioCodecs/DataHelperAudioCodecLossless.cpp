@@ -77,7 +77,7 @@ void LosslessAudioCodecHelper::CorrectFormatCodec(Core::Property& tree) const {
 DataHelperAudioCodecFlac::DataHelperAudioCodecFlac() : LosslessAudioCodecHelper(A::CODEC_ID_FLAC) {}
 
 SP<IDataHelper> DataHelperAudioCodecFlac::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecFlac);
+    return Keeping(new DataHelperAudioCodecFlac);
 }
 
 long long DataHelperAudioCodecFlac::CalculateBitrate(const Core::Property& tree) {
@@ -99,7 +99,7 @@ void DataHelperAudioCodecFlac::GetValidationRules(RuleList& rules) const {
 DataHelperAudioCodecAlac::DataHelperAudioCodecAlac() : LosslessAudioCodecHelper(A::CODEC_ID_ALAC) {}
 
 SP<IDataHelper> DataHelperAudioCodecAlac::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecAlac);
+    return Keeping(new DataHelperAudioCodecAlac);
 }
 
 }  // namespace Norvex::Conf

@@ -25,7 +25,7 @@ DataHelperAudioCodecPCM::DataHelperAudioCodecPCM(const std::string& codecId)
     : AudioCodecHelper(codecId), m_pcmCodecId(codecId) {}
 
 SP<IDataHelper> DataHelperAudioCodecPCM::Create(const std::string& codecId) {
-    return SP<IDataHelper>(new DataHelperAudioCodecPCM(codecId));
+    return Keeping(new DataHelperAudioCodecPCM(codecId));
 }
 
 int DataHelperAudioCodecPCM::GetStoredBitsPerSample(const std::string& codecId) {

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "norvex/interfaces/Conf/IDataHelper.h"
+#include "norvex/Conf/DataHelpers/KeepingHelper.h"
 #include "norvex/interfaces/Conf/MediaType.h"
 #include "norvex/interfaces/Conf/SampleFmtRecord.h"
 
@@ -13,7 +13,7 @@ namespace Norvex::Conf {
 /// Base of the codec helpers: asks the running FFmpeg what the encoder of its codec declares, turns that into rules
 /// and constraints, and applies presets and corrects streams by whatever the concrete helper allows. A build
 /// without the encoder is a normal situation, in which the hand-written rules stand alone.
-class NORVEX_API DataHelperCodecFFMPEG : public IDataHelper {
+class NORVEX_API DataHelperCodecFFMPEG : public KeepingHelper {
 public:
     /// Shared by every helper that has no narrower range: 100000 to IFormatCodecVideo::MAX_VIDEO_BITRATE bits per
     /// second.
@@ -64,8 +64,8 @@ public:
     /// sample format. What was corrected before stays so.
     void CorrectAudioResamplerSettings(Core::Property& tree) const;
 
-    /// Asks the encoder again. The constructor is the only caller. Throws as it does; the lists that were read before
-    /// are the new ones.
+    /// Asks the encoder again, and forgets the answers that were kept. The constructor is the only caller. Throws as it
+    /// does; the lists that were read before are the new ones.
     void Load();
 
 protected:

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "norvex/interfaces/Conf/IDataHelper.h"
+
+/// What a helper answers, as correction and the check read it. Not for hosts.
+
+namespace Norvex::Conf {
+
+/// A rule with its constraints at hand: asking the rule for one takes a reference, over which threads would fight.
+struct ReadRule {
+    explicit ReadRule(SP<IValidationRule> asked)
+        : rule(std::move(asked)), first(rule->GetFirstConstraint()), second(rule->GetSecondConstraint()) {}
+
+    SP<IValidationRule> rule;
+    SP<const IPropertyConstraint> first;  ///< null in a rule without a condition
+    SP<const IPropertyConstraint> second;
+};
+using ReadRules = std::vector<ReadRule>;
+
+/// The helper's rules in their order, without null ones.
+ReadRules ReadRulesOf(const IDataHelper& helper);
+
+/// The constraints by which sample rate, sample format and layout of a stream of sound are corrected, in this order:
+/// each that of the first rule about it, null where there is none. They belong to the rules.
+using ResamplerConstraints = std::array<const IPropertyConstraint*, 3>;
+ResamplerConstraints ResamplerConstraintsOf(const ReadRules& rules);
+
+/// Everything that a helper answers, made once. It never changes, and callers are handed none of it.
+struct Answers {
+    explicit Answers(const IDataHelper& helper);
+
+    const Core::Property defaults;
+    const ConstraintMap constraints;
+    const ReadRules rules;
+    const ResamplerConstraints resampler;
+};
+
+}  // namespace Norvex::Conf
