@@ -231,6 +231,7 @@ Parsed ParseCommandLine(int argc, const char* const* argv) {
                  "Carry over unchanged each stream of which nothing is asked and that the container takes as it is");
     AddVideoOptions(options, r);
     AddAudioOptions(options, r);
+    app.add_flag("--classic", r.classic, "Know the classic codecs and containers alone");
     app.add_flag("--dry-run", r.dryRun, "Show what would be encoded, and encode nothing");
     app.add_flag("--explain", r.explain, "Show each rule and constraint that was looked at");
     app.add_flag("--json", r.json, "Print for programs");

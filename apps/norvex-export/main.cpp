@@ -15,6 +15,7 @@ extern "C" {
 #include "Request.h"
 #include "common/PresetJson.h"
 #include "common/TextFiles.h"
+#include "norvex/Norvex.h"
 
 namespace {
 
@@ -25,6 +26,7 @@ void Print(const std::string& text) {
 }
 
 void Run(Request request) {
+    if (!request.classic) RegisterModernHelpers();
     TakeCensus();
     if (!request.presetFile.empty()) ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile));
     const Plan plan = MakePlan(request, Probe(request.input));
