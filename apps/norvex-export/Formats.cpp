@@ -245,8 +245,12 @@ std::string PixelFormatOf(const std::string& codecId, const std::string& profile
     return row != nullptr ? row->pixelFormat : "";
 }
 
-int WidthStepOf(const std::string& codecId) {
-    return codecId == MV::CODEC_ID_CFHD ? 16 : 2;
+std::pair<long long, long long> FittingSize(const std::string& codecId, long long width, long long height) {
+    const auto whole = [](long long size, long long step) { return std::max(step, size / step * step); };
+    // The rule book wants even sizes, and most encoders do.
+    if (codecId != MV::CODEC_ID_CFHD) return {whole(width, 2), whole(height, 2)};
+    const long long fitting = whole(width, 16);
+    return {fitting, whole(height, fitting % 32 == 0 ? 8 : 16)};
 }
 
 const EncoderForm* FormOf(const std::string& codecId, long long width, long long height) {

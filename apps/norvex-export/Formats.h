@@ -43,8 +43,9 @@ std::optional<std::pair<std::string, std::string>> ModeOptionOf(const std::strin
 /// side of the host does.
 std::string PixelFormatOf(const std::string& codecId, const std::string& profile);
 
-/// The pixels that a frame's width must be a multiple of.
-int WidthStepOf(const std::string& codecId);
+/// The greatest frame size within this one that the rules of a codec let pass, as far as they want whole steps of
+/// pixels.
+std::pair<long long, long long> FittingSize(const std::string& codecId, long long width, long long height);
 
 /// What an encoder insists on for a frame size.
 struct EncoderForm {

@@ -206,10 +206,9 @@ Property ResizeSection(Plan& plan, const NamedHelper& codec, const VideoSource& 
             throw RequestError("--size: '" + SizeText(size.first, size.second) +
                                "' is not legal here; allowed: one of " + Join(names));
         }
-    } else if (const int step = WidthStepOf(codec.id);
-               !isChosen && (source.width % step != 0 || source.height % 2 != 0)) {
-        // The rule book wants even sizes, and most encoders do.
-        UseSize(section, std::max(step, source.width / step * step), std::max(2, source.height / 2 * 2));
+    } else if (const auto [width, height] = FittingSize(codec.id, source.width, source.height);
+               !isChosen && (width != source.width || height != source.height)) {
+        UseSize(section, width, height);
         Property& even = section[IResize::CLASS_ID];
         even.SetChildT(IResize::MODE, IResize::MODE_STRETCH);
         even.SetChildT(V::TAG_ASPECTX, source.sampleAspect.numerator);

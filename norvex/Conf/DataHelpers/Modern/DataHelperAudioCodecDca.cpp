@@ -26,10 +26,11 @@ constexpr Name channelLayouts_dca[] = {
     A::TAG_CH_LAYOUT_5POINT0, A::TAG_CH_LAYOUT_5POINT1,
 };
 
-/// Bits per second below which FFmpeg's encoder has no room for what it must write: for 512 samples 132 bits and 1389
-/// for each channel, of which that of low frequencies is counted like the others.
+/// Bits per second below which FFmpeg's encoder has no room for what it must write: for 512 samples 132 bits, 1389 for
+/// each channel, and 72 for that of low frequencies, which only the layout of six has.
 double LowestBitrate(int channels, double sampleRate) {
-    return (132.0 + 1389.0 * channels) * sampleRate / 512.0;
+    const int bits = 132 + 1389 * std::min(channels, 5) + (channels > 5 ? 72 : 0);
+    return bits * sampleRate / 512.0;
 }
 
 }  // namespace

@@ -72,8 +72,8 @@ void AddFormats(Rows& rows) {
         {MF::FORMAT_EAC3,      {},                  {A::CODEC_ID_EAC3},                      {},                         false},
         {MF::FORMAT_TRUEHD,    {},                  {A::CODEC_ID_TRUEHD},                    {},                         false},
         {MF::FORMAT_DTS,       {},                  {A::CODEC_ID_DTS},                       {},                         false},
-        {MF::FORMAT_CAF,       MF::FORMAT_CAF,      {A::CODEC_ID_PCM_S16BE, A::CODEC_ID_ALAC}, {A::CODEC_ID_AAC, MA::CODEC_ID_OPUS}, true},
-        {MF::FORMAT_W64,       MF::FORMAT_W64,      {A::CODEC_ID_PCM_S16LE},                 {},                         false},
+        {MF::FORMAT_CAF,       MF::FORMAT_CAF,      {A::CODEC_ID_PCM_S16BE, A::CODEC_ID_ALAC}, {A::CODEC_ID_AAC, MA::CODEC_ID_OPUS, A::CODEC_ID_FLAC}, true},
+        {MF::FORMAT_W64,       MF::FORMAT_W64,      {A::CODEC_ID_PCM_S16LE},                 {A::CODEC_ID_AAC},          false},
         {F::FORMAT_AIFF,       F::FORMAT_AIFF,      {A::CODEC_ID_PCM_S16BE},                 {},                         false},
     };
     for (const auto& row : sounds) rows.push_back({IPreset::KEY_FORMAT, row.id, Make<DataHelperFormatSound>(row)});
@@ -90,8 +90,9 @@ void AddFormats(Rows& rows) {
     }
 }
 
-/// Classic containers that carry more in today's practice. They answer from a fixed list there; those that ask FFmpeg
-/// carry what is new by themselves.
+/// Classic containers that carry more in today's practice than their fixed lists have. Those that ask FFmpeg carry what is
+/// new by themselves; of them stand here QuickTime, which FFmpeg writes CineForm into without saying so, and Opus only
+/// with saying so, and FLV, in which G.711 has one rate, 8000 Hz, that the container's rule does not have.
 void AddExtendedFormats(Rows& rows) {
     const DataHelperFormatExtended::Row formats[] = {
         // id               classic helper                   more pictures         more sound                             never
@@ -99,6 +100,8 @@ void AddExtendedFormats(Rows& rows) {
         {F::FORMAT_OGV,     DataHelperFormatOgv::Create,     {},                   {MA::CODEC_ID_OPUS},                   {}},
         {F::FORMAT_MPEGTS,  DataHelperFormatMpegTS::Create,  {},                   {MA::CODEC_ID_OPUS, A::CODEC_ID_EAC3}, {}},
         {F::FORMAT_MPEG2TS, DataHelperFormatMpeg2TS::Create, {},                   {A::CODEC_ID_DTS},                     {}},
+        {F::FORMAT_MOV,     DataHelperFormatMov::Create,     {MV::CODEC_ID_CFHD},  {},                                    {MA::CODEC_ID_OPUS}},
+        {F::FORMAT_FLV,     DataHelperFormatFlv::Create,     {},                   {},                                    {MA::CODEC_ID_PCM_ALAW, MA::CODEC_ID_PCM_MULAW}},
         {F::FORMAT_MXF,     DataHelperFormatMxf::Create,     {MV::CODEC_ID_DNXHD}, {A::CODEC_ID_PCM_S24LE},               {}},
     };
     for (const auto& row : formats) rows.push_back({IPreset::KEY_FORMAT, row.id, Make<DataHelperFormatExtended>(row)});

@@ -15,7 +15,7 @@ using V = IFormatCodecVideo;
 }  // namespace
 
 DataHelperVideoCodecFfv1::DataHelperVideoCodecFfv1() : EstimatedCodecHelper(M::CODEC_ID_FFV1, 6.0) {
-    m_options.Add(M::TAG_LEVEL, 3, {3, 1, 0});  // versions; RFC 9043 keeps 2 for what was tried, 4 is not finished
+    m_options.Add(M::TAG_LEVEL, 3, {3});  // the version of RFC 9043 with slices and checksums; 4 is not finished
     m_options.Add(M::TAG_CODER, "range_tab", {"range_tab", "range_def", "rice"});
     m_options.Add(M::TAG_CONTEXT, 0, {0, 1});
     // Of the counts that the encoder can make a grid of, those from 4 to 30.

@@ -20,10 +20,15 @@ using V = IFormatCodecVideo;
 constexpr long long worstQuality_cfhd = 13;
 constexpr long long standardQuality_cfhd = 4;  // "film2"
 
-constexpr long long widthStep_cfhd = 16;  // pixels; the encoder takes no other width
+/// Whether a size in pixels is a whole number of steps.
+template <long long Step>
+bool IsMultipleOf(const Core::Property& size) {
+    return size.GetType() == PT_INT64 && size.GetInt64() % Step == 0;
+}
 
-bool IsWidthOfCineForm(const Core::Property& width) {
-    return width.GetType() == PT_INT64 && width.GetInt64() % widthStep_cfhd == 0;
+/// Widths with which FFmpeg's decoder of CineForm wants the height in steps of 16 as well.
+bool IsOddMultipleOf16(const Core::Property& width) {
+    return IsMultipleOf<16>(width) && !IsMultipleOf<32>(width);
 }
 
 /// Bits per pixel and frame below which FFmpeg's encoder of VC-2 writes more than it is told, and in the end nothing:
@@ -40,10 +45,15 @@ DataHelperVideoCodecCineForm::DataHelperVideoCodecCineForm()
 void DataHelperVideoCodecCineForm::GetValidationRules(RuleList& rules) const {
     EstimatedCodecHelper::GetValidationRules(rules);
     const SP<IPropertyConstraint> isCineForm = OneOf({m_codecId});
-    AddRule(rules, VideoCodecIdPath(), isCineForm, WidthPath(),
-            ConstraintMethod::Create(IsWidthOfCineForm, "a multiple of 16"));
-    // Narrower ones are written, and FFmpeg's decoder refuses them.
-    AddRule(rules, VideoCodecIdPath(), isCineForm, WidthPath(), ConstraintRange::Create(48LL, 8192LL, widthStep_cfhd));
+    const SP<IPropertyConstraint> steps16 = ConstraintMethod::Create(IsMultipleOf<16>, "a multiple of 16");
+    // The encoder refuses other widths. Of other heights it says nothing, and reads past its picture.
+    AddRule(rules, VideoCodecIdPath(), isCineForm, WidthPath(), steps16);
+    AddRule(rules, VideoCodecIdPath(), isCineForm, HeightPath(),
+            ConstraintMethod::Create(IsMultipleOf<8>, "a multiple of 8"));
+    AddRule(rules, WidthPath(), ConstraintMethod::Create(IsOddMultipleOf16, "an odd multiple of 16"), HeightPath(),
+            steps16);
+    // Narrower ones are written, and not read back.
+    AddRule(rules, VideoCodecIdPath(), isCineForm, WidthPath(), ConstraintRange::Create(48LL, 8192LL, 16LL));
 }
 
 DataHelperVideoCodecVc2::DataHelperVideoCodecVc2()
