@@ -205,6 +205,23 @@ TEST(Registration, AFailedBuildLeavesTheNextOneToSucceed) {
     }
 }
 
+TEST(Registration, TheSecondSetLeavesTheHostsOwnAndMayComeTwice) {
+    ASSERT_EQ(Register("audio_codec", "opus"), "");
+    ASSERT_EQ(Register("format", "ogg"), "");
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(FailureOf(RegisterModernHelpers), "");
+    EXPECT_EQ(GetAvailableDataHelpers("audio_codec").size(), 36U);
+    for (const auto& [kind, id] : {std::pair("audio_codec", "opus"), std::pair("format", "ogg")}) {
+        EXPECT_EQ(CreateDataHelper(kind, id)->GetDefaults().GetName(), "host");
+    }
+    EXPECT_EQ(FailureOf(RegisterModernHelpers), "");
+}
+
+TEST(Registration, TheSecondSetIsTooLateAsAWhole) {
+    Ask("audio_codec");
+    EXPECT_EQ(FailureOf(RegisterModernHelpers), g_tooLate);
+    EXPECT_EQ(GetAvailableDataHelpers("format").size(), 64U);
+}
+
 TEST(Registration, ManyThreadsRegisterWhileOthersAsk) {
     std::atomic<int> registered{0};
     std::vector<std::thread> threads;
