@@ -18,6 +18,8 @@
 #include "norvex/Conf/DataHelpers/Formats/FormatHelpers.h"
 #include "norvex/Conf/DataHelpers/Lookup/DataHelperProxyAuto.h"
 #include "norvex/Conf/DataHelpers/Lookup/DataHelpers.h"
+#include "norvex/Conf/DataHelpers/Modern/ModernSet.h"
+#include "norvex/Conf/DataHelpers/Modern/ModernVocabulary.h"
 #include "norvex/Conf/DataHelpers/Queries/CodecIsSupported.h"
 #include "norvex/Conf/DataHelpers/Queries/FormatValidator.h"
 #include "norvex/Conf/DataHelpers/Queries/GlobalHeaderFunctions.h"

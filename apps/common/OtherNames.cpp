@@ -21,6 +21,7 @@ using namespace Norvex;
 using namespace Norvex::Conf;
 using A = IFormatCodecAudio;
 using F = IFormatFile;
+using MF = ModernFormats;
 using P = IPreset;
 using S = IFormatCodecSubtitle;
 using V = IFormatCodecVideo;
@@ -37,6 +38,9 @@ struct OtherNames {
 constexpr OtherNames g_formats[] = {
     {"3gpp",            &F::FORMAT_3GP},
     {"3gpp2",           &F::FORMAT_3G2},
+    {"ec3",             &MF::FORMAT_EAC3},
+    {"jxl",             &MF::FORMAT_JPEGXL},
+    {"thd",             &MF::FORMAT_TRUEHD},
     {"aac",             &F::FORMAT_AAC},
     {"aif",             &F::FORMAT_AIFF},
     {"snd",             &F::FORMAT_AU},

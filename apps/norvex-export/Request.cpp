@@ -180,6 +180,7 @@ std::vector<Option> GeneralOptions() {
          Flag(&Request::copy)},
         {"--preset", "FILE", "Start from the preset in this file", File(&Request::presetFile)},
         {"--save-preset", "FILE", "Write what was settled on to this file", File(&Request::savePresetFile)},
+        {"--classic", nullptr, "Know the classic codecs and containers alone", Flag(&Request::classic)},
         {"--dry-run", nullptr, "Show what would be encoded, and encode nothing", Flag(&Request::dryRun)},
         {"--explain", nullptr, "Show each rule and constraint that was looked at", Flag(&Request::explain)},
         {"--json", nullptr, "Print for programs", Flag(&Request::json)},

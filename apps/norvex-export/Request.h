@@ -33,6 +33,7 @@ struct Request {
     bool noAudio = false;
     bool copy = false;  ///< carry streams over unchanged where the container takes them
 
+    bool classic = false;  ///< leave out the second set of helpers
     bool dryRun = false;
     bool explain = false;
     bool json = false;

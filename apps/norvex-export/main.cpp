@@ -20,6 +20,7 @@ extern "C" {
 #include "common/PresetJson.h"
 #include "common/TextFiles.h"
 #include "media/Files.h"
+#include "norvex/Norvex.h"
 
 namespace {
 
@@ -46,6 +47,7 @@ void SavePreset(const Plan& plan) {
 }
 
 void Run(Request request) {
+    if (!request.classic) RegisterModernHelpers();
     TakeCensus();
     UseIds(request);
     if (!request.presetFile.empty()) ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile));

@@ -11,6 +11,7 @@
 #include "common/CommandLine.h"
 #include "common/PresetJson.h"
 #include "common/TextFiles.h"
+#include "norvex/Norvex.h"
 
 namespace {
 
@@ -78,7 +79,13 @@ int main(int argc, char** argv) {
     std::string id;
     std::string file;
     bool json = false;
+    bool classic = false;
 
+    app.add_flag("--classic", classic, "Know the classic codecs and containers alone");
+    app.fallthrough();
+    app.parse_complete_callback([&classic] {
+        if (!classic) RegisterModernHelpers();
+    });
     app.add_subcommand("list", "Every container, codec and filter")->callback([] { Print(ListText(MakeBook())); });
     auto* const show = app.add_subcommand("show", "One helper, such as: show format mp4, show video h264");
     show->add_option("KIND", kind, "format, video, audio or filter")->required()->option_text(" ");

@@ -52,6 +52,34 @@ TEST_F(ProgramTest, MakesAGifOfASlowFilm) {
     }
 }
 
+TEST_F(ProgramTest, KnowsTheCodecsOfToday) {
+    Clip();
+    const struct {
+        const char *output, *options, *video, *audio;
+    } cases[] = {
+        {"out.webm", "--audio opus", "vp8 yuv420p", "opus"},
+        {"out.opus", "", "", "opus"},
+        {"out.mkv", "--video ffv1 --audio flac", "ffv1 yuv420p", "flac"},
+        {"out.jxl", "", "jpegxl rgb24", ""},
+        {"out.webp", "--quality 40", "webp yuv420p", ""},
+        {"out.mov", "--video dnxhd --profile dnxhd", "dnxhd yuv422p", "aac"},
+        {"out.mxf", "--video dnxhd --profile dnxhr_hqx", "dnxhd yuv422p10le", "pcm_s16le"},
+        {"out.mov", "--video cfhd --quality 1 --audio pcm_f32le", "cfhd yuv422p10le", "pcm_f32le"},
+        {"out.exr", "--codec-format float", "exr gbrpf32le", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.output + std::string(" ") + c.options);
+        const Outcome outcome = Run(std::string("in.mkv ") + c.output + " --quiet " + c.options);
+        EXPECT_EQ(outcome.text, "");
+        const auto info = NorvexExport::Probe(File(c.output));
+        EXPECT_EQ(info.video ? info.video->codecId + ' ' + info.video->pixelFormat : "", c.video);
+        EXPECT_EQ(info.audio ? info.audio->codecId : "", c.audio);
+    }
+    EXPECT_THAT(Run("in.mkv out.webm --audio opus --classic --quiet").text,
+                HasSubstr("does not carry the codec 'opus'"));
+    EXPECT_THAT(Run("in.mkv out.opus --classic --quiet").text, HasSubstr("unknown format 'opus'"));
+}
+
 TEST_F(ProgramTest, DryRunWritesNothing) {
     Clip();
     const Outcome outcome = Run("in.mkv out.mp4 --dry-run --json");

@@ -13,4 +13,7 @@ if [ "$way" = cmake ]; then
     "$folder/build/host"
 else
     "$here/WithPkgConfig.sh" "$compiler" "$project/main.cpp" "$folder/stage/$libdir" "$folder/stranger"
+    # A host with a helper of its own, and what the page says that it prints.
+    "$here/WithPkgConfig.sh" "$compiler" "$project/adding/main.cpp" "$folder/stage/$libdir" "$folder/adding" \
+        "$project/adding/expected.txt"
 fi

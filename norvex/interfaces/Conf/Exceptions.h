@@ -31,4 +31,8 @@ public:
     using TagTypeIsNotFound = boost::error_info<struct TypeIsNotFoundId, std::string>;    ///< ... but not with this id
 };
 
+/// A helper of the host's own that cannot be registered or made. TagDescription says why; TagDetails has its kind and
+/// id.
+class NORVEX_API RegistrationException : public HelperException {};
+
 }  // namespace Norvex::Conf

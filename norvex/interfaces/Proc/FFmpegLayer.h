@@ -44,6 +44,9 @@ public:
     const int* GetSupportedSampleRates() const;
     /// Ends with an entry for which IsZeroed holds.
     const AVChannelLayout* GetSupportedChannelLayouts() const;
+    /// Whether the encoder has the option and, as far as the option says, takes the value: by the name of a constant
+    /// or as a number within its bounds. Names are FFmpeg's.
+    bool TakesOption(const std::string& option, const std::string& value) const;
 
 private:
     const AVCodec* m_codec = nullptr;

@@ -1,6 +1,12 @@
 // What an encoder of the running build declares. Nothing else of the library looks at encoders, so that a test can
 // put a build of its own making in the place of this file.
 
+extern "C" {
+#include <libavutil/opt.h>
+}
+
+#include <boost/lexical_cast/try_lexical_convert.hpp>
+
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
 #include "norvex/interfaces/Proc/Settings.h"
 
@@ -74,6 +80,22 @@ const int* SafeEncoderCodec::GetSupportedSampleRates() const {
 
 const AVChannelLayout* SafeEncoderCodec::GetSupportedChannelLayouts() const {
     return ChannelLayouts(m_codec);
+}
+
+bool SafeEncoderCodec::TakesOption(const std::string& option, const std::string& value) const {
+    // The encoder's own options stand before those of all codecs.
+    for (const AVClass* options : {m_codec->priv_class, avcodec_get_class()}) {
+        const auto find = [&options](const std::string& name, const char* unit) {
+            return options == nullptr ? nullptr : av_opt_find(&options, name.c_str(), unit, 0, AV_OPT_SEARCH_FAKE_OBJ);
+        };
+        const AVOption* const found = find(option, nullptr);
+        if (found == nullptr) continue;
+        if (found->unit != nullptr && find(value, found->unit) != nullptr) return true;
+        double number = 0;
+        const bool isNumber = boost::conversion::try_lexical_convert(value, number);
+        return isNumber ? found->min <= number && number <= found->max : found->type == AV_OPT_TYPE_STRING;
+    }
+    return false;
 }
 
 }  // namespace Norvex::Proc
