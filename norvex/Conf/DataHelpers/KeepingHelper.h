@@ -6,7 +6,7 @@
 
 namespace Norvex::Conf {
 
-class Answers;
+struct Answers;
 
 /// Base of the helpers that may keep what they answer. Most helpers never change once made, so that defaults,
 /// constraints and rules need not be made anew each time that the library itself looks at them. Only what callers are
