@@ -252,8 +252,8 @@ std::vector<Option> AudioOptions() {
          SampleRate(inResample(A::TAG_SAMPLE_RATE))},
         {"--layout", "LAYOUT", "Channels: mono, stereo, 5.1, 7.1 and the like, or auto,\nthe source's",
          Name(inResample(A::TAG_LAYOUT), A::TAG_CH_LAYOUT_UNKNOWN)},
-        {"--sample-format", "FORMAT", "Sample format, such as s16, s32 or fltp",
-         Name(Path({resample, A::TAG_SAMPLE_FORMAT}))},
+        {"--sample-format", "FORMAT", "Sample format, such as s16, s32 or fltp, or auto",
+         NameOrOpen(Path({resample, A::TAG_SAMPLE_FORMAT}))},
     };
 }
 
