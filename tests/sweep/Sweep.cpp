@@ -398,7 +398,8 @@ void SweepValues(Sweep& sweep) {
 
 }  // namespace
 
-/// "fast" is the pairs of containers and codecs alone, "classic" leaves the second set out; of other words a row has one.
+/// "fast" is the pairs of containers and codecs alone, "classic" leaves the second set out; of other words a row has
+/// one.
 int main(int argc, char** argv) {
     std::set<std::string> words(argv + 1, argv + argc);
     const bool isFast = words.erase("fast") != 0;
