@@ -8,6 +8,7 @@
 #include "norvex/Conf/DataHelpers/Codecs/CodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Formats/FormatHelpers.h"
 #include "norvex/Conf/DataHelpers/Modern/EncoderOptions.h"
+#include "norvex/Conf/DataHelpers/Words.h"
 
 /// The helpers of the second set. Each is told in a source of its own, or with its family. Not for hosts: they find
 /// them by lookup.
@@ -19,7 +20,7 @@ namespace Norvex::Conf {
 class DataHelperAudioCodecOpus final : public AudioCodecHelper {
 public:
     DataHelperAudioCodecOpus();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperAudioCodecOpus); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperAudioCodecOpus); }
 
     /// Without a bitrate: correction gives each count of channels its own.
     Core::Property GetDefaults() const override;
@@ -38,7 +39,7 @@ private:
 class DataHelperAudioCodecEac3 final : public AudioCodecHelper {
 public:
     DataHelperAudioCodecEac3();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperAudioCodecEac3); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperAudioCodecEac3); }
 
     Core::Property GetDefaults() const override;
     void GetValidationRules(RuleList& rules) const override;
@@ -49,7 +50,7 @@ public:
 class DataHelperAudioCodecDca final : public AudioCodecHelper {
 public:
     DataHelperAudioCodecDca();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperAudioCodecDca); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperAudioCodecDca); }
 
     Core::Property GetDefaults() const override;
     void GetValidationRules(RuleList& rules) const override;
@@ -64,7 +65,7 @@ private:
 class DataHelperAudioCodecTrueHD final : public LosslessAudioCodecHelper {
 public:
     DataHelperAudioCodecTrueHD();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperAudioCodecTrueHD); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperAudioCodecTrueHD); }
 
     void GetValidationRules(RuleList& rules) const override;
 };
@@ -72,7 +73,7 @@ public:
 class DataHelperAudioCodecWavPack final : public LosslessAudioCodecHelper {
 public:
     DataHelperAudioCodecWavPack();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperAudioCodecWavPack); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperAudioCodecWavPack); }
 
     void GetValidationRules(RuleList& rules) const override;
 };
@@ -156,7 +157,7 @@ private:
 class DataHelperVideoCodecFfv1 final : public EstimatedCodecHelper {
 public:
     DataHelperVideoCodecFfv1();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperVideoCodecFfv1); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperVideoCodecFfv1); }
 
     Core::Property GetDefaults() const override;
 };
@@ -170,7 +171,7 @@ public:
 class DataHelperVideoCodecCineForm final : public EstimatedCodecHelper {
 public:
     DataHelperVideoCodecCineForm();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperVideoCodecCineForm); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperVideoCodecCineForm); }
 
     void GetValidationRules(RuleList& rules) const override;
 };
@@ -178,31 +179,31 @@ public:
 class DataHelperVideoCodecWebp final : public EstimatedCodecHelper {
 public:
     DataHelperVideoCodecWebp();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperVideoCodecWebp); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperVideoCodecWebp); }
 };
 
 class DataHelperVideoCodecJpegXl final : public EstimatedCodecHelper {
 public:
     DataHelperVideoCodecJpegXl();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperVideoCodecJpegXl); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperVideoCodecJpegXl); }
 };
 
 class DataHelperVideoCodecOpenExr final : public EstimatedCodecHelper {
 public:
     DataHelperVideoCodecOpenExr();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperVideoCodecOpenExr); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperVideoCodecOpenExr); }
 };
 
 class DataHelperVideoCodecQoi final : public EstimatedCodecHelper {
 public:
     DataHelperVideoCodecQoi();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperVideoCodecQoi); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperVideoCodecQoi); }
 };
 
 class DataHelperVideoCodecDnxhd final : public PictureRateCodecHelper {
 public:
     DataHelperVideoCodecDnxhd();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperVideoCodecDnxhd); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperVideoCodecDnxhd); }
 
     void GetValidationRules(RuleList& rules) const override;
 
@@ -214,7 +215,7 @@ protected:
 class DataHelperVideoCodecVc2 final : public PictureRateCodecHelper {
 public:
     DataHelperVideoCodecVc2();
-    static SP<const IDataHelper> Create() { return SP<const IDataHelper>(new DataHelperVideoCodecVc2); }
+    static SP<const IDataHelper> Create() { return Keeping(new DataHelperVideoCodecVc2); }
 
     void GetConstraints(ConstraintMap& constraints) const override;
 

@@ -25,7 +25,7 @@ using Rows = std::vector<Registration>;
 /// A function that makes the helper of these arguments, which it keeps.
 template <class Helper, class... Arguments>
 DataHelperMaker Make(const Arguments&... arguments) {
-    return [arguments...] { return SP<const IDataHelper>(new Helper(arguments...)); };
+    return [arguments...] { return Keeping(new Helper(arguments...)); };
 }
 
 // clang-format off
