@@ -162,7 +162,7 @@ TEST_F(RulesProgramTest, FailsInOnePlainLine) {
         {"show video VC1", 1, "norvex-rules: there are no rules for the video codec 'vc1'\n"},
         {"show format mp5", 1, "norvex-rules: there is no format 'mp5'; did you mean 'mp3', "},
         {"show codec aac", 1, "norvex-rules: there is no kind 'codec'; there are format, video, audio and filter\n"},
-        {"json no/where", 1, "norvex-rules: cannot write 'no/where'\n"},
+        {"json no/where", 1, "norvex-rules: cannot write 'no/where': there is no folder 'no'\n"},
         {"show video", 2, "norvex-rules: ID is required\n"},
         {"", 2, "norvex-rules: give one of the commands list, show, "},
         {"explain", 2, "norvex-rules: there is no command 'explain'; there are list, show, "},
