@@ -120,11 +120,12 @@ constexpr OtherNames g_layouts[] = {
 };
 // clang-format on
 
-/// Calls `take` with each other name of the kind and its id.
+/// Calls `take` with each other name of the kind and its id, of the ids that there are.
 template <class Take>
 void ForOtherNames(Named kind, const Take& take) {
-    const auto takeAll = [&take](const auto& rows) {
+    const auto takeAll = [&take, ids = IdsOf(kind)](const auto& rows) {
         for (const OtherNames& row : rows) {
+            if (std::find(ids.begin(), ids.end(), *row.id) == ids.end()) continue;
             std::istringstream names(row.names);
             for (std::string name; names >> name;) take(name, *row.id);
         }

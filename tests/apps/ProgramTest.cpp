@@ -78,6 +78,7 @@ TEST_F(ProgramTest, KnowsTheCodecsOfToday) {
     EXPECT_THAT(Run("in.mkv out.webm --audio opus --classic --quiet").text,
                 HasSubstr("does not carry the codec 'opus'"));
     EXPECT_THAT(Run("in.mkv out.opus --classic --quiet").text, HasSubstr("there is no format 'opus'"));
+    EXPECT_THAT(Run("in.mkv out.thd --classic --quiet").text, HasSubstr("there is no format 'thd'"));
 }
 
 TEST_F(ProgramTest, DryRunWritesNothing) {
