@@ -19,32 +19,36 @@ ConstraintMap ConstraintsOf(const IDataHelper& helper) {
 
 }  // namespace
 
-ReadRules ReadRulesOf(const IDataHelper& helper) {
-    RuleList asked;
-    helper.GetValidationRules(asked);
-    ReadRules rules;
-    rules.reserve(asked.size());
-    for (auto& [key, rule] : asked) {
-        if (rule) rules.emplace_back(std::move(rule));
-    }
+RuleList RulesOf(const IDataHelper& helper) {
+    RuleList rules;
+    helper.GetValidationRules(rules);
     return rules;
 }
 
-ResamplerConstraints ResamplerConstraintsOf(const ReadRules& rules) {
+ReadRules ReadRulesOf(const RuleList& rules) {
+    ReadRules read;
+    read.reserve(rules.size());
+    for (const auto& [key, rule] : rules) {
+        if (rule) read.emplace_back(rule);
+    }
+    return read;
+}
+
+ResamplerConstraints ResamplerConstraintsOf(const RuleList& rules) {
     // The first rule about the tag decides, which is the encoder's where the encoder declares a list.
-    const auto firstAbout = [&rules](const std::string& tag) -> const IPropertyConstraint* {
-        const auto read = std::find_if(rules.begin(), rules.end(), [&tag](const ReadRule& candidate) {
-            return candidate.rule->GetSecondPath().find(tag) != std::string::npos;
+    const auto firstAbout = [&rules](const std::string& tag) -> SP<const IPropertyConstraint> {
+        const auto rule = std::find_if(rules.begin(), rules.end(), [&tag](const auto& candidate) {
+            return candidate.second && candidate.second->GetSecondPath().find(tag) != std::string::npos;
         });
-        return read != rules.end() ? read->second.get() : nullptr;
+        return rule != rules.end() ? rule->second->GetSecondConstraint() : nullptr;
     };
     return {firstAbout(A::TAG_SAMPLE_RATE), firstAbout(A::TAG_SAMPLE_FORMAT), firstAbout(A::TAG_LAYOUT)};
 }
 
-Answers::Answers(const IDataHelper& helper)
+Answers::Answers(const IDataHelper& helper, const RuleList& asked)
     : defaults(helper.GetDefaults()),
       constraints(ConstraintsOf(helper)),
-      rules(ReadRulesOf(helper)),
-      resampler(ResamplerConstraintsOf(rules)) {}
+      rules(ReadRulesOf(asked)),
+      resampler(ResamplerConstraintsOf(asked)) {}
 
 }  // namespace Norvex::Conf

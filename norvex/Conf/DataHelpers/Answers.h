@@ -20,22 +20,26 @@ struct ReadRule {
 };
 using ReadRules = std::vector<ReadRule>;
 
-/// The helper's rules in their order, without null ones.
-ReadRules ReadRulesOf(const IDataHelper& helper);
+RuleList RulesOf(const IDataHelper& helper);
+/// The rules in their order, without null ones.
+ReadRules ReadRulesOf(const RuleList& rules);
 
 /// The constraints by which sample rate, sample format and layout of a stream of sound are corrected, in this order:
-/// each that of the first rule about it, null where there is none. They belong to the rules.
-using ResamplerConstraints = std::array<const IPropertyConstraint*, 3>;
-ResamplerConstraints ResamplerConstraintsOf(const ReadRules& rules);
+/// each that of the first rule about it, null where there is none.
+using ResamplerConstraints = std::array<SP<const IPropertyConstraint>, 3>;
+ResamplerConstraints ResamplerConstraintsOf(const RuleList& rules);
 
 /// Everything that a helper answers, made once. It never changes, and callers are handed none of it.
 struct Answers {
-    explicit Answers(const IDataHelper& helper);
+    explicit Answers(const IDataHelper& helper) : Answers(helper, RulesOf(helper)) {}
 
     const Core::Property defaults;
     const ConstraintMap constraints;
     const ReadRules rules;
     const ResamplerConstraints resampler;
+
+private:
+    Answers(const IDataHelper& helper, const RuleList& asked);
 };
 
 }  // namespace Norvex::Conf

@@ -39,7 +39,7 @@ void CorrectResampler(Property& tree, const ResamplerConstraints& constraints, c
     const std::array tags = {&A::TAG_SAMPLE_RATE, &A::TAG_SAMPLE_FORMAT, &A::TAG_LAYOUT};
     for (std::size_t i = 0; i < tags.size(); ++i) {
         Property& value = tree[*tags[i]];
-        if (constraints[i] == nullptr || constraints[i]->Fixup(value)) continue;
+        if (!constraints[i] || constraints[i]->Fixup(value)) continue;
         NORVEX_THROW(AddStack(std::logic_error("Can't fix value [" + *tags[i] + "] = " +
                                                Core::PropertyValueToString(value) + " for encoder [" + codecId + "]")));
     }
@@ -93,8 +93,7 @@ void DataHelperCodecFFMPEG::CorrectFormatCodec(Property& tree) const {
 
 void DataHelperCodecFFMPEG::CorrectAudioResamplerSettings(Property& tree) const {
     if (const Answers* const kept = GetKeptAnswers()) return CorrectResampler(tree, kept->resampler, m_codecId);
-    const ReadRules rules = ReadRulesOf(*this);
-    CorrectResampler(tree, ResamplerConstraintsOf(rules), m_codecId);
+    CorrectResampler(tree, ResamplerConstraintsOf(RulesOf(*this)), m_codecId);
 }
 
 void DataHelperCodecFFMPEG::CorrectBitrate(Property& tree) const {

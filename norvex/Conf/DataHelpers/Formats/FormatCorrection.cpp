@@ -55,7 +55,7 @@ void Correct(Property& formatCodec, const ReadRules& rules) {
 
 void DataHelperFormatBase::CorrectFormatCodec(Property& formatCodec) const {
     if (const Answers* const kept = GetKeptAnswers()) return Correct(formatCodec, kept->rules);
-    Correct(formatCodec, ReadRulesOf(*this));
+    Correct(formatCodec, ReadRulesOf(RulesOf(*this)));
 }
 
 }  // namespace Norvex::Conf
