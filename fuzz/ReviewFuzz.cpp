@@ -20,6 +20,7 @@ namespace {
 const std::vector<NamedHelper>& AllHelpers() {
     static const std::vector<NamedHelper> helpers = [] {
         std::vector<NamedHelper> all;
+        RegisterModernHelpers();
         for (const std::string& kind :
              {IPreset::KEY_FORMAT, IPreset::KEY_FILTER_VIDEO_CODEC, IPreset::KEY_FILTER_AUDIO_CODEC}) {
             for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) all.push_back({kind, id, helper});

@@ -1,5 +1,6 @@
 #include "TextFiles.h"
 
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
@@ -17,7 +18,10 @@ std::string ReadText(const std::string& path, std::size_t most) {
 void WriteText(const std::string& path, const std::string& text) {
     std::ofstream file(path, std::ios::binary);
     if (!file.write(text.data(), static_cast<std::streamsize>(text.size())) || !file.flush()) {
-        throw std::runtime_error("cannot write '" + path + "'");
+        const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+        const bool isMissing = !folder.empty() && !std::filesystem::exists(folder);
+        throw std::runtime_error("cannot write '" + path + "'" +
+                                 (isMissing ? ": there is no folder '" + folder.string() + "'" : std::string()));
     }
 }
 

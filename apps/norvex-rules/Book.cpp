@@ -4,6 +4,7 @@ extern "C" {
 #include <libavutil/avutil.h>
 }
 
+#include "common/OtherNames.h"
 #include "norvex/Norvex.h"
 #include "norvex/document/TreeForm.h"
 
@@ -115,9 +116,7 @@ Value MakeBook() {
     book["videoCodecs"] = CodecsJson(P::KEY_FILTER_VIDEO_CODEC);
     book["audioCodecs"] = CodecsJson(P::KEY_FILTER_AUDIO_CODEC);
     book["filters"] = Value::List();
-    for (const std::string& id :
-         {Proc::IFilterAudioFormatter::CLASS_ID, Proc::IFilterAudioVolume::CLASS_ID, Proc::IFilterFrameRate::CLASS_ID,
-          Proc::IFilterResample::CLASS_ID, Proc::IFilterResize::CLASS_ID}) {
+    for (const std::string& id : NorvexApps::IdsOf(NorvexApps::Named::Filter)) {
         book["filters"].Append(HelperJson(id, *CreateDataHelper(id, std::string())));
     }
     return book;

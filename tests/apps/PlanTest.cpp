@@ -12,6 +12,7 @@ namespace {
 
 using namespace NorvexExport;
 using namespace Norvex::Conf;
+using Norvex::Core::Ratio;
 using testing::HasSubstr;
 using A = IFormatCodecAudio;
 using C = IFormatCodec;
@@ -183,7 +184,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Refusal{"UnknownFormat",
                 [](Request& r, InputInfo&) { r.choices = {Chosen("format/container", "mp5", "--format")}; },
-                "unknown format 'mp5'; the formats are 3g2"},
+                "there is no format 'mp5'; did you mean "},
         Refusal{"NoExtension", [](Request& r, InputInfo&) { r.output = "film"; }, "no extension"},
         Refusal{"UnknownCodec",
                 [](Request& r, InputInfo&) { r.choices = {Chosen("video_codec/codec_id", "h999", "--video")}; },
@@ -349,6 +350,43 @@ TEST_F(PlanTest, ASavedPresetGivesTheSamePlan) {
         Request again = ToMp4();
         ChooseFromPreset(again, Norvex::Document::WritePreset(plan.settled));
         EXPECT_EQ(JobText(MakePlan(again, Film())), JobText(plan));
+    }
+}
+
+TEST_F(PlanTest, NeverLeavesTheEncoderTheMarkOfTheSourcesRate) {
+    const std::string path = "filter_rate/frame_rate";
+    const struct {
+        const char* format;
+        Fraction source;
+        std::optional<Ratio> asked;
+        Ratio rate;
+        const char* saved;
+    } cases[] = {
+        {"gif", {2, 1}, {}, {2, 1}, "0/1"},           {"gif", {2, 1}, Ratio(0, 1), {2, 1}, "0/1"},
+        {"gif", {2, 1}, Ratio(2, 1), {2, 1}, "0/1"},  {"gif", {2, 1}, Ratio(3, 1), {8, 1}, "8/1"},
+        {"gif", {60, 1}, Ratio(3, 1), {8, 1}, "8/1"}, {"gif", {60, 1}, Ratio(0, 1), {30, 1}, "30/1"},
+        {"mp4", {1, 3}, {}, {1, 3}, "0/1"},           {"mp4", {1, 3}, Ratio(0, 1), {1, 3}, "0/1"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.format + std::to_string(c.source.numerator));
+        InputInfo input = Film();
+        input.video->frameRate = c.source;
+        std::vector<Choice> choices;
+        if (c.asked) choices = {Chosen(path, *c.asked, "--fps")};
+        const Plan plan = PlanOf(c.format, choices, input);
+        EXPECT_EQ(Ratio(plan.job.video->frameRate.numerator, plan.job.video->frameRate.denominator), c.rate);
+        EXPECT_EQ(PropertyValueToString(plan.settled[path]), c.saved);
+        // What is told is what is done, and the saved preset does it again.
+        const StreamPlan& stream = plan.streams[0];
+        EXPECT_EQ(stream.settled[V::TAG_FPS].GetRatio(), c.rate);
+        Ratio told = stream.asked[V::TAG_FPS].GetRatio();
+        for (const CorrectedValue& change : stream.changes) {
+            if (change.path == V::TAG_FPS) told = change.after->GetRatio();
+        }
+        EXPECT_EQ(told, c.rate);
+        Request again = ToMp4();
+        ChooseFromPreset(again, Norvex::Document::WritePreset(plan.settled));
+        EXPECT_EQ(JobText(MakePlan(again, input)), JobText(plan));
     }
 }
 

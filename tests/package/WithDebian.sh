@@ -1,13 +1,12 @@
 #!/bin/sh
 # Makes the Debian packages, unpacks them as if they were installed, builds a stranger's program with what is in them,
 # and runs it and the programs.
-# Usage: WithDebian.sh BUILD COMPILER FOLDER SOURCE MODULE LINE...
+# Usage: WithDebian.sh BUILD COMPILER PROJECT
 set -eu
-build=$1 compiler=$2 folder=$3
-shift 3
+build=$1 compiler=$2 project=$3
 here=$(cd "$(dirname "$0")" && pwd)
-rm -rf "$folder"
-mkdir -p "$folder/root"
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
 (cd "$build" && cpack -B "$folder/packages" >"$folder/cpack.log" 2>&1) || { cat "$folder/cpack.log"; exit 1; }
 for name in libnorvex0 libnorvex-document0 libnorvex-dev norvex-tools; do
     package=$(echo "$folder/packages/$name"*.deb)
@@ -15,7 +14,7 @@ for name in libnorvex0 libnorvex-document0 libnorvex-dev norvex-tools; do
     dpkg-deb -x "$package" "$folder/root"
 done
 libdir=$(dirname "$(find "$folder/root" -name 'libnorvex.so.*' | head -1)")
-"$here/WithPkgConfig.sh" "$compiler" "$libdir" "$folder/stranger" "$@"
+"$here/WithPkgConfig.sh" "$compiler" "$project" norvex "$libdir" "$folder/stranger"
 export LD_LIBRARY_PATH="$libdir"
 "$folder/root/usr/bin/norvex-rules" show format mp4 | grep -q h264
 "$folder/root/usr/bin/norvex-export" --version

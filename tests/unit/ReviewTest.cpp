@@ -478,16 +478,59 @@ TEST(CorrectionReport, KeepsAFailureAndWhatWasDoneUpToIt) {
     EXPECT_THROW(std::rethrow_exception(report.failure), Core::PropertyException);
 }
 
-/// A correction that does what a test wants.
+/// A correction that does what a test wants, and a helper that fails when it is asked for one thing.
 class Corrector final : public RefCounted<DataHelperCodecFFMPEG> {
 public:
     explicit Corrector(std::function<void(Property&)> change)
         : RefCounted<DataHelperCodecFFMPEG>("test", MediaType::Audio), m_change(std::move(change)) {}
+    Property GetDefaults() const override { return Answer('d'), Node("audio_codec", {Node("a", {Property("b", 1)})}); }
+    void GetConstraints(ConstraintMap& out) const override { Answer('c'), out = constraints; }
+    void GetValidationRules(RuleList& /*out*/) const override { Answer('r'); }
     void CorrectFormatCodec(Property& tree) const override { m_change(tree); }
 
+    ConstraintMap constraints;
+    char failsAt = ' ';
+    mutable int asked = 0;
+
 private:
+    void Answer(char what) const {
+        ++asked;
+        if (what == failsAt) throw what;
+    }
+
     std::function<void(Property&)> m_change;
 };
+
+TEST(CorrectionReport, KeepsWhatAHelperThrowsBesideItsCorrection) {
+    for (const char what : {'d', 'c', 'r'}) {
+        const SP<Corrector> broken(new Corrector([](Property& tree) { tree["a"] = 2; }));
+        broken->failsAt = what;
+        const SP<Corrector> next(new Corrector([](Property& tree) { tree["a"] = 3; }));
+        next->constraints["a"] = Numbers({9});
+        Property stream = Node(g_audio, {Property("a", 1)});
+        const CorrectionReport report = CorrectWithReport(stream, {Audio(broken), Audio(next)});
+        EXPECT_THAT(Changes(report), ElementsAre("test a: 1 > 2 helper", testing::StartsWith("test a: 2 > 3 broken")));
+        EXPECT_THAT(Messages(report.left), ElementsAre("Parameter audio_codec/a is 3 but must be 9"));
+        EXPECT_THROW(std::rethrow_exception(report.failure), char);
+    }
+}
+
+TEST(CorrectionReport, AsksAHelperOnceHoweverMuchChanges) {
+    int asked = 0;
+    for (const int count : {1, 300}) {
+        const SP<Corrector> codec(new Corrector([](Property& tree) {
+            for (Property& leaf : tree) leaf = 1;
+        }));
+        for (int i = 0; i < 300; ++i) codec->constraints[std::to_string(i)] = Numbers({1});
+        Property stream(g_audio);
+        for (int i = 0; i < count; ++i) stream.SetChildT(std::to_string(i), 5);
+        const auto report = CorrectWithReport(stream, {Audio(codec)});
+        EXPECT_EQ(report.changes.size(), static_cast<std::size_t>(count));
+        EXPECT_EQ(report.changes.back().broken->message,
+                  "Parameter audio_codec/" + std::to_string(count - 1) + " is 5 but must be 1");
+        EXPECT_EQ(codec->asked, count == 1 ? asked = codec->asked : asked);
+    }
+}
 
 TEST(CorrectionReport, TellsApartValuesThatShareAPath) {
     Property before =
@@ -506,6 +549,19 @@ TEST(CorrectionReport, TellsApartValuesThatShareAPath) {
                 }),
                 ElementsAre("test full: 5 > 5 helper", "test empty/y: - > 1 helper", "test a/b: 1 > 3 helper",
                             "test emptied/x: 1 > - helper"));
+}
+
+TEST(CorrectionReport, GivesAReasonToTheValueThatAPathLeadsTo) {
+    for (const bool isConstrained : {true, false}) {
+        const SP<Corrector> codec(new Corrector([](Property& tree) { tree[0] = 1, tree[1]["b"] = 1, tree[2] = 1; }));
+        if (isConstrained) codec->constraints["a/b"] = Numbers({1});
+        Property stream = Node(g_audio, {Property("a/b", 6), Node("a", {Property("b", 2)}), Property("a/b", 7)});
+        EXPECT_THAT(Changes(CorrectWithReport(stream, {Audio(codec)})),
+                    ElementsAre("test a/b: 6 > 1 helper",
+                                isConstrained ? "test a/b: 2 > 1 broken: Parameter audio_codec/a/b is 2 but must be 1"
+                                              : "test a/b: 2 > 1 default",
+                                "test a/b: 7 > 1 helper"));
+    }
 }
 
 TEST(CorrectionReport, LeavesTheTreeAsWithoutIt) {

@@ -128,4 +128,19 @@ std::string DocumentPathOf(const std::string& presetPath) {
     return presetPath;
 }
 
+std::vector<std::string> PresetPathsOf(const std::string& streamName, const std::string& streamPath) {
+    const bool isVideo = streamName == V::TAG_FORMAT_CODEC_VIDEO;
+    if (!isVideo && streamName != A::TAG_FORMAT_CODEC_AUDIO) return {};
+    std::vector<std::string> paths = {
+        Path(isVideo ? P::KEY_FILTER_VIDEO_CODEC : P::KEY_FILTER_AUDIO_CODEC, streamPath)};
+    std::vector<const std::vector<Place>*> tables = {&AudioPlaces()};
+    if (isVideo) tables = {&VideoPlaces(), &FormatPlaces()};
+    for (const std::vector<Place>* const places : tables) {
+        for (const auto& [tag, path] : *places) {
+            if (tag == streamPath) paths.push_back(path);
+        }
+    }
+    return paths;
+}
+
 }  // namespace Norvex::Conf

@@ -24,5 +24,8 @@ NORVEX_API std::string StreamPathOf(const std::string& presetPath);
 
 /// Where the sections that a preset is assembled from, and so a preset's document, have that value.
 NORVEX_API std::string DocumentPathOf(const std::string& presetPath);
+/// Where an assembled preset has the value at `streamPath` of the flat node of that name: in the codec's section, and
+/// in a filter or the container where rules read it there. Nowhere for a node of another name.
+NORVEX_API std::vector<std::string> PresetPathsOf(const std::string& streamName, const std::string& streamPath);
 
 }  // namespace Norvex::Conf

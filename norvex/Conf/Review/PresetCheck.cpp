@@ -16,6 +16,7 @@
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IFormatFile.h"
 #include "norvex/interfaces/Conf/IPreset.h"
+#include "norvex/interfaces/Conf/Messages.h"
 
 namespace Norvex::Conf {
 

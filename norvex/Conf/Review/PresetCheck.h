@@ -9,7 +9,8 @@
 #include "norvex/interfaces/Conf/IDataHelper.h"
 
 /// A check of whole presets that is safe and says why. A rule's own IsValid ends the process where a path is missing;
-/// these functions never do, and never throw for what a preset holds.
+/// these functions never do, and never throw for what a preset holds. What a helper throws when it is asked for its
+/// constraints or rules passes.
 
 namespace Norvex::Conf {
 

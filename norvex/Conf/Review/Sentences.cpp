@@ -2,13 +2,14 @@
 
 #include "norvex/foundation/Excerpt.h"
 #include "norvex/foundation/Localization.h"
+#include "norvex/interfaces/Conf/Messages.h"
 
 namespace Norvex::Conf {
 
 using Core::Property;
 
 std::string Translate(const std::string& message) {
-    const Core::LocalizationDomain localization = Core::GetLocalizationManagerForDomain("core");
+    const Core::LocalizationDomain localization = Core::GetLocalizationManagerForDomain(DATAHELPERS_MESSAGE_DOMAIN);
     return localization.manager.Translate(message, localization.domain);
 }
 
