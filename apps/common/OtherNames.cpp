@@ -21,6 +21,7 @@ using namespace Norvex;
 using namespace Norvex::Conf;
 using A = IFormatCodecAudio;
 using F = IFormatFile;
+using MF = ModernFormats;
 using P = IPreset;
 using S = IFormatCodecSubtitle;
 using V = IFormatCodecVideo;
@@ -37,6 +38,9 @@ struct OtherNames {
 constexpr OtherNames g_formats[] = {
     {"3gpp",            &F::FORMAT_3GP},
     {"3gpp2",           &F::FORMAT_3G2},
+    {"ec3",             &MF::FORMAT_EAC3},
+    {"jxl",             &MF::FORMAT_JPEGXL},
+    {"thd",             &MF::FORMAT_TRUEHD},
     {"aac",             &F::FORMAT_AAC},
     {"aif",             &F::FORMAT_AIFF},
     {"snd",             &F::FORMAT_AU},
@@ -116,11 +120,12 @@ constexpr OtherNames g_layouts[] = {
 };
 // clang-format on
 
-/// Calls `take` with each other name of the kind and its id.
+/// Calls `take` with each other name of the kind and its id, of the ids that there are.
 template <class Take>
 void ForOtherNames(Named kind, const Take& take) {
-    const auto takeAll = [&take](const auto& rows) {
+    const auto takeAll = [&take, ids = IdsOf(kind)](const auto& rows) {
         for (const OtherNames& row : rows) {
+            if (std::find(ids.begin(), ids.end(), *row.id) == ids.end()) continue;
             std::istringstream names(row.names);
             for (std::string name; names >> name;) take(name, *row.id);
         }

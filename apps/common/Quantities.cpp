@@ -7,6 +7,8 @@
 #include <iterator>
 #include <limits>
 
+#include "norvex/Conf/Review/PresetParameters.h"
+
 namespace NorvexApps {
 
 namespace {
@@ -84,19 +86,6 @@ constexpr NamedSize g_sizes[] = {
 };
 // clang-format on
 
-/// The rate over 1001 that a decimal is short for, such as 24000/1001 for 23.97, 23.976 and 23.98.
-std::optional<Ratio> RateOver1001(const Decimal& decimal) {
-    if (decimal.places < 2 || decimal.places > 9) return std::nullopt;
-    double scale = 1;
-    for (int i = 0; i < decimal.places; ++i) scale *= 10;
-    for (const long long whole : {24, 30, 48, 60, 120}) {
-        // Cut or rounded, what is written is less than one of its last places away.
-        const double error = static_cast<double>(decimal.digits) - static_cast<double>(whole) * 1000 / 1001 * scale;
-        if (error > -1 && error < 1) return Ratio(whole * 1000, 1001);
-    }
-    return std::nullopt;
-}
-
 }  // namespace
 
 std::optional<long long> ParseInteger(std::string_view text) {
@@ -129,16 +118,7 @@ std::optional<Ratio> ParseFrameRate(const std::string& text) {
     if (name == "ntsc") return Ratio(30000, 1001);
     if (name == "pal") return Ratio(25);
     if (name == "film") return Ratio(24);
-    std::optional<Ratio> rate;
-    if (const auto decimal = ParseDecimal(name); decimal && decimal->places > 0) {
-        long long denominator = 1;
-        for (int i = 0; i < decimal->places; ++i) denominator *= 10;
-        rate = RateOver1001(*decimal);
-        if (!rate) rate = Ratio(decimal->digits, denominator);
-    } else {
-        rate = Norvex::Core::ParseRatio(name);
-    }
-    return rate && rate->numerator() > 0 ? rate : std::nullopt;
+    return Norvex::Conf::ParseFrameRate(name);
 }
 
 }  // namespace NorvexApps

@@ -43,6 +43,21 @@ std::string CodecNameOf(const std::string& codecId);
 std::optional<std::pair<std::string, std::string>> EncoderOptionOf(const std::string& codecId, const std::string& tag,
                                                                    const std::string& value);
 
+/// The option by which an encoder is told a quality of the rule book, and its value; none where it is told by other
+/// means.
+std::optional<std::pair<std::string, std::string>> QualityOptionOf(const std::string& codecId, long long quality);
+
+/// The same for a bitrate mode.
+std::optional<std::pair<std::string, std::string>> ModeOptionOf(const std::string& codecId, const std::string& mode);
+
+/// FFmpeg's name of the pixel format that a profile stands for; empty where the source settles it, or the encoder's
+/// side of the host does.
+std::string PixelFormatOf(const std::string& codecId, const std::string& profile);
+
+/// The greatest frame size within this one that the rules of a codec let pass, as far as they want whole steps of
+/// pixels.
+std::pair<long long, long long> FittingSize(const std::string& codecId, long long width, long long height);
+
 /// What an encoder insists on for a frame size.
 struct EncoderForm {
     Norvex::Core::Ratio frameRate;  ///< frames per second

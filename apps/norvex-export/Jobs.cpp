@@ -4,6 +4,7 @@
 
 #include "Formats.h"
 #include "Plan.h"
+#include "Request.h"
 #include "norvex/Norvex.h"
 
 namespace NorvexExport {
@@ -71,17 +72,40 @@ Fraction ToFraction(const Property& value) {
     return {Narrow(ratio.numerator(), value), Narrow(ratio.denominator(), value)};
 }
 
-/// The encoder's options, by FFmpeg's names.
+/// An option's value as FFmpeg reads it.
+std::string OptionText(const Property& value) {
+    if (value.GetType() == PT_BOOL) return value.GetBool() ? "1" : "0";
+    return Core::PropertyValueToString(value);
+}
+
+/// The encoder's options, by FFmpeg's names. Of the rule book's options some are for the host.
 std::vector<std::pair<std::string, std::string>> EncoderOptions(const Property& stream) {
     std::vector<std::pair<std::string, std::string>> options;
-    if (!stream.ChildExists(C::TAG_CODEC_OPTIONS_ENCODE)) return options;
-    const Property& section = stream[C::TAG_CODEC_OPTIONS_ENCODE];
-    for (const std::string* tag : {&C::TAG_PRESET, &C::TAG_PROFILE, &C::TAG_FORMAT, &V::TAG_X264_TUNE}) {
-        if (!section.ChildExists(*tag)) continue;
-        const auto option = EncoderOptionOf(stream[C::TAG_CODEC_ID].GetString(), *tag, section[*tag].GetString());
+    const std::string& codec = stream[C::TAG_CODEC_ID].GetString();
+    if (stream.ChildExists(C::TAG_CODEC_OPTIONS_ENCODE)) {
+        for (const Property& value : stream[C::TAG_CODEC_OPTIONS_ENCODE]) {
+            const std::string& tag = value.GetName();
+            if (tag == V::TAG_APPROVED_VBR_MODE_ONLY || tag == V::TAG_DISABLE_TRANSPARENCY ||
+                tag == V::TAG_USE_HW_CONTEXT || value.GetType() == PT_NODE) {
+                continue;
+            }
+            if (const auto option = EncoderOptionOf(codec, tag, OptionText(value))) options.push_back(*option);
+        }
+    }
+    if (stream.ChildExists(C::TAG_QUALITY)) {
+        const auto option = QualityOptionOf(codec, stream[C::TAG_QUALITY].GetInt64());
+        if (option) options.push_back(*option);
+    }
+    if (stream.ChildExists(C::TAG_BITRATE_MODE)) {
+        const auto option = ModeOptionOf(codec, stream[C::TAG_BITRATE_MODE].GetString());
         if (option) options.push_back(*option);
     }
     return options;
+}
+
+std::string ProfileIn(const Property& stream) {
+    const std::string path = Path({C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PROFILE});
+    return stream.ChildExists(path) ? Core::PropertyValueToString(stream[path]) : std::string();
 }
 
 template <class Job>
@@ -120,6 +144,7 @@ VideoJob MakeVideoJob(const Property& stream, const VideoSource& source, const P
     }
     if (stream.ChildExists(C::TAG_THREAD_NUMBER)) job.threads = ToInt(stream[C::TAG_THREAD_NUMBER]);
     job.options = EncoderOptions(stream);
+    job.pixelFormat = PixelFormatOf(job.codecId, ProfileIn(stream));
     return job;
 }
 

@@ -106,7 +106,8 @@ bool WantMore(const OutputStreams& streams) {
     return std::any_of(streams.begin(), streams.end(), [](const auto& stream) { return stream->WantsMore(); });
 }
 
-/// Carries all packets of the input through the streams. All fields but `bytes` of what it returns are set.
+/// Carries all packets of the input through the streams. All fields of what it returns are set but
+/// `bytes` and `elapsed`.
 ExportResult RunPass(Input& input, const ExportJob& job, int pass, PassRecords& records, Muxer& muxer,
                      ProgressMeter& progress) {
     const OutputStreams streams = MakeStreams(input, job, pass, records, muxer);

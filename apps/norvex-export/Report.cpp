@@ -6,22 +6,21 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
 #include "Terminal.h"
-#include "common/PresetJson.h"
 #include "norvex/Norvex.h"
+#include "norvex/document/TreeForm.h"
 
 namespace NorvexExport {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Norvex::Conf::CorrectedValue;
 using Norvex::Conf::Finding;
 using Norvex::Core::Property;
 using Norvex::Core::PropertyValueToString;
-using NorvexApps::ToJson;
+using Norvex::Document::PlainFormOf;
+using Norvex::Document::Value;
 
 /// Escape sequences, or nothing.
 struct Style {
@@ -73,17 +72,12 @@ std::vector<std::pair<const CorrectedValue*, std::string>> ChangesOf(const Strea
     return changes;
 }
 
-std::vector<const Finding*> BrokenOf(const StreamPlan& stream) {
-    std::vector<const Finding*> broken;
+std::vector<Finding> BrokenOf(const StreamPlan& stream) {
+    std::vector<Finding> broken;
     for (const Finding& finding : stream.lookedAt) {
-        if (finding.verdict != Finding::Verdict::Violated) continue;
-        // A constraint and a rule often say the same of a value.
-        const bool isKnown = std::any_of(broken.begin(), broken.end(), [&finding](const Finding* known) {
-            return known->value == finding.value && known->allowed.words == finding.allowed.words;
-        });
-        if (!isKnown) broken.push_back(&finding);
+        if (finding.verdict == Finding::Verdict::Violated) broken.push_back(finding);
     }
-    return broken;
+    return Norvex::Conf::TellOnce(std::move(broken));
 }
 
 /// Every value of the settled tree, and with it what it was where something changed it; removed ones at the end.
@@ -213,19 +207,19 @@ std::string StreamText(const StreamPlan& stream, bool explain, const Style& styl
     }
     if (const auto broken = BrokenOf(stream); !broken.empty()) {
         text += fmt::format("  {}broken before:{}\n", style.warning, style.reset);
-        for (const Finding* const finding : broken) text += "  - " + finding->message + '\n';
+        for (const Finding& finding : broken) text += "  - " + finding.message + '\n';
     }
     return explain ? text + ExplainText(stream, style) : text;
 }
 
-Json FindingJson(const Finding& finding) {
+Value FindingJson(const Finding& finding) {
     return {{"helper", HelperName(finding.helperKind, finding.helperId)},
             {"kind", finding.source == Finding::Source::Rule ? "rule" : "constraint"},
             {"verdict", VerdictName(finding.verdict)},
             {"path", finding.path},
-            {"value", finding.value ? ToJson(*finding.value) : Json()},
+            {"value", finding.value ? PlainFormOf(*finding.value) : Value()},
             {"conditionPath", finding.conditionPath},
-            {"condition", finding.condition ? ToJson(*finding.condition) : Json()},
+            {"condition", finding.condition ? PlainFormOf(*finding.condition) : Value()},
             {"allowed", finding.allowed.words},
             {"message", finding.message}};
 }
@@ -275,37 +269,37 @@ std::string PlanText(const Plan& plan, bool colours) {
 }
 
 std::string PlanJson(const Plan& plan, const ExportResult* result) {
-    Json streams = Json::array();
+    Value::List streams;
     for (const StreamPlan& stream : plan.streams) {
-        Json broken = Json::array();
-        for (const Finding* const finding : BrokenOf(stream)) broken.push_back(FindingJson(*finding));
-        Json changes = Json::array();
+        Value::List broken;
+        for (const Finding& finding : BrokenOf(stream)) broken.push_back(FindingJson(finding));
+        Value::List changes;
         for (const auto& [change, by] : ChangesOf(stream)) {
             changes.push_back({{"path", change->path},
-                               {"from", change->before ? ToJson(*change->before) : Json()},
-                               {"to", change->after ? ToJson(*change->after) : Json()},
+                               {"from", change->before ? PlainFormOf(*change->before) : Value()},
+                               {"to", change->after ? PlainFormOf(*change->after) : Value()},
                                {"by", by},
                                {"reason", ReasonName(change->reason)},
                                {"message", change->broken ? change->broken->message : std::string()}});
         }
-        Json json = {{"type", KindName(stream.kind)},
+        Value json = {{"type", KindName(stream.kind)},
                      {"index", stream.streamIndex},
                      {"language", stream.language},
                      {"title", stream.title},
                      {"source", stream.source},
                      {"copied", stream.isCopied},
-                     {"asked", ToJson(stream.asked)},
-                     {"settled", ToJson(stream.settled)},
+                     {"asked", PlainFormOf(stream.asked)},
+                     {"settled", PlainFormOf(stream.settled)},
                      {"broken", broken},
                      {"changes", changes}};
         if (plan.request.explain) {
-            for (const Finding& finding : stream.lookedAt) json["lookedAt"].push_back(FindingJson(finding));
+            for (const Finding& finding : stream.lookedAt) json["lookedAt"].Append(FindingJson(finding));
         }
         streams.push_back(json);
     }
-    Json document = {{"input", plan.request.input}, {"output", plan.request.output},
-                     {"format", plan.formatId},     {"muxer", plan.job.muxer},
-                     {"streams", streams},          {"notes", plan.notes}};
+    Value document = {{"input", plan.request.input}, {"output", plan.request.output},
+                      {"format", plan.formatId},     {"muxer", plan.job.muxer},
+                      {"streams", streams},          {"notes", Value::List(plan.notes.begin(), plan.notes.end())}};
     if (!plan.request.savePresetFile.empty()) document["savedPreset"] = plan.request.savePresetFile;
     if (result != nullptr) {
         document["result"] = {{"videoFrames", result->videoFrames}, {"audioSamples", result->audioSamples},
@@ -314,7 +308,7 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
                               {"elapsed", result->elapsed}};
     }
     // A file name need not be UTF-8; what is not is shown by the replacement character.
-    return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    return Norvex::Document::WriteJson(document) + '\n';
 }
 
 std::string ResultText(const Plan& plan, const ExportResult& result) {

@@ -236,6 +236,7 @@ std::vector<Option> GeneralOptions() {
         {"--no-faststart", nullptr, "Leave the index of MP4 and MOV behind the media", Flag(&Request::noFaststart)},
         {"--preset", "FILE", "Start from the preset in this file", File(&Request::presetFile)},
         {"--save-preset", "FILE", "Write what was settled on to this file", File(&Request::savePresetFile)},
+        {"--classic", nullptr, "Know the classic codecs and containers alone", Flag(&Request::classic)},
         {"--dry-run", nullptr, "Show what would be encoded, and encode nothing", Flag(&Request::dryRun)},
         {"--explain", nullptr, "Show each rule and constraint that was looked at", Flag(&Request::explain)},
         {"--json", nullptr, "Print for programs", Flag(&Request::json)},
@@ -308,8 +309,8 @@ std::vector<Option> AudioOptions() {
          SampleRate(inResample(A::TAG_SAMPLE_RATE))},
         {"--layout", "LAYOUT", "Channels: mono, stereo, 5.1, 7.1 and the like, or auto,\nthe source's",
          Name(inResample(A::TAG_LAYOUT), A::TAG_CH_LAYOUT_UNKNOWN)},
-        {"--sample-format", "FORMAT", "Sample format, such as s16, s32 or fltp",
-         Name(Path({resample, A::TAG_SAMPLE_FORMAT}))},
+        {"--sample-format", "FORMAT", "Sample format, such as s16, s32 or fltp, or auto",
+         NameOrOpen(Path({resample, A::TAG_SAMPLE_FORMAT}))},
     };
 }
 

@@ -50,6 +50,7 @@ struct Request {
     bool noFaststart = false;  ///< leave the index of MP4 and its kin behind the media
     bool copy = false;         ///< carry streams over unchanged where the container takes them
 
+    bool classic = false;  ///< leave out the second set of helpers
     bool dryRun = false;
     bool explain = false;
     bool json = false;

@@ -17,13 +17,15 @@ extern "C" {
 #include "Request.h"
 #include "Signals.h"
 #include "Terminal.h"
-#include "common/PresetJson.h"
 #include "common/TextFiles.h"
 #include "media/Files.h"
+#include "norvex/Norvex.h"
+#include "norvex/document/PresetDocument.h"
 
 namespace {
 
 using namespace NorvexExport;
+namespace Document = Norvex::Document;
 
 void Print(const std::string& text) {
     std::fputs(text.c_str(), stdout);
@@ -41,14 +43,15 @@ void RequireFiles(const Request& request) {
 
 void SavePreset(const Plan& plan) {
     Media::PendingFile file(plan.request.savePresetFile);
-    file.Write(NorvexApps::WritePreset(plan.settled));
+    file.Write(Document::WritePreset(plan.settled));
     file.Commit();
 }
 
 void Run(Request request) {
+    if (!request.classic) RegisterModernHelpers();
     TakeCensus();
     UseIds(request);
-    if (!request.presetFile.empty()) ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile));
+    if (!request.presetFile.empty()) ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile, Document::g_largestPreset + 1));
     TakeBackOpen(request);
     RequireRanges(request);
     const InputInfo input = Probe(request.input);

@@ -9,8 +9,9 @@
 #include "Page.h"
 #include "Texts.h"
 #include "common/CommandLine.h"
-#include "common/PresetJson.h"
 #include "common/TextFiles.h"
+#include "norvex/Norvex.h"
+#include "norvex/document/PresetDocument.h"
 
 namespace {
 
@@ -46,14 +47,15 @@ std::string Show(const std::string& kindName, const std::string& name) {
 
 /// Returns the exit status: 0 for a preset that keeps every rule.
 int CheckFile(const std::string& path, bool json) {
+    namespace Document = Norvex::Document;
     MakeBook();  // takes the census, by which containers know what they carry
     try {
-        const NorvexApps::PresetDocument document = NorvexApps::ReadPreset(NorvexApps::ReadText(path));
-        NorvexApps::RequireKnownNames(document);
-        const Judgement judgement = Judge(document.preset);
-        Print(json ? JudgementJson(judgement) : JudgementText(judgement));
-        return judgement.broken.empty() ? 0 : 1;
-    } catch (const NorvexApps::PresetError& error) {
+        // What was set for another container or codec is dropped by mending.
+        const std::string text = NorvexApps::ReadText(path, Document::g_largestPreset + 1);
+        const auto mended = Norvex::Conf::MendPreset(Document::ReadPreset(text, Document::Foreign::Left).preset);
+        Print(json ? JudgementJson(mended) : JudgementText(mended));
+        return mended.broken.empty() ? 0 : 1;
+    } catch (const Document::DocumentException& error) {
         throw std::runtime_error("'" + path + "', " + error.what());
     }
 }
@@ -78,7 +80,13 @@ int main(int argc, char** argv) {
     std::string id;
     std::string file;
     bool json = false;
+    bool classic = false;
 
+    app.add_flag("--classic", classic, "Know the classic codecs and containers alone");
+    app.fallthrough();
+    app.parse_complete_callback([&classic] {
+        if (!classic) RegisterModernHelpers();
+    });
     app.add_subcommand("list", "Every container, codec and filter")->callback([] { Print(ListText(MakeBook())); });
     auto* const show = app.add_subcommand("show", "One helper, such as: show format mp4, show video h264");
     show->add_option("KIND", kind, "format, video, audio or filter")->required()->option_text(" ");
@@ -94,8 +102,8 @@ int main(int argc, char** argv) {
     check->add_flag("--json", json, "Print for programs");
     check->callback([&] { status = CheckFile(file, json); });
     auto* const all = app.add_subcommand("json", "Everything, for programs");
-    all->add_option("FILE", file, "Where to write it (default: standard output)")->option_text(" ");
-    all->callback([&] { Write(file, MakeBook().dump(2) + '\n'); });
+    all->add_option("FILE", file, "Where to write it (default: standard output)");
+    all->callback([&] { Write(file, Norvex::Document::WriteJson(MakeBook()) + '\n'); });
     auto* const page = app.add_subcommand("html", "Everything, as one page for a browser");
     page->add_option("FILE", file, "Where to write it (default: standard output)")->option_text(" ");
     page->callback([&] { Write(file, PageHtml(MakeBook())); });

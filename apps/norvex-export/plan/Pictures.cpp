@@ -37,14 +37,18 @@ void UseSize(Property& section, long long width, long long height) {
     resize.SetChildT(V::TAG_HEIGHT, height);
 }
 
-/// The frame sizes that a codec's rules offer; empty where any will do.
-std::vector<std::pair<long long, long long>> SizesOf(const IDataHelper& codec) {
+/// The frame sizes that a codec's rules offer for what is asked of it; empty where any will do.
+std::vector<std::pair<long long, long long>> SizesOf(const IDataHelper& codec, const Request& request) {
+    const Property preset = AssemblePreset({WithChoices(codec.GetDefaults(), request)});
     RuleList rules;
     codec.GetValidationRules(rules);
     const std::string sizePath = Path({Proc::IFilterResize::CLASS_ID, IResize::CLASS_ID, IResize::FRAME_SIZE_MODE});
     std::vector<std::pair<long long, long long>> sizes;
     for (const auto& [key, rule] : rules) {
-        if (rule->GetSecondPath() != sizePath) continue;
+        if (rule->GetSecondPath() != sizePath || !preset.ChildExists(rule->GetFirstPath()) ||
+            !rule->GetFirstConstraint()->IsValid(preset[rule->GetFirstPath()])) {
+            continue;
+        }
         for (const Property& size : WhatIsAllowed(*rule->GetSecondConstraint()).values) {
             sizes.emplace_back(size[V::TAG_WIDTH].GetInt64(), size[V::TAG_HEIGHT].GetInt64());
         }
@@ -83,7 +87,7 @@ Property ResizeSection(Draft& draft, const Request& request, const NamedHelper& 
     resize.SetChildT(IResize::FRAME_SIZE_MODE, IResize::FRAME_SIZE_ORIGINAL);
     section = WithChoices(std::move(section), request);
     const bool isChosen = request.Asks(Proc::IFilterResize::CLASS_ID);
-    const auto sizes = SizesOf(*codec.helper);
+    const auto sizes = SizesOf(*codec.helper, request);
     if (!sizes.empty()) {
         const Property& chosen = section[IResize::CLASS_ID];
         const auto size = std::pair(chosen[V::TAG_WIDTH].GetInt64(), chosen[V::TAG_HEIGHT].GetInt64());
@@ -99,9 +103,9 @@ Property ResizeSection(Draft& draft, const Request& request, const NamedHelper& 
             throw RequestError("--size: '" + SizeText(size.first, size.second) +
                                "' is not legal here; allowed: one of " + Join(names));
         }
-    } else if (!isChosen && (source.width % 2 != 0 || source.height % 2 != 0)) {
-        // The rule book wants even sizes, and most encoders do.
-        UseSize(section, std::max(2, source.width / 2 * 2), std::max(2, source.height / 2 * 2));
+    } else if (const auto [width, height] = FittingSize(codec.id, source.width, source.height);
+               !isChosen && (width != source.width || height != source.height)) {
+        UseSize(section, width, height);
         Property& even = section[IResize::CLASS_ID];
         even.SetChildT(IResize::MODE, IResize::MODE_STRETCH);
         even.SetChildT(V::TAG_ASPECTX, source.sampleAspect.numerator);
@@ -153,7 +157,7 @@ void EncodePicture(Draft& draft, const VideoSource& stored, const Request& own, 
     StreamPlan settled = Settle({draft.format, draft.formatTree, codec, {resize, frameRate}, own}, std::move(values));
     settled.kind = isCover ? StreamKind::Cover : StreamKind::Video;
     settled.source = WordsFor(stored);
-    settled.sections = SectionsOf(settled.settled);
+    settled.sections = SectionsOf(settled);
     settled.sections.push_back(resize);
     VideoJob job = MakeVideoJob(settled.settled, source, resize);
     job.isCover = isCover;

@@ -5,8 +5,8 @@
 #include <iterator>
 #include <optional>
 
-#include "common/PresetJson.h"
 #include "norvex/Norvex.h"
+#include "norvex/document/PresetDocument.h"
 
 namespace NorvexExport {
 
@@ -54,7 +54,7 @@ const KindRow* RowOfSection(const std::string& section) {
 
 class PresetReader {
 public:
-    PresetReader(const NorvexApps::PresetDocument& document, const Request& request)
+    PresetReader(const Document::PresetDocument& document, const Request& request)
         : m_document(document), m_request(request) {}
 
     std::vector<Choice> Read() {
@@ -62,7 +62,7 @@ public:
             const std::string& name = section.GetName();
             if (name == P::KEY_FORMAT) continue;
             if (RowOfSection(name) == nullptr) {
-                throw RequestError(m_document.PlaceOf(name) + ": this program has no use for '" + name + "'");
+                throw RequestError(PlaceOf(name) + ": this program has no use for '" + name + "'");
             }
             Collect(section, name, name, CodecIdIn(section), std::nullopt);
         }
@@ -83,6 +83,8 @@ public:
     }
 
 private:
+    std::string PlaceOf(const std::string& path) const { return "line " + std::to_string(m_document.LineOf(path)); }
+
     static const Property* Find(const Property& node, const std::string& name) {
         const auto child = node.FindChild(name);
         return child != node.end() ? &*child : nullptr;
@@ -103,9 +105,8 @@ private:
             int index = -1;
             const std::string& name = stream.GetName();
             const auto parsed = std::from_chars(name.data(), name.data() + name.size(), index);
-            if (parsed.ec != std::errc() || parsed.ptr != name.data() + name.size() || index < 0 ||
-                stream.GetType() != PT_NODE) {
-                throw RequestError(m_document.PlaceOf(path) + ": '" + path + "' is no stream by its number");
+            if (parsed.ec != std::errc() || parsed.ptr != name.data() + name.size() || index < 0) {
+                throw RequestError(PlaceOf(path) + ": '" + path + "' is no stream by its number");
             }
             for (const Property& section : stream) ReadSection(section, path, index);
         }
@@ -113,28 +114,11 @@ private:
 
     void ReadSection(const Property& section, const std::string& streamPath, int index) {
         const std::string& name = section.GetName();
-        if (name == P::KEY_TYPE_ID) return;  // its sections say the same
-        const std::string path = Path({streamPath, name});
-        const KindRow* const row = RowOfSection(name);
-        if (row == nullptr) throw RequestError(m_document.PlaceOf(path) + ": no stream has '" + name + "'");
+        if (section.GetType() != PT_NODE) return;  // its sections say the same
         std::string codecId = CodecIdIn(section);
         const Property* const shared = Find(m_document.preset, name);
         if (codecId.empty() && shared != nullptr) codecId = CodecIdIn(*shared);
-        RequireKnown(section, path, name == *row->codecSection ? codecId : std::string());
-        Collect(section, name, path, codecId, index);
-    }
-
-    /// Its names are judged as if the section stood by itself.
-    void RequireKnown(Property section, const std::string& path, const std::string& codecId) const {
-        NorvexApps::PresetDocument alone;
-        alone.preset = Property(std::string("preset"));
-        if (section.GetType() == PT_NODE && !codecId.empty()) section.SetChildT(C::TAG_CODEC_ID, codecId);
-        alone.preset.AddNamed(section);
-        const std::size_t cut = path.size() - section.GetName().size();
-        for (const auto& [whole, place] : m_document.places) {
-            if (whole.compare(0, path.size(), path) == 0) alone.places.emplace(whole.substr(cut), place);
-        }
-        NorvexApps::RequireKnownNames(alone);
+        Collect(section, name, Path({streamPath, name}), codecId, index);
     }
 
     /// `path` is where the values of the node belong in a preset, `place` where they stand in this one.
@@ -153,10 +137,10 @@ private:
 
     void Add(const std::string& path, const std::string& place, const Property& value, const std::string& codecId,
              std::optional<int> stream) {
-        m_choices.push_back({path, value, "preset, " + m_document.PlaceOf(place), false, stream, codecId, true});
+        m_choices.push_back({path, value, "preset, " + PlaceOf(place), false, stream, codecId, true});
     }
 
-    const NorvexApps::PresetDocument& m_document;
+    const Document::PresetDocument& m_document;
     const Request& m_request;
     std::vector<Choice> m_choices;
 };
@@ -218,13 +202,17 @@ void AddSection(const std::string& name, const std::vector<const StreamPlan*>& s
         const Property& section = *FindSection(*streams[i], name);
         Property rest(name);
         Subtract(section, isOfFirst(section) ? &shared : nullptr, rest);
-        if (rest.Count() > 0) own[i].AddNamed(rest);
+        if (rest.Count() == 0) continue;
+        // A codec's section says which codec it is about.
+        if (hasCodec) rest.SetChild(C::TAG_CODEC_ID, section[C::TAG_CODEC_ID]);
+        own[i].AddNamed(rest);
     }
 }
 
 }  // namespace
 
-std::vector<Property> SectionsOf(const Property& stream) {
+std::vector<Property> SectionsOf(const StreamPlan& plan) {
+    const Property& stream = plan.settled;
     const bool isVideo = stream.GetName() == V::TAG_FORMAT_CODEC_VIDEO;
     const bool isAudio = stream.GetName() == A::TAG_FORMAT_CODEC_AUDIO;
     Property section(isVideo   ? P::KEY_FILTER_VIDEO_CODEC
@@ -239,7 +227,11 @@ std::vector<Property> SectionsOf(const Property& stream) {
         }
     }
     std::vector<Property> sections = {section};
-    if (isVideo) sections.push_back(Proc::IFilterFrameRate::MakeSettings(stream[V::TAG_FPS].GetRatio()));
+    if (isVideo) {
+        sections.push_back(Proc::IFilterFrameRate::MakeSettings(
+            plan.isAtSourceRate ? Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE
+                                : stream[V::TAG_FPS].GetRatio()));
+    }
     if (isAudio) {
         Proc::SettingsFilterResample settings;
         settings.sampleRate = static_cast<int>(stream[A::TAG_SAMPLE_RATE].GetInt64());
@@ -285,11 +277,10 @@ std::optional<StreamKind> KindOfSection(const std::string& section) {
 
 void ChooseFromPreset(Request& request, const std::string& presetText) {
     try {
-        const NorvexApps::PresetDocument document = NorvexApps::ReadPreset(presetText);
-        NorvexApps::RequireKnownNames(document);
+        const Document::PresetDocument document = Document::ReadPreset(presetText);
         const std::vector<Choice> choices = PresetReader(document, request).Read();
         request.choices.insert(request.choices.begin(), choices.begin(), choices.end());
-    } catch (const NorvexApps::PresetError& error) {
+    } catch (const Document::DocumentException& error) {
         throw RequestError("'" + request.presetFile + "', " + error.what());
     }
 }

@@ -9,7 +9,7 @@
 namespace NorvexExport {
 
 /// The codec's section and, but for the resizer's, the filters' that give a settled stream again.
-std::vector<Norvex::Core::Property> SectionsOf(const Norvex::Core::Property& stream);
+std::vector<Norvex::Core::Property> SectionsOf(const StreamPlan& stream);
 
 /// The preset that gives the plan's streams again: a section for all streams of a kind, and by the index of the stream
 /// what they do not share.

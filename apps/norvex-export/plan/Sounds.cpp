@@ -75,7 +75,7 @@ void PlanSound(Draft& draft, const AudioSource& source) {
         Settle({draft.format, draft.formatTree, codec, {ResampleSection(own)}, own}, AudioStreamOf(source, codec.id));
     settled.kind = StreamKind::Audio;
     settled.source = WordsFor(source);
-    settled.sections = SectionsOf(settled.settled);
+    settled.sections = SectionsOf(settled);
     AudioJob job = MakeAudioJob(settled.settled, source);
     const bool isFormatChosen = own.Find(Path({Proc::IFilterResample::CLASS_ID, A::TAG_SAMPLE_FORMAT})) != nullptr;
     if (!isFormatChosen && !HasSampleFormatRule(*codec.helper)) job.sampleFormat.clear();

@@ -145,7 +145,7 @@ private:
         settled.settled = Property(std::string("subtitles"));
         settled.settled.SetChildT(C::TAG_CODEC_ID, codecId);
         settled.asked = settled.settled;
-        settled.sections = SectionsOf(settled.settled);
+        settled.sections = SectionsOf(settled);
         m_draft.plan.job.subtitles.push_back({source.streamIndex, CodecNameOf(codecId)});
         m_draft.Add(std::move(settled), source);
     }
