@@ -112,9 +112,10 @@ ExportResult RunPass(Input& input, const ExportJob& job, int pass, PassRecords& 
                      ProgressMeter& progress) {
     const OutputStreams streams = MakeStreams(input, job, pass, records, muxer);
     progress.BeginPass(pass);
+    BeginFilm(input, job, muxer);
     muxer.Begin();
     const Owned<AVPacket> packet = Own(av_packet_alloc());
-    while (WantMore(streams) && input.Read(*packet)) {
+    while (WantMore(streams) && !input.IsFilmOver() && input.Read(*packet)) {
         for (const auto& stream : streams) {
             if (stream->SourceIndex() == packet->stream_index) stream->Take(*packet);
         }
@@ -129,6 +130,8 @@ ExportResult RunPass(Input& input, const ExportJob& job, int pass, PassRecords& 
     ExportResult result;
     for (const auto& stream : streams) stream->Report(result);
     result.duration = FarthestSecond(streams);
+    result.jumps = input.Times().Jumps();
+    result.damagedStamps = input.Times().DamagedStamps();
     return result;
 }
 
@@ -144,6 +147,7 @@ std::string WhyNotWritable(Input& input, const ExportJob& job) {
         PassRecords none;
         Muxer muxer = Muxer::OnTrial(job.muxer, job.muxerOptions);
         const OutputStreams streams = MakeStreams(input, job, 1, none, muxer);
+        muxer.TakeTags(input.Context(), input.StartTime());
         muxer.Begin();
         return {};
     } catch (const MediaError& error) {

@@ -185,7 +185,7 @@ std::vector<FilterStep> AudioSteps(const AVBufferSrcParameters& source, const AV
     // The resampler counts the samples of its source.
     const std::int64_t begin = av_rescale(firstSample, source.sample_rate, encoder.sample_rate);
     // "async" fills gaps and trims overlaps by the timestamps and does not stretch.
-    return {{"aresample", {{"sample_rate", rate}, {"async", "1"}, {"first_pts", std::to_string(begin)}}},
+    return {{"aresample", {{"sample_rate", rate}, {"async", "1"}, {"min_hard_comp", "0.004"}, {"first_pts", std::to_string(begin)}}},
             {"aformat",
              {{"sample_fmts", av_get_sample_fmt_name(encoder.sample_fmt)},
               {"sample_rates", rate},

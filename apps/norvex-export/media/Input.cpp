@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 extern "C" {
 #include <libavutil/avutil.h>
@@ -214,20 +215,20 @@ AVRational Input::FrameRate(const AVStream& stream) const {
 
 void Input::Begin(const Span& span, int copied) {
     const std::int64_t start = StartTime();
+    m_isPart = span.begin > 0 || span.end != Span::endless;
     m_zero = start + span.begin;
     m_timeLine.Expect(StatedEnd());
     if (span.begin > 0) {
         // Where stamps may jump, none of them tells where to go.
         if ((m_context->iformat->flags & AVFMT_TS_DISCONT) == 0) Seek(m_zero - preroll);
-        ReadUpTo(m_zero);
+        ReadUpTo(m_zero, copied);
     }
-    const auto isKey = [&](const Owned<AVPacket>& packet) {
-        return packet->stream_index == copied && (packet->flags & AV_PKT_FLAG_KEY) != 0 &&
-               packet->pts != AV_NOPTS_VALUE;
-    };
-    const auto key = std::find_if(m_placed.begin(), m_placed.end(), isKey);
-    if (key != m_placed.end()) m_zero += std::min<std::int64_t>(0, FilmTime((*key)->pts, Stream(copied)));
     m_end = span.end == Span::endless ? span.end : start + span.end - m_zero;
+}
+
+void Input::Delay(std::int64_t time) {
+    m_zero -= time;
+    if (m_end != Span::endless) m_end += time;
 }
 
 bool Input::IsFilmOver() const {
@@ -298,8 +299,11 @@ std::optional<std::int64_t> Input::PeekStamp(const AVStream& stream) {
 }
 
 std::int64_t Input::StatedEnd() const {
-    // What else there is was guessed from stamps, or from the size of the file.
-    const bool isStated = m_context->duration_estimation_method == AVFMT_DURATION_FROM_STREAM;
+    // What else there is was guessed from the stamps themselves, or from the size of the file: also by the demuxers of
+    // Ogg, whose stamps may jump, and of FLV, which read the last of them.
+    const AVInputFormat& format = *m_context->iformat;
+    const bool isRead = (format.flags & AVFMT_TS_DISCONT) != 0 || std::string_view(format.name) == "flv";
+    const bool isStated = m_context->duration_estimation_method == AVFMT_DURATION_FROM_STREAM && !isRead;
     if (!isStated || m_context->duration <= 0) return AV_NOPTS_VALUE;
     return StartTime() + m_context->duration + AV_TIME_BASE;
 }
@@ -313,26 +317,32 @@ void Input::Seek(std::int64_t time) {
     // All is read then, and what lies before the film left out.
 }
 
-void Input::ReadUpTo(std::int64_t time) {
-    const auto isOf = [this](AVMediaType type) {
-        return [this, type](int index) {
+void Input::ReadUpTo(std::int64_t time, int copied) {
+    const auto selectedOf = [this](AVMediaType type) {
+        return std::find_if(m_selected.begin(), m_selected.end(), [&](int index) {
             return IsTimed(Stream(index)) && Stream(index).codecpar->codec_type == type;
-        };
+        });
     };
-    auto lead = std::find_if(m_selected.begin(), m_selected.end(), isOf(AVMEDIA_TYPE_VIDEO));
-    if (lead == m_selected.end()) lead = std::find_if(m_selected.begin(), m_selected.end(), isOf(AVMEDIA_TYPE_AUDIO));
+    auto lead = selectedOf(AVMEDIA_TYPE_VIDEO);
+    const bool isOfPictures = lead != m_selected.end();
+    if (!isOfPictures) lead = selectedOf(AVMEDIA_TYPE_AUDIO);
     if (lead == m_selected.end()) return;  // the rest is short, and tells by itself when it is shown
+    const int leader = copied >= 0 ? copied : *lead;
 
     std::vector<const AVPacket*> keys(m_context->nb_streams);  // the last of each stream before the time
     const auto leaveOut = [&] {
         std::vector<bool> isBehindKey(keys.size());
+        const AVPacket* const key = copied >= 0 ? keys[static_cast<std::size_t>(copied)] : nullptr;
+        const std::int64_t beginning = key != nullptr ? *ShownAt(*key, Stream(copied)) : time;
         const auto isNeeded = [&](const AVPacket& packet) {
             const auto index = static_cast<std::size_t>(packet.stream_index);
             const AVMediaType type = Stream(packet.stream_index).codecpar->codec_type;
             if (&packet == keys[index]) isBehindKey[index] = true;
             if (type == AVMEDIA_TYPE_VIDEO) return keys[index] == nullptr || isBehindKey[index];
             const auto shown = ShownAt(packet, Stream(packet.stream_index));
-            return !shown || *shown >= time - (type == AVMEDIA_TYPE_AUDIO ? preroll : TimeLine::longestGap);
+            // Sound is kept for a second more, as the film may begin with a picture before the time.
+            const std::int64_t before = type == AVMEDIA_TYPE_AUDIO ? AV_TIME_BASE : TimeLine::longestGap;
+            return !shown || *shown >= beginning - before;
         };
         std::deque<Owned<AVPacket>> needed;
         for (Owned<AVPacket>& packet : m_placed) {
@@ -348,7 +358,7 @@ void Input::ReadUpTo(std::int64_t time) {
         const AVStream& stream = Stream(packet->stream_index);
         const auto stamp = TimeLine::StampOf(*packet, stream);
         const std::int64_t duration = av_rescale_q(packet->duration, stream.time_base, av_get_time_base_q());
-        isThere = packet->stream_index == *lead && stamp && *stamp + duration > time;
+        isThere = packet->stream_index == leader && stamp && *stamp + duration > time;
         const auto shown = ShownAt(*packet, stream);
         if ((packet->flags & AV_PKT_FLAG_KEY) != 0 && shown && *shown <= time) {
             keys[static_cast<std::size_t>(packet->stream_index)] = packet.get();
@@ -359,6 +369,16 @@ void Input::ReadUpTo(std::int64_t time) {
         many = 2 * m_placed.size() + 1000;
     }
     leaveOut();
+    if (!isOfPictures) return;
+    // The picture that is shown then begins the film, or the one that the stream can be decoded from.
+    std::optional<std::int64_t> first;
+    for (const Owned<AVPacket>& packet : m_placed) {
+        const bool isKey = (packet->flags & AV_PKT_FLAG_KEY) != 0;
+        if (packet->stream_index != leader || (copied >= 0 && !isKey)) continue;
+        const auto shown = ShownAt(*packet, Stream(leader));
+        if (shown && *shown <= time && (!first || *shown > *first)) first = *shown;
+    }
+    if (first && (copied >= 0 || time - *first < AV_TIME_BASE)) m_zero = *first;
 }
 
 Input::OwnedContext Input::Open(const std::string& path) {

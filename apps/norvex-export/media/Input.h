@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <deque>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,6 +15,7 @@ extern "C" {
 
 #include "Basics.h"
 #include "TimeLine.h"
+#include "norvex-export/Media.h"
 
 namespace NorvexExport::Media {
 
@@ -23,14 +23,6 @@ bool IsAttachedPicture(const AVStream& stream);
 
 /// Whether the codec's subtitles are text, as against pictures.
 bool IsText(AVCodecID codec);
-
-/// What of the input becomes the film; in AV_TIME_BASE units after the input's beginning.
-struct Span {
-    static constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
-
-    std::int64_t begin = 0;
-    std::int64_t end = endless;
-};
 
 /// The demuxer of one file, and the clock of the film that is made of it.
 class Input {
@@ -65,10 +57,16 @@ public:
 
     AVRational FrameRate(const AVStream& stream) const;
 
-    /// Goes to the beginning of the film, once all its streams are selected. Where pictures of a stream go over as they
-    /// are (`copied`, else -1), that is the last of its key pictures before the span. Throws MediaError where the input
-    /// ends before it.
+    /// Goes to the beginning of the film, once all its streams are selected. That is the picture that is shown then, and
+    /// where pictures of a stream go over as they are (`copied`, else -1), the last of its key pictures before. Throws
+    /// MediaError where the input ends before it.
     void Begin(const Span& span, int copied);
+
+    /// Lets the film begin that much before its first packet, in AV_TIME_BASE units.
+    void Delay(std::int64_t time);
+
+    /// Whether the film is not all of the input.
+    bool IsPart() const { return m_isPart; }
 
     /// When something of a stream happens in the film, in AV_TIME_BASE units. `ticks` are of a packet that was read.
     std::int64_t FilmTime(std::int64_t ticks, const AVStream& stream) const {
@@ -104,7 +102,7 @@ private:
     bool ReadStamped(AVPacket& packet);
     std::optional<std::int64_t> PeekStamp(const AVStream& stream);
     void Seek(std::int64_t time);
-    void ReadUpTo(std::int64_t time);
+    void ReadUpTo(std::int64_t time, int copied);
 
     bool Exists(int index) const { return index >= 0 && static_cast<unsigned>(index) < m_context->nb_streams; }
 
@@ -116,6 +114,7 @@ private:
     TimeLine m_timeLine;
     std::deque<Owned<AVPacket>> m_ahead;   // read to bear out a stamp, and not placed yet
     std::deque<Owned<AVPacket>> m_placed;  // read to find where the film begins
+    bool m_isPart = false;
     std::int64_t m_zero = 0;
     std::int64_t m_end = Span::endless;
     std::int64_t m_position = 0;  // where the packets have come to, in the film

@@ -125,12 +125,22 @@ void Muxer::Begin() {
     CheckWriting(result);
 }
 
-void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase) {
+bool Muxer::PlacesStreams(const std::string& container) {
+    const AVOutputFormat* const format = av_guess_format(container.c_str(), nullptr, nullptr);
+    if (format == nullptr) return true;  // which Muxer's constructor tells
+    return (format->flags & AVFMT_VARIABLE_FPS) != 0 && (format->flags & AVFMT_NOTIMESTAMPS) == 0;
+}
+
+void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase, std::int64_t begin) {
     if (m_isOnePicture && m_packets > 0) FailAsOnePicture();
     ++m_packets;
     packet.stream_index = stream;
     packet.pos = -1;
-    av_packet_rescale_ts(&packet, timeBase, m_context->streams[stream]->time_base);
+    const AVRational clock = m_context->streams[stream]->time_base;
+    av_packet_rescale_ts(&packet, timeBase, clock);
+    const std::int64_t later = av_rescale_q(begin, av_get_time_base_q(), clock);
+    if (packet.pts != AV_NOPTS_VALUE) packet.pts += later;
+    if (packet.dts != AV_NOPTS_VALUE) packet.dts += later;
     CheckWriting(av_interleaved_write_frame(m_context.get(), &packet));
 }
 

@@ -43,7 +43,8 @@ void TimeLine::Place(AVPacket& packet, const AVStream& stream, const Peek& peek)
         if (packet.dts != AV_NOPTS_VALUE) packet.dts += ticks;
     };
     if (!IsTimed(stream)) {
-        move(m_offsets.back());
+        // What stands beside the film keeps its times; what is told on the film's line goes with it.
+        if (stream.codecpar->codec_type == AVMEDIA_TYPE_SUBTITLE) move(m_offsets.back());
         return;
     }
     Clock& clock = ClockOf(stream);
@@ -54,22 +55,26 @@ void TimeLine::Place(AVPacket& packet, const AVStream& stream, const Peek& peek)
         clock.next += duration;
         return;
     }
-    std::int64_t time = *stamp + clock.offset;
-    if (!clock.hasBegun || std::abs(time - clock.next) > slack) {
-        if (Adjust(clock, *stamp, peek)) {
-            time = *stamp + clock.offset;
-        } else {
-            ++m_damaged;
-            time = clock.next;
-            packet.dts = packet.pts = AV_NOPTS_VALUE;
-        }
+    bool isTrue = true;
+    if (!clock.hasBegun || std::abs(*stamp + clock.offset - clock.next) > slack) {
+        isTrue = Adjust(clock, *stamp, duration, peek);
     }
     move(clock.offset);
-    if (packet.dts == AV_NOPTS_VALUE && packet.pts == AV_NOPTS_VALUE) packet.dts = ToTicks(time, stream);
-    const auto distance = [&] { return ToLine(packet.pts - packet.dts, stream); };
-    if (packet.pts != AV_NOPTS_VALUE && packet.dts != AV_NOPTS_VALUE && std::abs(distance()) > longestGap) {
-        ++m_damaged;
-        packet.pts = AV_NOPTS_VALUE;
+    const std::int64_t time = isTrue ? *stamp + clock.offset : clock.next;
+    if (packet.pts != AV_NOPTS_VALUE && packet.dts != AV_NOPTS_VALUE) {
+        const std::int64_t delay = ToLine(packet.pts - packet.dts, stream);
+        const std::int64_t usual = std::max<std::int64_t>(AV_TIME_BASE, 4 * clock.longestDelay);
+        if (delay >= -slack && delay <= (clock.hasBegun ? usual : longestGap)) {
+            clock.delay = delay;
+            clock.longestDelay = std::max(clock.longestDelay, delay);
+        } else {
+            if (isTrue) ++m_damaged;
+            packet.pts = packet.dts + ToTicks(clock.delay, stream);
+        }
+    }
+    if (!isTrue) {
+        packet.dts = ToTicks(time, stream);
+        if (packet.pts != AV_NOPTS_VALUE) packet.pts = packet.dts + ToTicks(clock.delay, stream);
     }
     clock.hasBegun = true;
     clock.last = time;
@@ -92,27 +97,35 @@ bool TimeLine::Fits(const Clock& clock, std::int64_t time) const {
     return isStated || time <= *m_farthest + longestGap;
 }
 
-bool TimeLine::Adjust(Clock& clock, std::int64_t stamp, const Peek& peek) {
-    // Where another stream has jumped already, this one jumps with it, as far as the ends of the two and their
-    // beginnings lie apart.
-    constexpr std::int64_t apart = std::int64_t{5} * AV_TIME_BASE;
+bool TimeLine::Adjust(Clock& clock, std::int64_t stamp, std::int64_t duration, const Peek& peek) {
     const auto misses = [&](std::int64_t offset) { return std::abs(stamp + offset - clock.next); };
     const bool fits = Fits(clock, stamp + clock.offset);
+    if (!clock.hasBegun && fits) return true;
+    const std::optional<std::int64_t> following = peek();
+    if (clock.hasBegun && following) {
+        const std::int64_t time = stamp + clock.offset;
+        const std::int64_t nextTime = *following + clock.offset;
+        const bool goesOn = nextTime >= clock.last - slack && nextTime <= clock.next + duration + longestGap;
+        const bool isBetween = time >= clock.last - slack && time <= nextTime + slack;
+        if (goesOn && !isBetween) return Refuse();
+    }
     if (clock.hasBegun) {
-        const auto nearest = std::min_element(m_offsets.begin(), m_offsets.end(), [&](std::int64_t a, std::int64_t b) {
-            return misses(a) < misses(b);
-        });
-        if (misses(*nearest) <= (fits ? slack : apart) && *nearest != clock.offset) {
+        // Where another stream has jumped already, this one jumps with it, as far as the ends of the two and their
+        // beginnings lie apart.
+        constexpr std::int64_t apart = std::int64_t{5} * AV_TIME_BASE;
+        const auto nearest =
+            std::min_element(m_offsets.begin(), m_offsets.end(),
+                             [&](std::int64_t one, std::int64_t two) { return misses(one) < misses(two); });
+        if (*nearest != clock.offset && misses(*nearest) <= (fits ? slack : apart)) {
             clock.offset = *nearest;
             return true;
         }
     }
     if (fits) return true;
-    const std::optional<std::int64_t> following = peek();
     const bool isBorneOut = following && *following >= stamp - slack && *following <= stamp + longestGap;
     if (!isBorneOut) {
         if (!clock.hasBegun) clock.next = *m_farthest;
-        return false;
+        return Refuse();
     }
     ++m_jumps;
     clock.offset = *m_farthest - stamp;

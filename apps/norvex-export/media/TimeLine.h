@@ -53,12 +53,18 @@ private:
         bool hasBegun = false;
         std::int64_t last = 0;  // on the line, as the next
         std::int64_t next = 0;  // where the stream has come to
+        std::int64_t delay = 0;  // from decoding to showing, of the last packet that tells it
+        std::int64_t longestDelay = 0;
     };
 
     Clock& ClockOf(const AVStream& stream);
     bool Fits(const Clock& clock, std::int64_t time) const;
     /// False where the stamp is damaged.
-    bool Adjust(Clock& clock, std::int64_t stamp, const Peek& peek);
+    bool Adjust(Clock& clock, std::int64_t stamp, std::int64_t duration, const Peek& peek);
+    bool Refuse() {
+        ++m_damaged;
+        return false;
+    }
 
     std::vector<Clock> m_clocks;                 // by the stream's index
     std::vector<std::int64_t> m_offsets = {0};   // all so far, the last of which is that of the film

@@ -1,5 +1,6 @@
 #include "TranscodedStream.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -15,54 +16,70 @@ TranscodedStream::TranscodedStream(const Input& input, const AVStream& stream, E
       m_decoder(stream),
       m_encoder(std::move(encoder)),
       m_muxer(muxer),
-      m_outputIndex(muxer.AddStream(m_encoder.Context(), stream)) {}
+      m_outputIndex(muxer.AddStream(m_encoder.Context(), stream)),
+      m_filtered(Own(av_frame_alloc())) {}
 
 void TranscodedStream::Take(const AVPacket& packet) {
-    if (m_isComplete) return;
-    Decode(&packet);
+    if (!WantsMore()) return;
+    m_decoder.Decode(&packet, [this](AVFrame& frame) { Place(frame); });
     // Nothing follows an attached picture that could push it out of a decoder which holds frames back.
-    if (!IsOver() && IsAttachedPicture(m_stream)) Decode(nullptr);
-    // Muxers hold the other streams back until they have this one.
-    if (IsOver()) Complete();
+    if (WantsMore() && IsSingle() && IsAttachedPicture(m_stream)) Drain();
+    // Muxers hold the sound back until they have its cover.
+    if (!WantsMore()) Encode(nullptr);
 }
 
 void TranscodedStream::Finish() {
-    if (m_isComplete) return;
-    Decode(nullptr);
+    if (!WantsMore()) return;
+    Drain();
     RequireFrames();
-    Complete();
+    if (WantsMore() && HasGraph()) {
+        m_graph->Close(EndOnGraph(std::min(m_nextTime, m_input.FilmEnd())));
+        EncodeFiltered();
+    }
+    Encode(nullptr);
 }
 
-double TranscodedStream::Seconds() const {
-    return static_cast<double>(m_begin + m_muxer.Lead()) / AV_TIME_BASE +
-           static_cast<double>(m_nextPts) * av_q2d(m_encoder.Context().time_base);
+void TranscodedStream::Drain() {
+    m_decoder.Decode(nullptr, [this](AVFrame& frame) { Place(frame); });
 }
 
-void TranscodedStream::Encode(AVFrame& frame, std::int64_t duration) {
-    frame.pts = m_nextPts;
-    m_nextPts += duration;
-    EncodeNext(&frame);
+void TranscodedStream::Place(AVFrame& frame) {
+    if (!WantsMore()) return;
+    const bool isTimed = frame.best_effort_timestamp != AV_NOPTS_VALUE;
+    const std::int64_t time = isTimed ? m_input.FilmTime(frame.best_effort_timestamp, m_stream) : m_nextTime;
+    m_nextTime = std::max(m_nextTime, time + DurationOf(frame));
+    TakeFrame(frame, time);
 }
 
-void TranscodedStream::Decode(const AVPacket* packet) {
-    m_decoder.Decode(packet, [this](AVFrame& frame) {
-        if (IsOver()) return;
-        std::int64_t time = frame.best_effort_timestamp;
-        if (time == AV_NOPTS_VALUE) time = m_nextTime;
-        // Where no frame says when it is shown, the first one begins the film.
-        if (time == AV_NOPTS_VALUE) time = av_rescale_q(m_input.FilmStart(), av_get_time_base_q(), m_stream.time_base);
-        m_nextTime = time + DurationOf(frame);
-        TakeFrame(frame, m_input.FilmTime(time, m_stream));
-    });
+void TranscodedStream::Filter(AVFrame& frame, std::int64_t time) {
+    frame.pts = time;
+    Owned<AVBufferSrcParameters> source = Describe(frame);
+    if (!HasGraph() || !IsSame(*m_source, *source)) ChangeGraph(std::move(source), time);
+    m_graph->Push(frame);
+    EncodeFiltered();
 }
 
-void TranscodedStream::Complete() {
-    TakeRest();
-    EncodeNext(nullptr);
-    m_isComplete = true;
+void TranscodedStream::ChangeGraph(Owned<AVBufferSrcParameters> source, std::int64_t time) {
+    if (HasGraph()) {
+        EndGraph(*m_graph, time);
+        EncodeFiltered();
+    }
+    m_graph = MakeGraph(*source);
+    m_source = std::move(source);
 }
 
-void TranscodedStream::EncodeNext(const AVFrame* frame) {
+void TranscodedStream::EncodeFiltered() {
+    while (WantsMore() && m_graph->Pull(*m_filtered)) {
+        m_filtered->pts = av_rescale_q(m_filtered->pts, m_graph->TimeBase(), m_encoder.Context().time_base);
+        if (Prepare(*m_filtered)) {
+            m_nextPts = m_filtered->pts + EncodedDurationOf(*m_filtered);
+            Encode(m_filtered.get());
+        }
+        av_frame_unref(m_filtered.get());
+    }
+}
+
+void TranscodedStream::Encode(const AVFrame* frame) {
     m_encoder.Encode(frame, [&](AVPacket& packet) {
         m_muxer.Write(packet, m_outputIndex, m_encoder.Context().time_base, m_begin);
     });
@@ -70,9 +87,8 @@ void TranscodedStream::EncodeNext(const AVFrame* frame) {
 
 void TranscodedStream::RequireFrames() const {
     if (m_decoder.HasDecoded()) return;
-    const std::string what = "nothing of the " +
-                             std::string(av_get_media_type_string(m_stream.codecpar->codec_type)) + " stream of " +
-                             m_input.QuotedName() + " could be decoded";
+    const std::string what = "nothing of the " + std::string(av_get_media_type_string(m_stream.codecpar->codec_type)) +
+                             " stream of " + m_input.QuotedName() + " could be decoded";
     if (m_decoder.LastError() < 0) Fail(what, m_decoder.LastError());
     // A part of the input may lie where the stream pauses.
     if (!m_input.IsPart()) throw MediaError(what);
