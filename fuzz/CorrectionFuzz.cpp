@@ -178,6 +178,8 @@ void RequireReported(const NamedHelper& named, Property stream, const Property& 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const bool isRegistered = (RegisterModernHelpers(), true);
+    (void)isRegistered;
     Input input(data, size);
     while (!input.IsEmpty()) {
         const Kind& kind = Kinds()[input.Number(3)];

@@ -1,7 +1,7 @@
 /// The whole rule book as one JSON document, which all that the program shows is made from.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include "norvex/document/Json.h"
 
 namespace NorvexRules {
 
@@ -9,6 +9,6 @@ namespace NorvexRules {
 constexpr int g_bookVersion = 1;
 
 /// Takes the census of encoders first. The order is stable: by id, and within a helper as the helper gives it.
-nlohmann::ordered_json MakeBook();
+Norvex::Document::Value MakeBook();
 
 }  // namespace NorvexRules

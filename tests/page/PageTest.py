@@ -7,13 +7,17 @@ package beyond Debian's browser is needed.
 import base64
 import json
 import pathlib
+import shutil
+import socket
 import subprocess
 import sys
+import tempfile
 import time
 import urllib.request
 
 ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
-PORT = 9517
+with socket.create_server(("127.0.0.1", 0)) as free:  # another run may be speaking to its own browser
+    PORT = free.getsockname()[1]
 
 
 class Browser:
@@ -131,8 +135,15 @@ def test_phone_and_dark(browser, url, folder):
 
 
 def main():
-    program, folder = sys.argv[1], pathlib.Path(sys.argv[2])
-    folder.mkdir(parents=True, exist_ok=True)
+    program, kept = sys.argv[1], pathlib.Path(sys.argv[2])
+    with tempfile.TemporaryDirectory() as own:
+        run(program, pathlib.Path(own))
+        kept.mkdir(parents=True, exist_ok=True)
+        for made in pathlib.Path(own).iterdir():
+            shutil.copy(made, kept)
+
+
+def run(program, folder):
     page = folder / "rulebook.html"
     subprocess.run([program, "html", str(page)], check=True)
     book = json.loads(subprocess.run([program, "json"], check=True, capture_output=True).stdout)

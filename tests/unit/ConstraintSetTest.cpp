@@ -118,7 +118,11 @@ TEST(ConstraintSet, TakesItsSentenceFromTheHostsCatalogue) {
     const Translation translation(
         {{"Parameter %1 must be one of the following values: %2", "%2: nur das für %1 (%1)"}});
     EXPECT_EQ(SetOf<long long>({1, 2})->Description("x"), "1 2 : nur das für x (x)");
-    EXPECT_EQ(Core::GetLocalizationManagerForDomain("core").manager.Translate("", "core"), "");
+    const auto localization = Core::GetLocalizationManagerForDomain(DATAHELPERS_MESSAGE_DOMAIN);
+    const std::string text = "Parameter %1 must be one of the following values: %2";
+    for (const std::string& whole : {std::string(), text + '\0' + "x"}) {
+        EXPECT_EQ(localization.manager.Translate(whole, localization.domain), whole);
+    }
 }
 
 }  // namespace

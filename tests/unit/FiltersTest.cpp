@@ -214,6 +214,13 @@ TEST(Resizer, RefusesSettingsThatNameNothing) {
     EXPECT_EQ(
         TagOf<TagDetails>(CatchFrom<Proc::SettingsException>([&] { Proc::IFilterResize::Property2Settings(tree); })),
         "magic");
+    for (const int number : {-1, 6}) {
+        SettingsResizer settings;
+        settings.mode = static_cast<SettingsResizer::CustomModes>(number);
+        EXPECT_EQ(TagOf<TagDetails>(
+                      CatchFrom<Proc::SettingsException>([&] { Proc::IFilterResize::Settings2Property(settings); })),
+                  std::to_string(number));
+    }
     const Property whole = Proc::IFilterResize::Settings2Property({});
     for (const Property& child : whole["resize"]) {
         Property broken = whole;

@@ -64,7 +64,7 @@ constexpr Name resizeMethods[] = {
 }  // namespace
 
 SP<IDataHelper> DataHelperVideoResample::Create() {
-    return SP<IDataHelper>(new DataHelperVideoResample);
+    return Keeping(new DataHelperVideoResample);
 }
 
 Core::Property DataHelperVideoResample::GetDefaults() const {
@@ -81,7 +81,7 @@ void DataHelperVideoResample::ApplyPresetSettings(const Core::Property& preset, 
 }
 
 SP<IDataHelper> DataHelperVideoResize::Create() {
-    return SP<IDataHelper>(new DataHelperVideoResize);
+    return Keeping(new DataHelperVideoResize);
 }
 
 Core::Property DataHelperVideoResize::GetDefaults() const {

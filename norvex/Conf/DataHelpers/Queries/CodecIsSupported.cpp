@@ -2,7 +2,6 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 #include <libavutil/pixfmt.h>
 }
 
@@ -10,6 +9,7 @@ extern "C" {
 #include <string>
 #include <vector>
 
+#include "norvex/Conf/DataHelpers/Queries/Muxers.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/LayoutRecord.h"
@@ -191,7 +191,7 @@ bool IsSupportedByTags(const AVOutputFormat& muxer, const Stream& stream) {
 
 bool CodecIsSupported(const SP<const IFormatFile>& format, const SP<const IFormatCodec>& codec) {
     const std::string name = MuxerName(format->GetProperty()[F::TAG_CONTAINER].GetString());
-    const AVOutputFormat* const muxer = av_guess_format(name.c_str(), nullptr, nullptr);
+    const AVOutputFormat* const muxer = FindMuxer(name);
     if (muxer == nullptr) return false;
 
     const Core::Property& settings = codec->GetProperty();

@@ -2,12 +2,12 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 }
 
 #include <algorithm>
 
 #include "norvex/Conf/DataHelpers/Lookup/DataHelpers.h"
+#include "norvex/Conf/DataHelpers/Queries/Muxers.h"
 #include "norvex/interfaces/Conf/IPreset.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
 
@@ -62,7 +62,7 @@ std::vector<std::string> GetSupportedCodecs(AVMediaType type, const std::string&
                                             const std::vector<std::string>& fallback,
                                             const std::vector<std::string>& exclusions) {
     if (g_encoders.empty()) return fallback;
-    const AVOutputFormat* const muxer = av_guess_format(format.c_str(), nullptr, nullptr);
+    const AVOutputFormat* const muxer = FindMuxer(format);
     if (muxer == nullptr) return fallback;
 
     std::vector<std::string> names = AskFFmpeg(muxer, type);

@@ -20,7 +20,7 @@ const SizeConstraints::SizeList sizes_dv = {{720, 480}, {720, 576}};
 DataHelperVideoCodecDV::DataHelperVideoCodecDV() : VideoCodecHelper(V::CODEC_ID_DVVIDEO) {}
 
 SP<IDataHelper> DataHelperVideoCodecDV::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecDV);
+    return Keeping(new DataHelperVideoCodecDV);
 }
 
 Core::Property DataHelperVideoCodecDV::GetDefaults() const {

@@ -1,9 +1,9 @@
 // Preset documents: of any text, and of any tree.
 
 #include "Input.h"
-#include "common/PresetJson.h"
+#include "norvex/document/PresetDocument.h"
 
-using namespace NorvexApps;
+using namespace Norvex::Document;
 using Norvex::Core::Property;
 using NorvexFuzz::Input;
 using NorvexFuzz::Require;
@@ -15,10 +15,11 @@ void RoundTrip(const Property& preset) {
     std::string text;
     try {
         text = WritePreset(preset);
-    } catch (const PresetError&) {
+    } catch (const DocumentException&) {
         return;  // too deep
     }
-    Require(Same(ReadPreset(text).preset, preset), "what was written is read again");
+    if (text.size() > g_largestPreset) return;
+    Require(Same(ParsePreset(text).preset, preset), "what was written is read again");
 }
 
 }  // namespace
@@ -32,11 +33,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     try {
         const std::string text(data + (size > 0 ? 1 : 0), data + size);
-        const PresetDocument document = ReadPreset(text);
+        PresetDocument document = ParsePreset(text);
         RoundTrip(document.preset);
-        (void)ToJson(document.preset);
-        RequireKnownNames(document);
-    } catch (const PresetError&) {
+        (void)WriteJson(PlainFormOf(document.preset));
+        InterpretPreset(document, Foreign::Left);
+        RoundTrip(document.preset);
+        const Property interpreted = document.preset;
+        InterpretPreset(document, Foreign::Left);
+        Require(Same(document.preset, interpreted), "what has its meaning keeps it");
+        InterpretPreset(document);
+    } catch (const DocumentException&) {
     }
     return 0;
 }
