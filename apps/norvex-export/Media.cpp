@@ -155,48 +155,8 @@ std::string WhyNotWritable(Input& input, const ExportJob& job) {
     }
 }
 
-}  // namespace
-
-InputInfo Probe(const std::string& path) {
-    const Input input(path);
-    InputInfo info;
-    info.path = path;
-    info.container = input.Container();
-    info.duration = input.Duration();
-    DescribeStreams(input, info);
-    const auto isDecodable = [](const StreamSource& stream) { return stream.isDecodable; };
-    const auto hasAny = [&](const auto& list) { return std::any_of(list.begin(), list.end(), isDecodable); };
-    if (!hasAny(info.video) && !hasAny(info.audio) && !hasAny(info.subtitles)) {
-        throw MediaError("cannot open " + input.QuotedName() + ": it holds neither pictures nor sound nor subtitles");
-    }
-    return info;
-}
-
-std::vector<UnwritableCopy> FindUnwritableCopies(const ExportJob& job) {
+ExportResult RunPasses(const ExportJob& job, const PendingFile& file, const ProgressMeter::Callback& onProgress) {
     Input input(job.inputPath);
-    if (job.copies.empty() || WhyNotWritable(input, job).empty()) return {};
-    ExportJob part = job;
-    part.copies.clear();
-    const bool hasOthers = !part.video.empty() || !part.audio.empty() || !part.subtitles.empty();
-    if (hasOthers && !WhyNotWritable(input, part).empty()) return {};
-    std::vector<UnwritableCopy> unwritable;
-    for (const int index : job.copies) {
-        part.copies.push_back(index);
-        std::string reason = WhyNotWritable(input, part);
-        if (reason.empty()) continue;
-        unwritable.push_back({index, std::move(reason)});
-        part.copies.pop_back();
-    }
-    return unwritable;
-}
-
-ExportResult RunExport(const ExportJob& job, const std::function<void(const Progress&)>& onProgress) {
-    const auto begin = std::chrono::steady_clock::now();
-    RequireComplete(job);
-    Input input(job.inputPath);
-    RequireWritable(job.outputPath, {{job.inputPath, "the input"}});
-    PendingFile file(job.outputPath);
-
     PassRecords records;
     for (const VideoJob& video : job.video) {
         if (MakesTwoPasses(video)) records[video.streamIndex];
@@ -214,9 +174,91 @@ ExportResult RunExport(const ExportJob& job, const std::function<void(const Prog
     }
     result.bytes = file.Size();
     progress.Finish();
-    file.Commit();
-    result.elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     return result;
+}
+
+/// Takes a stream of the input out of the job.
+void Drop(ExportJob& job, int streamIndex) {
+    const auto drop = [streamIndex](auto& streams, const auto& indexOf) {
+        streams.erase(std::remove_if(streams.begin(), streams.end(),
+                                     [&](const auto& stream) { return indexOf(stream) == streamIndex; }),
+                      streams.end());
+    };
+    const auto indexOf = [](const auto& stream) { return stream.streamIndex; };
+    drop(job.video, indexOf);
+    drop(job.audio, indexOf);
+    drop(job.subtitles, indexOf);
+    drop(job.copies, [](int index) { return index; });
+}
+
+/// Whether the job makes more than covers and attachments.
+bool HasContent(const ExportJob& job) {
+    const Input input(job.inputPath);
+    const auto isContent = [&input](int index) {
+        const AVStream& stream = input.Stream(index);
+        const AVMediaType type = stream.codecpar->codec_type;
+        return !IsAttachedPicture(stream) &&
+               (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO || type == AVMEDIA_TYPE_SUBTITLE);
+    };
+    return !job.video.empty() || !job.audio.empty() || !job.subtitles.empty() ||
+           std::any_of(job.copies.begin(), job.copies.end(), isContent);
+}
+
+}  // namespace
+
+InputInfo Probe(const std::string& path) {
+    const Input input(path);
+    InputInfo info;
+    info.path = path;
+    info.container = input.Container();
+    info.duration = input.Duration();
+    DescribeStreams(input, info);
+    const auto isDecodable = [](const StreamSource& stream) { return stream.isDecodable; };
+    const auto hasAny = [&](const auto& list) { return std::any_of(list.begin(), list.end(), isDecodable); };
+    if (!hasAny(info.video) && !hasAny(info.audio) && !hasAny(info.subtitles)) {
+        throw MediaError("cannot open " + input.QuotedName() + ": it holds neither pictures nor sound nor subtitles");
+    }
+    return info;
+}
+
+std::vector<StreamFailure> FindUnwritableCopies(const ExportJob& job) {
+    Input input(job.inputPath);
+    if (job.copies.empty() || WhyNotWritable(input, job).empty()) return {};
+    ExportJob part = job;
+    part.copies.clear();
+    const bool hasOthers = !part.video.empty() || !part.audio.empty() || !part.subtitles.empty();
+    if (hasOthers && !WhyNotWritable(input, part).empty()) return {};
+    std::vector<StreamFailure> unwritable;
+    for (const int index : job.copies) {
+        part.copies.push_back(index);
+        std::string reason = WhyNotWritable(input, part);
+        if (reason.empty()) continue;
+        unwritable.push_back({index, std::move(reason)});
+        part.copies.pop_back();
+    }
+    return unwritable;
+}
+
+ExportResult RunExport(const ExportJob& job, const std::function<void(const Progress&)>& onProgress) {
+    const auto begin = std::chrono::steady_clock::now();
+    RequireComplete(job);
+    RequireWritable(job.outputPath, {{job.inputPath, "the input"}});
+    PendingFile file(job.outputPath);
+    ExportJob possible = job;
+    std::vector<StreamFailure> leftOut;
+    for (;;) {
+        try {
+            ExportResult result = RunPasses(possible, file, onProgress);
+            file.Commit();
+            result.leftOut = std::move(leftOut);
+            result.elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+            return result;
+        } catch (const StreamError& error) {
+            Drop(possible, error.StreamIndex());
+            if (!HasContent(possible)) throw;
+            leftOut.push_back({error.StreamIndex(), error.what()});
+        }
+    }
 }
 
 }  // namespace NorvexExport

@@ -174,13 +174,19 @@ struct Progress {
     std::uintmax_t bytes = 0;   ///< of the output so far
 };
 
+/// A stream of the input that could not be done, and why.
+struct StreamFailure {
+    int streamIndex = -1;
+    std::string reason;
+};
+
 /// Counts are of all streams of a kind.
 struct ExportResult {
     long long videoFrames = 0;
     long long audioSamples = 0;   ///< of one channel
     long long subtitles = 0;      ///< events of encoded subtitles
     long long copiedPackets = 0;  ///< of all streams that went over as they are
-    /// Bits per second of each video job, in the input's order, as its opened encoder has it; 0 for none.
+    /// Bits per second of each video job that was done, in the input's order, as its opened encoder has it; 0 for none.
     std::vector<long long> videoBitrates;
     std::vector<long long> audioBitrates;  ///< the same of each audio job
     double duration = 0;                   ///< seconds, of the longest stream
@@ -188,20 +194,16 @@ struct ExportResult {
     long long jumps = 0;                   ///< of the input's time, that were closed
     long long damagedStamps = 0;           ///< of packets of the input, that were made up for
     double elapsed = 0;                    ///< seconds that it took
+    /// What the output lacks of the job, as nothing could be made of it.
+    std::vector<StreamFailure> leftOut;
 };
 
 /// Reads what `path` holds. Throws MediaError for a file that is missing, unreadable or no media.
 InputInfo Probe(const std::string& path);
 
-/// A stream that the container does not take as it is.
-struct UnwritableCopy {
-    int streamIndex = -1;
-    std::string reason;  ///< FFmpeg's
-};
-
 /// Tries to begin the output, without writing anything, and tells which of the job's copies stand in the way. A job
 /// that cannot begin without its copies gives none: to export it tells why.
-std::vector<UnwritableCopy> FindUnwritableCopies(const ExportJob& job);
+std::vector<StreamFailure> FindUnwritableCopies(const ExportJob& job);
 
 /// A file that is in use already.
 struct TakenFile {
@@ -223,7 +225,9 @@ void RequireWritable(const std::string& path, const std::vector<TakenFile>& take
 /// `onProgress` may be empty. It is called from the calling thread, some ten times per second and once more when
 /// all is done but for the output's name. What it throws ends the export as a failure does, and is passed on.
 ///
-/// Throws MediaError, also where an encoder does not know an option, where nothing of a stream can be decoded, or
+/// A stream that cannot be decoded, or that holds nothing to copy, is left out, and the export begins anew without it.
+///
+/// Throws MediaError, also where an encoder does not know an option, where nothing of any stream can be decoded, or
 /// where a stream that is to go over as it is does not say when its pictures are shown.
 ExportResult RunExport(const ExportJob& job, const std::function<void(const Progress&)>& onProgress);
 

@@ -72,11 +72,11 @@ void RequireFittingNumbers(const Draft& draft) {
             if (isOfKind(s)) fitting.push_back(s.streamIndex);
         }
         throw RequestError(choice.option + ": stream " + std::to_string(*choice.stream) + " is no " + NameOf(kind) +
-                           " that goes over" + (fitting.empty() ? "" : "; there is " + StreamsText(fitting)));
+                           " that goes over" + (fitting.empty() ? "" : "; take " + StreamsText(fitting)));
     }
 }
 
-Plan PlanFor(const Request& request, const InputInfo& input, const std::vector<UnwritableCopy>& unwritable) {
+Plan PlanFor(const Request& request, const InputInfo& input, const std::vector<StreamFailure>& unwritable) {
     Draft draft;
     Plan& plan = draft.plan;
     plan.request = request;
@@ -109,8 +109,8 @@ Plan PlanFor(const Request& request, const InputInfo& input, const std::vector<U
         throw RequestError("'" + request.input + "' has no stream that the format '" + plan.formatId + "' could hold");
     }
     if (input.chapters > 0 && !HoldsChapters(plan.formatId)) {
-        draft.Note("'" + plan.formatId + "' holds no chapters; " +
-                   (input.chapters == 1 ? "one is" : "all " + std::to_string(input.chapters) + " are") + " left out.");
+        draft.Note("'" + plan.formatId + "' holds no chapters; " + std::to_string(input.chapters) +
+                   (input.chapters == 1 ? " is" : " are") + " left out.");
     }
     RequireFittingNumbers(draft);
     std::sort(plan.streams.begin(), plan.streams.end(),
@@ -123,12 +123,12 @@ Plan PlanFor(const Request& request, const InputInfo& input, const std::vector<U
 
 Plan MakePlan(const Request& request, const InputInfo& input, const TryCopies& tryCopies) {
     try {
-        std::vector<UnwritableCopy> unwritable;
+        std::vector<StreamFailure> unwritable;
         for (;;) {
             Plan plan = PlanFor(request, input, unwritable);
             if (!tryCopies || plan.job.copies.empty()) return plan;
             // Each round carries over fewer streams than the one before it.
-            const std::vector<UnwritableCopy> more = tryCopies(plan.job);
+            const std::vector<StreamFailure> more = tryCopies(plan.job);
             if (more.empty()) return plan;
             unwritable.insert(unwritable.end(), more.begin(), more.end());
         }

@@ -53,7 +53,7 @@ void TakeCensus();
 void ChooseFromPreset(Request& request, const std::string& presetText);
 
 /// Tells which copies of a job FFmpeg cannot write: FindUnwritableCopies(), but for tests.
-using TryCopies = std::function<std::vector<UnwritableCopy>(const ExportJob&)>;
+using TryCopies = std::function<std::vector<StreamFailure>(const ExportJob&)>;
 
 /// Settles the request for this input. Throws RequestError.
 ///

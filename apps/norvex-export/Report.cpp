@@ -283,15 +283,15 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
                                {"message", change->broken ? change->broken->message : std::string()}});
         }
         Value json = {{"type", KindName(stream.kind)},
-                     {"index", stream.streamIndex},
-                     {"language", stream.language},
-                     {"title", stream.title},
-                     {"source", stream.source},
-                     {"copied", stream.isCopied},
-                     {"asked", PlainFormOf(stream.asked)},
-                     {"settled", PlainFormOf(stream.settled)},
-                     {"broken", broken},
-                     {"changes", changes}};
+                      {"index", stream.streamIndex},
+                      {"language", stream.language},
+                      {"title", stream.title},
+                      {"source", stream.source},
+                      {"copied", stream.isCopied},
+                      {"asked", PlainFormOf(stream.asked)},
+                      {"settled", PlainFormOf(stream.settled)},
+                      {"broken", broken},
+                      {"changes", changes}};
         if (plan.request.explain) {
             for (const Finding& finding : stream.lookedAt) json["lookedAt"].Append(FindingJson(finding));
         }
@@ -302,10 +302,14 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
                       {"streams", streams},          {"notes", Value::List(plan.notes.begin(), plan.notes.end())}};
     if (!plan.request.savePresetFile.empty()) document["savedPreset"] = plan.request.savePresetFile;
     if (result != nullptr) {
+        Value::List leftOut;
+        for (const StreamFailure& stream : result->leftOut) {
+            leftOut.push_back({{"index", stream.streamIndex}, {"reason", stream.reason}});
+        }
         document["result"] = {{"videoFrames", result->videoFrames}, {"audioSamples", result->audioSamples},
                               {"subtitles", result->subtitles},     {"copiedPackets", result->copiedPackets},
                               {"duration", result->duration},       {"bytes", result->bytes},
-                              {"elapsed", result->elapsed}};
+                              {"elapsed", result->elapsed},         {"leftOut", leftOut}};
     }
     // A file name need not be UTF-8; what is not is shown by the replacement character.
     return Norvex::Document::WriteJson(document) + '\n';

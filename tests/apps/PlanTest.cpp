@@ -302,15 +302,13 @@ TEST_F(PlanTest, TellsWhatIsCopiedLeftOutOrBroughtToAForm) {
         {PlanOf("mp4", rate, stored, true),
          "video: copied\naudio: aac\nSomething was asked of the sound of stream 1; it is encoded.\n"},
         {PlanOf("mp4", {}, film, true),
-         "video: copied\naudio: aac\nThe rule book does not let 'mp4' take the sound of stream 1 (wmav2) as it is; it "
-         "is "
-         "encoded.\n"},
+         "video: copied\naudio: aac\nThe rule book does not let 'mp4' take the sound of stream 1 (wmav2) as it is, "
+         "since FFmpeg has no tag for it there; it is encoded.\n"},
         {PlanOf("mp3", {}, cover), "cover: mjpeg\naudio: mp3\n"},
         {PlanOf("flac", {Codec("video", "png")}, film), "cover: png\naudio: flac\n"},
         {PlanOf("m4a", {}, cover, true),
-         "cover: mjpeg\naudio: aac\nThe rule book does not let 'm4a' take the sound of stream 1 (wmav2) as it is; it "
-         "is "
-         "encoded.\n"},
+         "cover: mjpeg\naudio: aac\nThe rule book does not let 'm4a' take the sound of stream 1 (wmav2) as it is, "
+         "since FFmpeg has no tag for it there; it is encoded.\n"},
         {PlanOf("mp3", {}, film),
          "audio: mp3\n'mp3' holds sound, and takes a picture for its cover where --video is given; stream 0 is left "
          "out.\n"},

@@ -595,4 +595,23 @@ TEST(CorrectionReport, LeavesTheTreeAsWithoutIt) {
     EXPECT_GT(outcomes["failed"], 100);
 }
 
+TEST(FitInto, SaysNoCodecWhereOnlyTheRunningBuildCouldTell) {
+    const auto sound = FormatCodecAudio::Create(
+        Node("stream", {Property("codec_id", "flac"), Property("sample_rate", 96000)}), nullptr);
+    const auto subtitles = FormatCodecSubtitle::Create(Node("stream", {Property("codec_id", "subrip")}));
+    const Translation translation({{"FFmpeg carries %1 in %2, but the rule book refuses it: %3", "%3! %1, %2?"},
+                                   {"FFmpeg's table of tags for %2 has none for it", "no %2 tag"}});
+    std::string told;
+    for (const StreamFit& fit : FitInto("matroska", {sound, subtitles, sound}).streams) {
+        EXPECT_EQ(fit.encodedTo + std::to_string(fit.changes.size()), "0");
+        told += fit.isEncoded ? "encoded, " : "not encoded, ";
+        told += fit.reason + '\n';
+    }
+    EXPECT_EQ(told,
+              "not encoded, matroska takes flac as it is\nencoded, no matroska tag! subrip, matroska?\n"
+              "not encoded, matroska takes flac as it is\n");
+    const StreamFit mp3 = FitInto("mp3", {sound}).streams[0];
+    EXPECT_TRUE(mp3.isEncoded && mp3.encodedTo.empty() && mp3.answer == StreamFit::Answer::Encoded) << mp3.reason;
+}
+
 }  // namespace

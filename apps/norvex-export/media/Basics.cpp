@@ -34,6 +34,9 @@ void Fail(const std::string& what, const std::error_code& error) {
     throw MediaError(what + ": " + error.message());
 }
 
+StreamError::StreamError(const AVStream& stream, const std::string& what, int error)
+    : MediaError(error < 0 ? what + ": " + ReasonOf(error) : what), m_streamIndex(stream.index) {}
+
 int Check(int result, const char* what) {
     if (result < 0) Fail(what, result);
     return result;

@@ -32,6 +32,18 @@ std::string Quoted(std::string text);
 [[noreturn]] void Fail(const std::string& what, const std::error_code& error);
 int Check(int result, const char* what);
 
+/// Nothing can be made of one stream of the input. The others can do without it.
+class StreamError : public MediaError {
+public:
+    /// `error` is FFmpeg's, 0 where there is none.
+    StreamError(const AVStream& stream, const std::string& what, int error = 0);
+
+    int StreamIndex() const { return m_streamIndex; }
+
+private:
+    int m_streamIndex;
+};
+
 /// The options that something was given, for the message that it failed with them; empty without options.
 std::string WithOptions(const Options& options);
 

@@ -90,8 +90,8 @@ public:
     void Finish() override {
         const bool isSteady = Type() == AVMEDIA_TYPE_VIDEO || Type() == AVMEDIA_TYPE_AUDIO;
         if (m_packets > 0 || !isSteady || m_isAttached || m_input.IsPart()) return;
-        throw MediaError("the stream " + std::to_string(m_stream.index) + " of " + m_input.QuotedName() +
-                         " holds nothing that can be copied");
+        throw StreamError(m_stream, "the stream " + std::to_string(m_stream.index) + " of " + m_input.QuotedName() +
+                                        " holds nothing that can be copied");
     }
 
 private:
@@ -155,7 +155,10 @@ private:
             packet.pts = packet.dts;
         }
         // Muxers would move all streams for an event that began before the film.
-        if (Type() == AVMEDIA_TYPE_SUBTITLE) packet.pts = packet.dts = std::max(packet.pts, start);
+        if (Type() != AVMEDIA_TYPE_SUBTITLE) return;
+        packet.pts = packet.dts = std::max(packet.pts, start);
+        if (packet.duration >= UINT32_MAX)
+            packet.duration = 0;  // FFmpeg's mark of an event that does not end by itself
     }
 
     /// Brings the times to the line and the time base of the output, and in order where they are not.

@@ -1,8 +1,10 @@
 #include "Muxing.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <new>
+#include <string_view>
 
 extern "C" {
 #include <libavutil/dict.h>
@@ -126,9 +128,9 @@ void Muxer::Begin() {
 }
 
 bool Muxer::PlacesStreams(const std::string& container) {
-    const AVOutputFormat* const format = av_guess_format(container.c_str(), nullptr, nullptr);
-    if (format == nullptr) return true;  // which Muxer's constructor tells
-    return (format->flags & AVFMT_VARIABLE_FPS) != 0 && (format->flags & AVFMT_NOTIMESTAMPS) == 0;
+    // FFmpeg's flag of a variable rate does not tell: versions differ about MP4.
+    constexpr std::array<std::string_view, 8> without = {"avi", "dv", "gxf", "mxf", "mxf_d10", "mxf_opatom", "ogg", "swf"};
+    return std::find(without.begin(), without.end(), container) == without.end();
 }
 
 void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase, std::int64_t begin) {

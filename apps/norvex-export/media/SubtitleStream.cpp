@@ -60,7 +60,8 @@ public:
         m_decoder.Decode(nullptr, [this](AVSubtitle& subtitle) { Encode(subtitle, AV_NOPTS_VALUE, 0); });
         // To hold no words is no fault of subtitles, unlike to hold none that can be read.
         if (m_events > 0 || m_decoder.LastError() >= 0) return;
-        Fail("nothing of the subtitle stream of " + m_input.QuotedName() + " could be decoded", m_decoder.LastError());
+        throw StreamError(m_stream, "nothing of the subtitle stream of " + m_input.QuotedName() + " could be decoded",
+                          m_decoder.LastError());
     }
 
 private:

@@ -89,9 +89,8 @@ void TranscodedStream::RequireFrames() const {
     if (m_decoder.HasDecoded()) return;
     const std::string what = "nothing of the " + std::string(av_get_media_type_string(m_stream.codecpar->codec_type)) +
                              " stream of " + m_input.QuotedName() + " could be decoded";
-    if (m_decoder.LastError() < 0) Fail(what, m_decoder.LastError());
     // A part of the input may lie where the stream pauses.
-    if (!m_input.IsPart()) throw MediaError(what);
+    if (m_decoder.LastError() < 0 || !m_input.IsPart()) throw StreamError(m_stream, what, m_decoder.LastError());
 }
 
 }  // namespace NorvexExport::Media

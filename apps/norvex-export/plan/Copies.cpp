@@ -63,7 +63,7 @@ bool KeepsPlace(const Draft& draft, const AudioSource& source) {
     return true;
 }
 
-const UnwritableCopy* FindUnwritable(const Draft& draft, const StreamSource& source) {
+const StreamFailure* FindUnwritable(const Draft& draft, const StreamSource& source) {
     const auto copy = std::find_if(draft.unwritable.begin(), draft.unwritable.end(),
                                    [&](const auto& c) { return c.streamIndex == source.streamIndex; });
     return copy != draft.unwritable.end() ? &*copy : nullptr;
@@ -103,7 +103,7 @@ std::string WhyNotAsItIs(const Draft& draft, const Source& source, const std::st
         return "the rule book does not let '" + formatId + "' take " + what + " as it is" + ReasonOfTags(draft, source);
     }
     if (!KeepsPlace(draft, source)) return "'" + formatId + "' does not keep which way up " + name + " is shown";
-    if (const UnwritableCopy* const copy = FindUnwritable(draft, source)) {
+    if (const StreamFailure* const copy = FindUnwritable(draft, source)) {
         return "FFmpeg does not write " + what + " to '" + formatId + "' as it is: " + copy->reason;
     }
     return {};

@@ -14,7 +14,7 @@ struct Draft {
     Plan plan;
     Norvex::Conf::NamedHelper format;
     Norvex::Core::Property formatTree;
-    std::vector<UnwritableCopy> unwritable;  ///< what an earlier draft would have carried over
+    std::vector<StreamFailure> unwritable;  ///< what an earlier draft would have carried over
 
     /// How many streams of a kind the container may hold, by the tag of the limit.
     int LimitOf(const std::string& tag) const;

@@ -62,6 +62,7 @@ public:
         selection.attachments = Wanted(input.attachments, true);
         selection.data = Wanted(input.data, true);
         RequireAllChosen();
+        LeaveOutUnwanted();
         LimitPictures(selection);
         LimitSounds(selection.sounds);
         if (!HoldsAttachments(m_draft.plan.formatId)) LeaveOut(selection.attachments, "no attachments");
@@ -79,8 +80,6 @@ private:
     template <class Source>
     std::vector<const Source*> Wanted(const std::vector<Source>& sources, bool isKindWanted) {
         std::vector<const Source*> wanted;
-        std::vector<const Source*> elsewhere;
-        std::vector<const Source*> broken;
         for (const Source& source : sources) {
             bool isWanted = m_request.streams.empty();
             for (const StreamChoice& choice : m_request.streams) {
@@ -94,11 +93,19 @@ private:
             const StreamKind kind = KindOf(source);
             const bool mustDecode = !m_request.copy && (kind == StreamKind::Video || kind == StreamKind::Audio);
             const bool isBroken = mustDecode && !source.isDecodable;
-            (isElsewhere ? elsewhere : isBroken ? broken : wanted).push_back(&source);
+            if (isElsewhere || isBroken) {
+                (isElsewhere ? m_elsewhere : m_broken).push_back(source.streamIndex);
+            } else {
+                wanted.push_back(&source);
+            }
         }
-        m_draft.LeaveOut(elsewhere, "only one programme of the input is taken where --streams says nothing else");
-        m_draft.LeaveOut(broken, "this build of FFmpeg cannot decode everything");
         return wanted;
+    }
+
+    void LeaveOutUnwanted() {
+        for (std::vector<int>* const streams : {&m_elsewhere, &m_broken}) std::sort(streams->begin(), streams->end());
+        m_draft.LeaveOut(m_elsewhere, "only one programme of the input is taken where --streams says nothing else");
+        m_draft.LeaveOut(m_broken, "this build of FFmpeg cannot decode everything");
     }
 
     void RequireAllChosen() const {
@@ -209,6 +216,8 @@ private:
     std::string m_format;
     int m_others;  ///< how many covers, attachments and streams of data may still go
     std::vector<const StreamChoice*> m_chosen;
+    std::vector<int> m_elsewhere;  ///< of other programmes
+    std::vector<int> m_broken;     ///< that cannot be decoded
 };
 
 }  // namespace
