@@ -189,8 +189,8 @@ private:
     bool m_isAttached;                       // becomes a file inside the file
     std::unique_ptr<PacketFilter> m_filter;  // null where the packets go over as they are
     int m_outputIndex;
-    std::int64_t m_nextTime = 0;  // in the time base of the source
-    std::int64_t m_end = 0;       // in the film, in AV_TIME_BASE units
+    std::int64_t m_nextTime = 0;                 // in the time base of the source
+    std::int64_t m_end = 0;                      // in the film, in AV_TIME_BASE units
     std::int64_t m_sampleTime = AV_NOPTS_VALUE;  // what av_rescale_delta remembers
     std::int64_t m_lastTime = 0;                 // of decoding, in the time base of the output
     long long m_packets = 0;

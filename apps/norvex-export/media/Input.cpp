@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string_view>
+#include <utility>
 
 extern "C" {
 #include <libavutil/avutil.h>
@@ -196,7 +198,8 @@ std::int64_t Input::StartTime() const {
     for (int index = 0; index < static_cast<int>(m_context->nb_streams); ++index) {
         const AVStream& stream = *m_context->streams[index];
         if (!IsTimed(stream) || stream.start_time == AV_NOPTS_VALUE) continue;
-        const std::int64_t start = av_rescale_q(stream.start_time, stream.time_base, av_get_time_base_q());
+        const std::int64_t start =
+            av_rescale_q(stream.start_time, stream.time_base, av_get_time_base_q()) + m_timeLine.FirstMoved(stream);
         const auto take = [&](std::int64_t& earliest) {
             earliest = earliest == AV_NOPTS_VALUE ? start : std::min(earliest, start);
         };
@@ -214,10 +217,11 @@ AVRational Input::FrameRate(const AVStream& stream) const {
 }
 
 void Input::Begin(const Span& span, int copied) {
+    m_timeLine.Expect(StatedEnd());
+    ReadBeginnings();
     const std::int64_t start = StartTime();
     m_isPart = span.begin > 0 || span.end != Span::endless;
     m_zero = start + span.begin;
-    m_timeLine.Expect(StatedEnd());
     if (span.begin > 0) {
         // Where stamps may jump, none of them tells where to go.
         if ((m_context->iformat->flags & AVFMT_TS_DISCONT) == 0) Seek(m_zero - preroll);
@@ -260,7 +264,7 @@ bool Input::ReadPlaced(AVPacket& packet) {
         m_ahead.pop_front();
     }
     const AVStream& stream = Stream(packet.stream_index);
-    m_timeLine.Place(packet, stream, [&] { return PeekStamp(stream); });
+    m_timeLine.Place(packet, stream, [&] { return PeekAhead(stream); });
     return true;
 }
 
@@ -280,22 +284,35 @@ bool Input::ReadStamped(AVPacket& packet) {
     return false;
 }
 
-std::optional<std::int64_t> Input::PeekStamp(const AVStream& stream) {
-    constexpr std::size_t most = 1000;
-    const auto stampOf = [&](const AVPacket& packet) {
-        return packet.stream_index == stream.index ? TimeLine::StampOf(packet, stream) : std::nullopt;
+std::vector<TimeLine::Coming> Input::PeekAhead(const AVStream& stream) {
+    constexpr std::size_t most = 500;
+    std::vector<TimeLine::Coming> coming;
+    const auto take = [&](const AVPacket& packet) {
+        if (packet.stream_index != stream.index) return;
+        const std::int64_t duration = std::max<std::int64_t>(packet.duration, 0);
+        coming.push_back(
+            {TimeLine::StampOf(packet, stream), av_rescale_q(duration, stream.time_base, av_get_time_base_q())});
     };
-    for (const Owned<AVPacket>& packet : m_ahead) {
-        if (const auto stamp = stampOf(*packet)) return stamp;
+    for (auto packet = m_ahead.begin(); packet != m_ahead.end() && coming.size() < TimeLine::peeked; ++packet) {
+        take(**packet);
     }
-    while (m_ahead.size() < most) {
+    while (m_ahead.size() < most && coming.size() < TimeLine::peeked) {
         Owned<AVPacket> packet = Own(av_packet_alloc());
         if (!ReadStamped(*packet)) break;
-        const auto stamp = stampOf(*packet);
+        take(*packet);
         m_ahead.push_back(std::move(packet));
-        if (stamp) return stamp;
     }
-    return std::nullopt;
+    return coming;
+}
+
+void Input::ReadBeginnings() {
+    constexpr std::size_t most = 100;
+    const auto hasBegun = [this](int index) { return !IsTimed(Stream(index)) || m_timeLine.HasBegun(Stream(index)); };
+    while (m_placed.size() < most && !std::all_of(m_selected.begin(), m_selected.end(), hasBegun)) {
+        Owned<AVPacket> packet = Own(av_packet_alloc());
+        if (!ReadPlaced(*packet)) return;
+        m_placed.push_back(std::move(packet));
+    }
 }
 
 std::int64_t Input::StatedEnd() const {
@@ -313,8 +330,12 @@ bool Input::IsSelected(int index) const {
 }
 
 void Input::Seek(std::int64_t time) {
-    if (av_seek_frame(m_context.get(), -1, time, AVSEEK_FLAG_BACKWARD) >= 0) return;
-    // All is read then, and what lies before the film left out.
+    // Where that fails all is read, and what lies before the film left out.
+    if (av_seek_frame(m_context.get(), -1, time, AVSEEK_FLAG_BACKWARD) < 0) return;
+    m_ahead.clear();
+    m_placed.clear();
+    m_timeLine = TimeLine();
+    m_timeLine.Expect(StatedEnd());
 }
 
 void Input::ReadUpTo(std::int64_t time, int copied) {
@@ -350,11 +371,17 @@ void Input::ReadUpTo(std::int64_t time, int copied) {
         }
         m_placed = std::move(needed);
     };
+    // What was read to see the beginnings comes again.
+    std::deque<Owned<AVPacket>> again = std::exchange(m_placed, {});
     std::size_t many = 1000;
     bool isThere = false;
     while (!isThere) {
         Owned<AVPacket> packet = Own(av_packet_alloc());
-        if (!ReadPlaced(*packet)) throw MediaError(m_name + " ends before what is wanted of it begins");
+        if (!again.empty()) {
+            packet = std::move(again.front());
+            again.pop_front();
+        } else if (!ReadPlaced(*packet))
+            throw MediaError(m_name + " ends before what is wanted of it begins");
         const AVStream& stream = Stream(packet->stream_index);
         const auto stamp = TimeLine::StampOf(*packet, stream);
         const std::int64_t duration = av_rescale_q(packet->duration, stream.time_base, av_get_time_base_q());
@@ -368,6 +395,7 @@ void Input::ReadUpTo(std::int64_t time, int copied) {
         leaveOut();
         many = 2 * m_placed.size() + 1000;
     }
+    std::move(again.begin(), again.end(), std::back_inserter(m_placed));
     leaveOut();
     if (!isOfPictures) return;
     // The picture that is shown then begins the film, or the one that the stream can be decoded from.

@@ -57,9 +57,9 @@ public:
 
     AVRational FrameRate(const AVStream& stream) const;
 
-    /// Goes to the beginning of the film, once all its streams are selected. That is the picture that is shown then, and
-    /// where pictures of a stream go over as they are (`copied`, else -1), the last of its key pictures before. Throws
-    /// MediaError where the input ends before it.
+    /// Goes to the beginning of the film, once all its streams are selected. That is the picture that is shown then,
+    /// and where pictures of a stream go over as they are (`copied`, else -1), the last of its key pictures before.
+    /// Throws MediaError where the input ends before it.
     void Begin(const Span& span, int copied);
 
     /// Lets the film begin that much before its first packet, in AV_TIME_BASE units.
@@ -100,7 +100,8 @@ private:
     /// Takes what was read ahead first.
     bool ReadPlaced(AVPacket& packet);
     bool ReadStamped(AVPacket& packet);
-    std::optional<std::int64_t> PeekStamp(const AVStream& stream);
+    std::vector<TimeLine::Coming> PeekAhead(const AVStream& stream);
+    void ReadBeginnings();
     void Seek(std::int64_t time);
     void ReadUpTo(std::int64_t time, int copied);
 

@@ -97,19 +97,58 @@ bool TimeLine::Fits(const Clock& clock, std::int64_t time) const {
     return isStated || time <= *m_farthest + longestGap;
 }
 
+const TimeLine::Clock* TimeLine::FindClock(const AVStream& stream) const {
+    const auto index = static_cast<std::size_t>(stream.index);
+    return index < m_clocks.size() ? &m_clocks[index] : nullptr;
+}
+
+std::int64_t TimeLine::FirstMoved(const AVStream& stream) const {
+    const Clock* const clock = FindClock(stream);
+    return clock != nullptr ? clock->firstMoved : 0;
+}
+
+bool TimeLine::HasBegun(const AVStream& stream) const {
+    const Clock* const clock = FindClock(stream);
+    return clock != nullptr && clock->hasBegun;
+}
+
+bool TimeLine::ComesBack(const Clock& clock, std::int64_t stamp, std::int64_t duration,
+                         const std::vector<Coming>& coming) {
+    bool hasFallen = stamp + clock.offset < clock.last - slack;
+    std::int64_t before = stamp;
+    std::int64_t expected = clock.next + duration;
+    for (const Coming& packet : coming) {
+        if (packet.stamp) {
+            hasFallen = hasFallen || *packet.stamp < before - slack / 2;
+            if (hasFallen && std::abs(*packet.stamp + clock.offset - expected) <= slack) return true;
+            before = *packet.stamp;
+        }
+        expected += packet.duration;
+    }
+    return false;
+}
+
+std::optional<std::int64_t> TimeLine::TrueBeginning(std::int64_t stamp, std::int64_t duration,
+                                                    const std::vector<Coming>& coming) const {
+    std::int64_t before = stamp;
+    std::int64_t passed = duration;
+    for (const Coming& packet : coming) {
+        if (packet.stamp) {
+            const bool isGap = m_statedEnd == AV_NOPTS_VALUE && *packet.stamp > before + longestGap;
+            if (isGap || *packet.stamp < before - slack / 2) return *packet.stamp - passed;
+            before = *packet.stamp;
+        }
+        passed += packet.duration;
+    }
+    return std::nullopt;
+}
+
 bool TimeLine::Adjust(Clock& clock, std::int64_t stamp, std::int64_t duration, const Peek& peek) {
     const auto misses = [&](std::int64_t offset) { return std::abs(stamp + offset - clock.next); };
     const bool fits = Fits(clock, stamp + clock.offset);
-    if (!clock.hasBegun && fits) return true;
-    const std::optional<std::int64_t> following = peek();
-    if (clock.hasBegun && following) {
-        const std::int64_t time = stamp + clock.offset;
-        const std::int64_t nextTime = *following + clock.offset;
-        const bool goesOn = nextTime >= clock.last - slack && nextTime <= clock.next + duration + longestGap;
-        const bool isBetween = time >= clock.last - slack && time <= nextTime + slack;
-        if (goesOn && !isBetween) return Refuse();
-    }
+    const std::vector<Coming> coming = peek();
     if (clock.hasBegun) {
+        if (ComesBack(clock, stamp, duration, coming)) return Refuse();
         // Where another stream has jumped already, this one jumps with it, as far as the ends of the two and their
         // beginnings lie apart.
         constexpr std::int64_t apart = std::int64_t{5} * AV_TIME_BASE;
@@ -120,15 +159,22 @@ bool TimeLine::Adjust(Clock& clock, std::int64_t stamp, std::int64_t duration, c
             clock.offset = *nearest;
             return true;
         }
+    } else if (const auto beginning = TrueBeginning(stamp, duration, coming)) {
+        clock.next = *beginning + clock.offset;
+        clock.firstMoved = clock.next - stamp;
+        return Refuse();
     }
     if (fits) return true;
-    const bool isBorneOut = following && *following >= stamp - slack && *following <= stamp + longestGap;
+    const auto following = std::find_if(coming.begin(), coming.end(), [](const Coming& one) { return one.stamp; });
+    const bool isBorneOut =
+        following != coming.end() && *following->stamp >= stamp - slack && *following->stamp <= stamp + longestGap;
     if (!isBorneOut) {
         if (!clock.hasBegun) clock.next = *m_farthest;
         return Refuse();
     }
     ++m_jumps;
     clock.offset = *m_farthest - stamp;
+    if (!clock.hasBegun) clock.firstMoved = clock.offset;
     m_offsets.push_back(clock.offset);
     return true;
 }

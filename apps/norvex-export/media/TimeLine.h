@@ -21,16 +21,22 @@ bool IsTimed(const AVStream& stream);
 ///
 /// Time jumps where files were joined or a recorder began anew: backwards, or forwards by more than the longest gap.
 /// The packet then goes where the film has come to, and so do all that follow, each stream at the same distance from
-/// the others as before. A jump that the next packet of its stream does not bear out is damage: that packet takes the
-/// place after the one before it. A stream may pause for as long as another one goes on, and all may for as long as the
+/// the others as before. Stamps that those behind them in the stream do not bear out are damaged: their packets follow
+/// the ones before. A stream may pause for as long as another one goes on, and all may for as long as the
 /// input has said that it lasts.
 class TimeLine {
 public:
     /// In AV_TIME_BASE units, as all times here.
     static constexpr std::int64_t longestGap = std::int64_t{10} * AV_TIME_BASE;
 
-    /// The stamp of the next packet of the stream behind the one that is being placed; none where that is not known.
-    using Peek = std::function<std::optional<std::int64_t>()>;
+    /// A packet behind the one that is being placed.
+    struct Coming {
+        std::optional<std::int64_t> stamp;
+        std::int64_t duration = 0;
+    };
+    /// The next packets of a stream, as many as it takes to tell a jump from damage.
+    using Peek = std::function<std::vector<Coming>()>;
+    static constexpr std::size_t peeked = 32;
 
     /// When a packet is decoded, or none where it does not say.
     static std::optional<std::int64_t> StampOf(const AVPacket& packet, const AVStream& stream);
@@ -40,6 +46,10 @@ public:
 
     /// Moves the packet to its place. The packets of a stream are placed in their order.
     void Place(AVPacket& packet, const AVStream& stream, const Peek& peek);
+
+    /// How far the first stamp of a stream was from its place; 0 where it was true, or is not known yet.
+    std::int64_t FirstMoved(const AVStream& stream) const;
+    bool HasBegun(const AVStream& stream) const;
 
     long long Jumps() const { return m_jumps; }
     long long DamagedStamps() const { return m_damaged; }
@@ -51,13 +61,21 @@ private:
     struct Clock {
         std::int64_t offset = 0;  // from the stamps to the line
         bool hasBegun = false;
-        std::int64_t last = 0;  // on the line, as the next
-        std::int64_t next = 0;  // where the stream has come to
+        std::int64_t last = 0;   // on the line, as the next
+        std::int64_t next = 0;   // where the stream has come to
         std::int64_t delay = 0;  // from decoding to showing, of the last packet that tells it
         std::int64_t longestDelay = 0;
+        std::int64_t firstMoved = 0;
     };
 
     Clock& ClockOf(const AVStream& stream);
+    const Clock* FindClock(const AVStream& stream) const;
+    /// Whether the stream comes back to where it would be without this stamp.
+    static bool ComesBack(const Clock& clock, std::int64_t stamp, std::int64_t duration,
+                          const std::vector<Coming>& coming);
+    /// Where a stream begins whose first stamps do not go with those behind them; none where they do.
+    std::optional<std::int64_t> TrueBeginning(std::int64_t stamp, std::int64_t duration,
+                                              const std::vector<Coming>& coming) const;
     bool Fits(const Clock& clock, std::int64_t time) const;
     /// False where the stamp is damaged.
     bool Adjust(Clock& clock, std::int64_t stamp, std::int64_t duration, const Peek& peek);
@@ -66,9 +84,9 @@ private:
         return false;
     }
 
-    std::vector<Clock> m_clocks;                 // by the stream's index
-    std::vector<std::int64_t> m_offsets = {0};   // all so far, the last of which is that of the film
-    std::optional<std::int64_t> m_farthest;      // where the film has come to
+    std::vector<Clock> m_clocks;                // by the stream's index
+    std::vector<std::int64_t> m_offsets = {0};  // all so far, the last of which is that of the film
+    std::optional<std::int64_t> m_farthest;     // where the film has come to
     std::int64_t m_statedEnd = AV_NOPTS_VALUE;
     long long m_jumps = 0;
     long long m_damaged = 0;

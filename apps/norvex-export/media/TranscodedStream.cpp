@@ -80,9 +80,8 @@ void TranscodedStream::EncodeFiltered() {
 }
 
 void TranscodedStream::Encode(const AVFrame* frame) {
-    m_encoder.Encode(frame, [&](AVPacket& packet) {
-        m_muxer.Write(packet, m_outputIndex, m_encoder.Context().time_base, m_begin);
-    });
+    m_encoder.Encode(
+        frame, [&](AVPacket& packet) { m_muxer.Write(packet, m_outputIndex, m_encoder.Context().time_base, m_begin); });
 }
 
 void TranscodedStream::RequireFrames() const {
