@@ -35,7 +35,8 @@ private:
     }
 
     std::unique_ptr<FilterGraph> MakeGraph(AVBufferSrcParameters& source) const override {
-        const std::vector<FilterStep> steps = VideoSteps(m_job, source, EncoderContext(), !HasGraph());
+        const AVColorSpace matrix = SourceStream().codecpar->color_space;
+        const std::vector<FilterStep> steps = VideoSteps(m_job, source, matrix, EncoderContext(), !HasGraph());
         return std::make_unique<FilterGraph>(AVMEDIA_TYPE_VIDEO, source, steps);
     }
 

@@ -134,6 +134,13 @@ VideoSource Upright(VideoSource source) {
     return source;
 }
 
+void TellLosses(Draft& draft, const VideoJob& job, const VideoSource& source) {
+    const PixelFormat format = ChoosePixelFormat(job, source.pixelFormat);
+    if (format.losses.empty()) return;
+    draft.Note("The picture of stream " + std::to_string(source.streamIndex) + " loses " +
+               Join(format.losses, " and ") + ": '" + job.codecId + "' has it as " + format.name + " here.");
+}
+
 /// A picture, or a cover by the rule book, that does not go over as it is.
 void EncodePicture(Draft& draft, const VideoSource& stored, const Request& own, bool isCover) {
     const std::string& kind = P::KEY_FILTER_VIDEO_CODEC;
@@ -162,7 +169,8 @@ void EncodePicture(Draft& draft, const VideoSource& stored, const Request& own, 
     VideoJob job = MakeVideoJob(settled.settled, source, resize);
     job.isCover = isCover;
     job.isStill = IsStill(draft.plan.formatId);
-    if (form != nullptr) job.pixelFormat = form->pixelFormat;
+    if (form != nullptr) job.pixelFormats = {form->pixelFormat};
+    TellLosses(draft, job, stored);
     draft.plan.job.video.push_back(std::move(job));
     draft.Add(std::move(settled), stored);
 }
