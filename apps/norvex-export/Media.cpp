@@ -90,6 +90,7 @@ void RequireComplete(const ExportJob& job) {
         if (!IsSingle(video) && !IsPositive(ToRational(video.frameRate)))
             throw MediaError("the frame rate must be above 0");
     }
+    if (job.span.begin < 0 || job.span.end <= job.span.begin) throw MediaError("the film must end after its beginning");
     for (const AudioJob& audio : job.audio) {
         if (audio.sampleRate <= 0) throw MediaError("the sample rate must be above 0");
     }
@@ -155,6 +156,15 @@ std::string WhyNotWritable(Input& input, const ExportJob& job) {
     }
 }
 
+/// Seconds, 0 where unknown.
+double DurationOf(const Span& span, const Input& input) {
+    const double whole = input.Duration() * AV_TIME_BASE;
+    const auto begin = static_cast<double>(span.begin);
+    if (span.end == Span::endless) return std::max(0.0, whole - begin) / AV_TIME_BASE;
+    const auto end = static_cast<double>(span.end);
+    return std::max(0.0, (whole > 0 ? std::min(whole, end) : end) - begin) / AV_TIME_BASE;
+}
+
 ExportResult RunPasses(const ExportJob& job, const PendingFile& file, const ProgressMeter::Callback& onProgress) {
     Input input(job.inputPath);
     PassRecords records;
@@ -165,7 +175,7 @@ ExportResult RunPasses(const ExportJob& job, const PendingFile& file, const Prog
     // Pictures alone are done long before the input ends.
     const bool isPicture = std::all_of(job.video.begin(), job.video.end(), IsSingle) && job.audio.empty() &&
                            job.subtitles.empty() && job.copies.empty();
-    ProgressMeter progress(onProgress, file, isPicture ? 0 : input.Duration(), passes);
+    ProgressMeter progress(onProgress, file, isPicture ? 0 : DurationOf(job.span, input), passes);
     if (passes == 2) RunFirstPass(job, records, progress);
     ExportResult result;
     {

@@ -227,7 +227,9 @@ void Input::Begin(const Span& span, int copied) {
         if ((m_context->iformat->flags & AVFMT_TS_DISCONT) == 0) Seek(m_zero - preroll);
         ReadUpTo(m_zero, copied);
     }
-    m_end = span.end == Span::endless ? span.end : start + span.end - m_zero;
+    // What goes over as it is begins earlier and ends where it was asked to; what is encoded lasts as long.
+    const std::int64_t earlier = copied >= 0 ? start + span.begin - m_zero : 0;
+    m_end = span.end == Span::endless ? span.end : span.end - span.begin + earlier;
 }
 
 void Input::Delay(std::int64_t time) {
