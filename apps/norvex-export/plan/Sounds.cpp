@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <string>
-#include <string_view>
 
 #include "Containers.h"
 #include "Copies.h"
@@ -64,14 +63,11 @@ bool HasSampleFormatRule(const IDataHelper& codec) {
 /// AAC has numbers for the layouts that its standard knows (ISO/IEC 14496-3, table 1.19), whose surround channels
 /// FFmpeg calls back ones. For side ones its encoder writes an element of its own, which many decoders refuse.
 void UseStandardLayout(Draft& draft, const AudioSource& source, AudioJob& job) {
-    constexpr std::string_view side = "(side)";
-    const std::string& layout = job.layout;
-    if (job.codecId != "aac" || layout.size() <= side.size()) return;
-    const std::size_t end = layout.size() - side.size();
-    if (layout.compare(end, side.size(), side) != 0) return;
-    const std::string standard = layout.substr(0, end);
+    const LayoutRecord* const usual = LayoutRecord::FindDefault(LayoutRecord::Find(job.layout).channels);
+    if (job.codecId != "aac" || usual == nullptr || *usual->name == job.layout) return;
+    const std::string& standard = *usual->name;
     draft.Note("The sound of stream " + std::to_string(source.streamIndex) + " is written as '" + standard +
-               "', the layout of AAC that players know, rather than as '" + layout + "'.");
+               "', the layout of AAC that players know, rather than as '" + job.layout + "'.");
     job.layout = standard;
 }
 
