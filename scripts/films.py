@@ -58,7 +58,7 @@ FILMS = [
     ("full range.mkv", [*PICTURE, "-pix_fmt", "yuvj420p", "-c:v", "mjpeg"], ["o.mp4", "o.jpg"]),
     ("ten bits of 4-2-2.mov", [*PICTURE, "-c:v", "prores_ks"], ["o.mp4", "o.mov --video prores", "o.mkv --video ffv1"]),
     ("alpha.mov", [*PICTURE, "-vf", "format=yuva444p10le", "-c:v", "prores_ks", "-profile:v", "4444"],
-     ["o.mp4", "o.mov --video prores --profile 4444", "o.webm", "o.png", "o.webp"]),
+     ["o.mp4", "o.mov --video prores", "o.webm", "o.png", "o.webp"]),
     ("animation.gif", PICTURE, ["o.mp4", "o.webm", "o.mov --video prores"]),
     ("gray.mkv", [*PICTURE, "-pix_fmt", "gray", "-c:v", "ffv1"], ["o.mp4", "o.mov --video prores", "o.webm", "o.jpg"]),
     ("RGB.mkv", [*PICTURE, "-pix_fmt", "gbrp", "-c:v", "ffv1"],

@@ -174,6 +174,18 @@ constexpr ProfileFormats g_profileFormats[] = {
     {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_444, "yuv444p10le"},
 };
 
+/// Still pictures without a place for the shape of pixels, tried with FFmpeg 5.1 by reading back what was written.
+const std::string* const g_unshaped[] = {
+    &F::FORMAT_BMP, &F::FORMAT_TARGA, &F::FORMAT_JPEG2000, &F::FORMAT_JPEGLS, &F::FORMAT_PPM,   &F::FORMAT_PGM,
+    &F::FORMAT_PBM, &F::FORMAT_PAM,   &F::FORMAT_SGI,      &F::FORMAT_XBM,    &F::FORMAT_XWD,   &F::FORMAT_PGMYUV,
+    &F::FORMAT_AVIF, &MF::FORMAT_WEBP, &MF::FORMAT_WEBP_ANIM, &MF::FORMAT_JPEGXL, &MF::FORMAT_QOI,
+};
+
+/// Codecs whose encoders code fields, or that lose nothing of any line.
+const std::string* const g_fieldCodecs[] = {
+    &V::CODEC_ID_H264, &V::CODEC_ID_MPEG2VIDEO, &MV::CODEC_ID_HUFFYUV, &V::CODEC_ID_UTVIDEO, &MV::CODEC_ID_FFV1,
+};
+
 struct SizeForm {
     const std::string* codec;
     int width;   ///< pixels
@@ -181,6 +193,11 @@ struct SizeForm {
     EncoderForm form;
 };
 // clang-format on
+
+template <std::size_t N>
+bool Holds(const std::string* const (&list)[N], const std::string& id) {
+    return std::any_of(std::begin(list), std::end(list), [&id](const std::string* known) { return *known == id; });
+}
 
 const Extras& ExtrasOf(const std::string& formatId) {
     static constexpr Extras none = {"", "", false, false, false};
@@ -219,6 +236,15 @@ bool HoldsCover(const std::string& formatId, const std::string& codecId) {
 
 bool HoldsOrientation(const std::string& formatId) {
     return ExtrasOf(formatId).orientation;
+}
+
+bool HoldsPixelShape(const std::string& formatId, const std::string& codecId) {
+    if (formatId == F::FORMAT_FLV) return codecId == V::CODEC_ID_H264;
+    return !Holds(g_unshaped, formatId);
+}
+
+bool HoldsFields(const std::string& codecId) {
+    return Holds(g_fieldCodecs, codecId);
 }
 
 std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::string& formatId) {

@@ -55,6 +55,12 @@ std::optional<std::pair<std::string, std::string>> ModeOptionOf(const std::strin
 /// FFmpeg's names of the pixel formats that a profile has; none where any will do that the encoder takes.
 std::vector<std::string> PixelFormatsOf(const std::string& codecId, const std::string& profile);
 
+/// Whether the shape of pixels that are not square is kept.
+bool HoldsPixelShape(const std::string& formatId, const std::string& codecId);
+
+/// Whether FFmpeg's encoder of the codec takes interlaced pictures as such.
+bool HoldsFields(const std::string& codecId);
+
 /// The greatest frame size within this one that the rules of a codec let pass, as far as they want whole steps of
 /// pixels.
 std::pair<long long, long long> FittingSize(const std::string& codecId, long long width, long long height);

@@ -55,6 +55,7 @@ struct VideoSource : StreamSource {
     int height = 0;                  ///< pixels
     Fraction sampleAspect;           ///< shape of one pixel, 1/1 where the input does not say
     Orientation orientation;         ///< of the stored picture
+    bool isInterlaced = false;       ///< its lines are of two moments
     Fraction frameRate;              ///< frames per second, 25/1 where the input does not say
     std::string pixelFormat;         ///< FFmpeg's name, empty where unknown
     bool isAttachedPicture = false;  ///< a cover picture: one frame
@@ -93,6 +94,13 @@ struct InputInfo {
 /// How a picture is brought to a size of another shape.
 enum class Fit { Stretch, Letterbox, Crop };
 
+/// What becomes of pictures whose lines are of two moments.
+enum class Fields {
+    Ignore,       ///< as if they were of one
+    Keep,         ///< they are coded as such, which takes an encoder that can, and the source's size
+    Deinterlace,  ///< whole pictures are made of them
+};
+
 /// How the encoder is told to spend bits.
 enum class RateControl {
     Bitrate,  ///< hold `bitrate`
@@ -112,6 +120,7 @@ struct VideoJob {
     /// Frames per second; frames are repeated or left out to meet it. A cover and a still picture need none.
     Fraction frameRate;
     Orientation orientation;  ///< how the source's picture is turned before anything else is done to it
+    Fields fields = Fields::Ignore;
     Fit fit = Fit::Stretch;
     std::string scaler;  ///< "neighbor", "fast_bilinear", "bilinear" or "bicubic", which is taken where it is empty
     RateControl rateControl = RateControl::Bitrate;

@@ -609,40 +609,6 @@ TEST_F(Media, FitsPicturesIntoOtherShapes) {
     }
 }
 
-TEST_F(Media, ChoosesThePixelFormat) {
-    const struct {
-        const char* source;
-        const char* codec;
-        std::vector<std::string> formats;  ///< of the profile
-        const char* expected;
-    } table[] = {
-        {"yuv444p", "h264", {"yuv420p"}, "yuv420p"},
-        {"yuv420p", "h264", {"yuv420p10le"}, "yuv420p10le"},
-        {"yuv422p10le", "h264", {"yuv422p", "yuv422p10le"}, "yuv422p10le"},
-        {"yuv420p", "h264", {"yuv422p", "yuv422p10le"}, "yuv422p"},
-        {"yuv422p", "h264", {}, "yuv422p"},
-        {"yuv420p", "hevc", {"yuv420p10le"}, "yuv420p10le"},
-        {"yuv444p", "mpeg4", {}, "yuv420p"},
-        {"rgb24", "mpeg4", {}, "yuv420p"},
-        {"rgb24", "png", {}, "rgb24"},
-        {"yuv422p", "ffv1", {}, "yuv422p"},
-        {"yuv420p", "mjpeg", {}, "yuvj420p"},
-        {"yuv422p", "mjpeg", {}, "yuvj422p"},
-    };
-    for (const auto& row : table) {
-        SCOPED_TRACE(std::string(row.source) + " to " + row.codec + " " + row.expected);
-        ClipSettings clip;
-        clip.frames = 3;
-        clip.soundSeconds = 0;
-        clip.pixelFormat = row.source;
-        ExportJob job = VideoJobFor(Clip(clip), row.codec, "matroska");
-        job.video.at(0).options.clear();
-        job.video.at(0).pixelFormats = row.formats;
-        RunExport(job, Ignore);
-        EXPECT_EQ(Probe(job.outputPath).video.at(0).pixelFormat, row.expected);
-    }
-}
-
 // -------------------------------------------------------------------------------------- pictures on their own
 
 TEST_F(Media, AStillPictureIsTheFirstFrame) {

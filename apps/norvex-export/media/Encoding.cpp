@@ -175,6 +175,10 @@ Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, b
     encoder->thread_count = job.threads;
     if (job.maxBFrames) encoder->max_b_frames = *job.maxBFrames;
     if (job.keyFrameInterval) encoder->gop_size = *job.keyFrameInterval;
+    if (job.fields == Fields::Keep) {
+        encoder->flags |= AV_CODEC_FLAG_INTERLACED_DCT | AV_CODEC_FLAG_INTERLACED_ME;
+        encoder->field_order = source.field_order;
+    }
     SetRateControl(*encoder, job.rateControl, job.bitrate, job.quality);
     BoundPeaks(*encoder, job);
     SetPass(*encoder, pass);

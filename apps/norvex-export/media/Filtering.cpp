@@ -153,7 +153,10 @@ std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParamet
     if (colours.from != nullptr) scale.options.emplace_back("in_color_matrix", colours.from);
     if (colours.to != nullptr) scale.options.emplace_back("out_color_matrix", colours.to);
 
+    if (job.fields == Fields::Keep) scale.options.emplace_back("interl", "1");
+
     std::vector<FilterStep> steps;
+    if (job.fields == Fields::Deinterlace) steps.push_back({"bwdif", {{"mode", "send_frame"}}});
     if (!IsSingle(job)) steps.push_back(rate);
     const std::vector<FilterStep> upright = UprightSteps(job.orientation);
     steps.insert(steps.end(), upright.begin(), upright.end());

@@ -96,7 +96,8 @@ std::vector<std::string> LossesBetween(const AVPixFmtDescriptor& source, const A
     const bool isColourless = target.nb_components < 3 && !has(target, AV_PIX_FMT_FLAG_PAL);
     if (!before.empty() && isColourless) losses.emplace_back("its colours");
     const int area = source.log2_chroma_w + source.log2_chroma_h, left = target.log2_chroma_w + target.log2_chroma_h;
-    if (!before.empty() && !isColourless && left > area) losses.push_back("its " + before + " to " + after);
+    if (!before.empty() && !isColourless && left > area)
+        losses.push_back("detail of its colours (" + before + " becomes " + after + ")");
     return losses;
 }
 
