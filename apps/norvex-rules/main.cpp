@@ -108,13 +108,11 @@ int main(int argc, char** argv) {
     page->add_option("FILE", file, "Where to write it (default: standard output)")->option_text(" ");
     page->callback([&] { Write(file, PageHtml(MakeBook())); });
 
-    app.footer(g_examples);
-
     try {
         app.parse(argc, argv);
         return status;
     } catch (const CLI::ParseError& error) {
-        return NorvexApps::ExitStatus(app, error);
+        return NorvexApps::ExitStatus(app, error, g_examples);
     } catch (const std::runtime_error& error) {
         std::fprintf(stderr, "norvex-rules: %s\n", error.what());
     } catch (const std::exception&) {
