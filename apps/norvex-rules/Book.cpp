@@ -104,6 +104,20 @@ Value CodecsJson(const std::string& kind) {
     return list;
 }
 
+/// Subtitle codecs have no helpers: there is nothing to set.
+Value SubtitleCodecsJson() {
+    Value::List list;
+    for (const std::string& id : NorvexApps::IdsOf(NorvexApps::Named::SubtitleCodec)) {
+        // Encoders go by the later name where FFmpeg has two.
+        const std::string name = id == IFormatCodecSubtitle::CODEC_ID_SRT   ? IFormatCodecSubtitle::CODEC_ID_SUBRIP
+                                 : id == IFormatCodecSubtitle::CODEC_ID_SSA ? IFormatCodecSubtitle::CODEC_ID_ASS
+                                                                            : id;
+        const Proc::SafeEncoderCodec encoder = Proc::FindEncoder(name, Proc::ImplNames::FFMPEG);
+        list.push_back({{"id", id}, {"encoder", encoder ? Value(encoder->name) : Value()}});
+    }
+    return list;
+}
+
 }  // namespace
 
 Value MakeBook() {
@@ -115,6 +129,7 @@ Value MakeBook() {
     }
     book["videoCodecs"] = CodecsJson(P::KEY_FILTER_VIDEO_CODEC);
     book["audioCodecs"] = CodecsJson(P::KEY_FILTER_AUDIO_CODEC);
+    book["subtitleCodecs"] = SubtitleCodecsJson();
     book["filters"] = Value::List();
     for (const std::string& id : NorvexApps::IdsOf(NorvexApps::Named::Filter)) {
         book["filters"].Append(HelperJson(id, *CreateDataHelper(id, std::string())));
