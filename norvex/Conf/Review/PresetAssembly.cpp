@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "norvex/Conf/DataHelpers/Words.h"
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IPreset.h"
@@ -25,19 +26,22 @@ struct Place {
 };
 
 const std::vector<Place>& VideoPlaces() {
-    static const std::vector<Place> places = {
-        {V::TAG_WIDTH, WidthPath()},          {V::TAG_HEIGHT, HeightPath()},       {V::TAG_FPS, FrameRatePath()},
-        {V::TAG_COVER_FLAG, CoverFlagPath()}, {ProfileKey(), FormatProfilePath()},
-    };
+    static const std::vector<Place>& places = Lasting(std::vector<Place>{
+        {V::TAG_WIDTH, WidthPath()},
+        {V::TAG_HEIGHT, HeightPath()},
+        {V::TAG_FPS, FrameRatePath()},
+        {V::TAG_COVER_FLAG, CoverFlagPath()},
+        {ProfileKey(), FormatProfilePath()},
+    });
     return places;
 }
 
 const std::vector<Place>& AudioPlaces() {
-    static const std::vector<Place> places = {
+    static const std::vector<Place>& places = Lasting(std::vector<Place>{
         {A::TAG_SAMPLE_RATE, SampleRatePath()},
         {A::TAG_SAMPLE_FORMAT, SampleFormatPath()},
         {A::TAG_LAYOUT, LayoutPath()},
-    };
+    });
     return places;
 }
 

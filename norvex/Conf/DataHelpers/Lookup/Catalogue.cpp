@@ -4,6 +4,7 @@
 #include "norvex/Conf/DataHelpers/Filters/FilterHelpers.h"
 #include "norvex/Conf/DataHelpers/Formats/FormatHelpers.h"
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecSubtitle.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
@@ -15,8 +16,8 @@
 #include "norvex/interfaces/Proc/IFilterResample.h"
 #include "norvex/interfaces/Proc/IFilterResize.h"
 
-// The tables are function-local statics and no globals: the constants that they are keyed by come from other sources,
-// which may be initialised later than this one.
+// The tables are filled on the first request and not while the library is loaded: containers ask for the census of
+// encoders, which the host fills.
 
 namespace Norvex::Conf {
 
@@ -195,12 +196,12 @@ IDataHelper::DataHelperMap MakeFormatTable() {
 // clang-format on
 
 const Catalogue& GetCatalogue() {
-    static const Catalogue catalogue = {AudioCodecs(), VideoCodecs(), Filters(), KindAliases()};
+    static const Catalogue& catalogue = Lasting(Catalogue{AudioCodecs(), VideoCodecs(), Filters(), KindAliases()});
     return catalogue;
 }
 
 const IDataHelper::DataHelperMap& GetFormatTable() {
-    static const Table formats = MakeFormatTable();
+    static const Table& formats = Lasting(MakeFormatTable());
     return formats;
 }
 
