@@ -66,6 +66,21 @@ Operation CopyTree(long long nodes) {
     return [tree = TreeOf(nodes)] { const Core::Property copy(tree); };
 }
 
+/// A helper that changes every value of a stream.
+class ChangesAll final : public RefCounted<DataHelperCodecFFMPEG> {
+public:
+    ChangesAll() : RefCounted<DataHelperCodecFFMPEG>("none", MediaType::Audio) {}
+
+    void CorrectFormatCodec(Core::Property& tree) const override {
+        for (Core::Property& value : tree) value = value.GetInt64() + 1;
+    }
+};
+
+Operation ReportChanges(long long values) {
+    const NamedHelper named = {IPreset::KEY_FILTER_AUDIO_CODEC, "none", SP<const IDataHelper>(new ChangesAll)};
+    return [named, stream = TreeOf(values + 1)]() mutable { CorrectWithReport(stream, {named}); };
+}
+
 Operation FindByName(long long children) {
     return [tree = TreeOf(children + 1), name = std::to_string(children)] { tree.ChildExists(name); };
 }
@@ -96,6 +111,7 @@ std::vector<Cost> GrowthCosts() {
         {"checking a value in a set", "values", {10, 100, 1000}, CheckInSet},
         {"mending a value by a set", "values", {10, 100, 1000}, MendInSet},
         {"correcting a stream", "further rules", {10, 100, 1000}, CorrectByRules},
+        {"reporting a correction", "changed values", {10, 100, 1000}, ReportChanges},
         {"copying a tree", "nodes", {10, 100, 1000}, CopyTree},
         {"finding a child", "children", {10, 100, 1000}, FindByName},
         {"following a path", "steps", {1, 10, 100}, FollowPath},

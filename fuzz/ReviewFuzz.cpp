@@ -20,6 +20,7 @@ namespace {
 const std::vector<NamedHelper>& AllHelpers() {
     static const std::vector<NamedHelper> helpers = [] {
         std::vector<NamedHelper> all;
+        RegisterModernHelpers();
         for (const std::string& kind :
              {IPreset::KEY_FORMAT, IPreset::KEY_FILTER_VIDEO_CODEC, IPreset::KEY_FILTER_AUDIO_CODEC}) {
             for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) all.push_back({kind, id, helper});
@@ -65,6 +66,15 @@ void Apply(const NamedHelper& named, const Property& preset, Property stream) {
     }
 }
 
+void Mend(const Property& preset) {
+    const MendedPreset mended = MendPreset(preset);
+    Require(mended.left.empty(), "what is mended breaks nothing");
+    Require(!mended.broken.empty() || Same(mended.preset, preset), "what breaks nothing stays as it is");
+    for (const Finding& finding : JudgePreset(mended.preset)) {
+        Require(finding.problem == Finding::Problem::Missing, "what is mended is legal when it is looked at again");
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -83,14 +93,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
         const Property preset = AssemblePreset(sections);
         for (const Finding& finding : ExplainPreset(preset, {first, second})) {
-            Require((finding.verdict == Finding::Verdict::Violated) == !finding.message.empty(),
-                    "a violation says why");
+            const bool isViolated = finding.verdict == Finding::Verdict::Violated;
+            Require(isViolated != finding.message.empty() && isViolated != finding.documentPath.empty(),
+                    "a violation says why and where");
             (void)StreamPathOf(finding.path);
             Require(!finding.value || Same(*finding.value, preset[finding.path]),
                     "a finding's path leads to its value");
         }
         for (const NamedHelper& named : HelpersOf(preset)) (void)named.helper->GetDefaults();
         (void)CheckPreset(preset, HelpersOf(preset));
+        Mend(preset);
         Apply(first, mutated, stream);
         Apply(first, mutated, sections.back());
         if (preset.ChildExists(first.kind)) Apply(first, preset[first.kind], stream);
@@ -106,7 +118,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         const CorrectionReport report = CorrectWithReport(stream, {first, second});
         Require(Same(plain, stream), "a report changes nothing");
-        Require(!Same(stream, before) || report.changes.empty(), "no change is made up");
+        // Of two helpers one may take back what the other did.
+        Require(Same(stream, before) || !report.changes.empty(), "no change is passed over");
         Require(throws == (report.failure != nullptr), "a report tells of the failure");
     }
     return 0;

@@ -73,7 +73,7 @@ def main():
         for codec in book[codecs]:
             carriers = [f["id"] for f in book["formats"] if f[kind] and codec["id"] in f[kind]["codecs"]]
             # A film container where there is one: not every player of pictures or sound says what it has read.
-            liked = [c for c in ("matroska", "mov", "avi") if c in carriers] + [c for c in carriers if c != "qfx"]
+            liked = [c for c in ("matroska", "mov", "avi", codec["id"]) if c in carriers] + [c for c in carriers if c != "qfx"]
             if codec["id"] == "auto" or not liked:
                 rows.append((f"{kind} {codec['id']}", "-", "" if codec["id"] == "auto" else "no container carries it"))
                 continue

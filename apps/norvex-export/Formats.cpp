@@ -1,10 +1,10 @@
 #include "Formats.h"
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <iterator>
 
+#include "common/OtherNames.h"
 #include "norvex/Norvex.h"
 
 namespace NorvexExport {
@@ -13,6 +13,9 @@ namespace {
 
 using C = Norvex::Conf::IFormatCodec;
 using F = Norvex::Conf::IFormatFile;
+using MA = Norvex::Conf::ModernAudio;
+using MF = Norvex::Conf::ModernFormats;
+using MV = Norvex::Conf::ModernVideo;
 using S = Norvex::Conf::IFormatCodecSubtitle;
 using V = Norvex::Conf::IFormatCodecVideo;
 
@@ -22,61 +25,12 @@ const Row* FindRow(const Row (&rows)[N], const Predicate& predicate) {
     return row != std::end(rows) ? row : nullptr;
 }
 
-struct Muxer {
-    const std::string* id;
-    const char* name;
-};
-
-// clang-format off
-/// Only containers whose id is not the name of the muxer that writes them. The muxers that FFmpeg calls m4v,
-/// mpeg1video and mpeg2video write a bare stream of pictures; what players know by these names is MP4 for Apple's
-/// players, like the audio kinds, and MPEG program streams.
-constexpr Muxer g_muxers[] = {
-    {&F::FORMAT_M4V,        "ipod"},
-    {&F::FORMAT_M4A,        "ipod"},
-    {&F::FORMAT_M4B,        "ipod"},
-    {&F::FORMAT_M4R,        "ipod"},
-    {&F::FORMAT_F4A,        "f4v"},
-    {&F::FORMAT_MKA,        "matroska"},
-    {&F::FORMAT_MPEG1VIDEO, "mpeg"},
-    {&F::FORMAT_MPEG2VIDEO, "vob"},
-    {&F::FORMAT_MPEG2TS,    "mpegts"},
-    {&F::FORMAT_WMV,        "asf"},
-    {&F::FORMAT_WMA,        "asf"},
-    {&F::FORMAT_SSA,        "ass"},
-};
-
-/// Still pictures. All but AVIF are written by the muxer of picture files, whatever their codec.
-constexpr Muxer g_stills[] = {
-    {&F::FORMAT_JPEG,     "image2"}, {&F::FORMAT_BMP,    "image2"}, {&F::FORMAT_PNG,  "image2"},
-    {&F::FORMAT_TIFF,     "image2"}, {&F::FORMAT_DPX,    "image2"}, {&F::FORMAT_PBM,  "image2"},
-    {&F::FORMAT_JPEG2000, "image2"}, {&F::FORMAT_JPEGLS, "image2"}, {&F::FORMAT_PCX,  "image2"},
-    {&F::FORMAT_PGM,      "image2"}, {&F::FORMAT_PPM,    "image2"}, {&F::FORMAT_XBM,  "image2"},
-    {&F::FORMAT_TARGA,    "image2"}, {&F::FORMAT_PAM,    "image2"}, {&F::FORMAT_SGI,  "image2"},
-    {&F::FORMAT_PGMYUV,   "image2"}, {&F::FORMAT_XWD,    "image2"}, {&F::FORMAT_AVIF, "avif"},
-    {&F::FORMAT_HEIC,     "heic"},   {&F::FORMAT_HEIF,   "heif"},  // FFmpeg writes neither yet
-};
-
-struct Extension {
-    const char* extension;
-    const std::string* id;
-};
-
-/// Only extensions that are not themselves ids.
-constexpr Extension g_extensions[] = {
-    {"3gpp", &F::FORMAT_3GP},       {"aac", &F::FORMAT_AAC},      {"aif", &F::FORMAT_AIFF},
-    {"jfif", &F::FORMAT_JPEG},      {"jp2", &F::FORMAT_JPEG2000}, {"jpg", &F::FORMAT_JPEG},
-    {"jls", &F::FORMAT_JPEGLS},     {"m1v", &F::FORMAT_MPEG},     {"m2ts", &F::FORMAT_MPEG2TS},
-    {"m2v", &F::FORMAT_MPEG2VIDEO}, {"mkv", &F::FORMAT_MATROSKA}, {"mpg", &F::FORMAT_MPEG},
-    {"mts", &F::FORMAT_MPEG2TS},    {"oga", &F::FORMAT_OGG},      {"snd", &F::FORMAT_AU},
-    {"tga", &F::FORMAT_TARGA},      {"tif", &F::FORMAT_TIFF},     {"ts", &F::FORMAT_MPEGTS},
-};
-
 struct Codec {
     const std::string* id;
     const char* name;
 };
 
+// clang-format off
 /// Subtitle codecs under an older name of theirs.
 constexpr Codec g_codecs[] = {
     {&S::CODEC_ID_SRT, "subrip"},
@@ -89,6 +43,33 @@ struct Option {
     const std::string* value;
     const char* option;  ///< null where the encoder needs none
     const char* ffmpeg;
+};
+
+struct Tag {
+    const std::string* codec;
+    const std::string* tag;
+    const char* option;
+};
+
+struct QualityScale {
+    const std::string* codec;
+    const char* option;
+    long long worst;  ///< of the rule book's scale
+    double atBest;
+    double atWorst;
+};
+
+struct Mode {
+    const std::string* codec;
+    const std::string* mode;
+    const char* option;
+    const char* ffmpeg;
+};
+
+struct ProfileFormat {
+    const std::string* codec;
+    const std::string* profile;
+    const char* pixelFormat;
 };
 
 /// Only texts that FFmpeg has under other names than the rule book.
@@ -105,6 +86,37 @@ constexpr Option g_options[] = {
     {&V::CODEC_ID_VP9,    &C::TAG_PROFILE, &V::TAG_VP9_PROFILE_0,                 nullptr,   nullptr},
     {&V::CODEC_ID_AV1,    &C::TAG_PROFILE, &V::TAG_AV1_PROFILE_MAIN,              nullptr,   nullptr},
     {&V::CODEC_ID_AV1,    &C::TAG_PRESET,  &V::TAG_AV1_PRESET_FASTER,             nullptr,   nullptr},
+    {&MV::CODEC_ID_DNXHD, &C::TAG_PROFILE, &MV::TAG_DNX_PROFILE_HD_X,             "profile", "dnxhd"},
+};
+
+/// Tags that stand for an option of another name, whatever their value.
+constexpr Tag g_tags[] = {
+    {&MV::CODEC_ID_EXR,   &C::TAG_FORMAT,  "format"},
+};
+
+/// Encoders that are told a quality by an option of their own, and what that is at the best quality, 1, and at the worst.
+constexpr QualityScale g_qualities[] = {
+    {&MV::CODEC_ID_CFHD,   "quality",  13,               0,   12},  // counts its steps from 0
+    {&MV::CODEC_ID_WEBP,   "quality",  V::MAX_QUALITY, 100,    0},
+    {&MV::CODEC_ID_JPEGXL, "distance", V::MAX_QUALITY,   0,   15},  // 0 is lossless
+};
+
+/// Encoders that are told the bitrate mode by an option of their own.
+constexpr Mode g_modes[] = {
+    {&MA::CODEC_ID_OPUS, &C::TAG_BITRATE_MODE_CBR,   "vbr", "off"},
+    {&MA::CODEC_ID_OPUS, &C::TAG_BITRATE_MODE_VBR,   "vbr", "on"},
+    {&MA::CODEC_ID_OPUS, &MA::TAG_BITRATE_MODE_CVBR, "vbr", "constrained"},
+};
+
+/// Pixel formats that a profile stands for.
+constexpr ProfileFormat g_profileFormats[] = {
+    {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HD,     "yuv422p"},
+    {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HD_X,   "yuv422p10le"},
+    {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_LB,  "yuv422p"},
+    {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_SQ,  "yuv422p"},
+    {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_HQ,  "yuv422p"},
+    {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_HQX, "yuv422p10le"},
+    {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_444, "yuv444p10le"},
 };
 
 struct SizeForm {
@@ -117,31 +129,16 @@ struct SizeForm {
 
 }  // namespace
 
-std::string MuxerOf(const std::string& formatId) {
-    const auto isFormat = [&formatId](const Muxer& row) { return *row.id == formatId; };
-    if (const Muxer* const muxer = FindRow(g_muxers, isFormat)) return muxer->name;
-    if (const Muxer* const muxer = FindRow(g_stills, isFormat)) return muxer->name;
-    return formatId;
-}
-
 std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::string& formatId) {
     // Without it the packets have no time codes, and players do not know the sound of discs.
     if (formatId == F::FORMAT_MPEG2TS) return {{"mpegts_m2ts_mode", "1"}};
     return {};
 }
 
-bool IsStill(const std::string& formatId) {
-    return FindRow(g_stills, [&formatId](const Muxer& row) { return *row.id == formatId; }) != nullptr;
-}
-
 std::string FormatOf(const std::string& path) {
     std::string extension = std::filesystem::path(path).extension().string();
     if (!extension.empty()) extension.erase(0, 1);
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    const Extension* const row =
-        FindRow(g_extensions, [&extension](const Extension& r) { return extension == r.extension; });
-    return row != nullptr ? *row->id : extension;
+    return NorvexApps::FindId(NorvexApps::Named::Format, extension).value_or(extension);
 }
 
 std::string CodecNameOf(const std::string& codecId) {
@@ -153,9 +150,39 @@ std::optional<std::pair<std::string, std::string>> EncoderOptionOf(const std::st
                                                                    const std::string& value) {
     const Option* const row =
         FindRow(g_options, [&](const Option& r) { return *r.codec == codecId && *r.tag == tag && *r.value == value; });
-    if (row == nullptr) return std::pair(tag, value);
+    const Tag* const named = FindRow(g_tags, [&](const Tag& r) { return *r.codec == codecId && *r.tag == tag; });
+    if (row == nullptr) return std::pair(named != nullptr ? named->option : tag, value);
     if (row->option == nullptr) return std::nullopt;
     return std::pair<std::string, std::string>(row->option, row->ffmpeg);
+}
+
+std::optional<std::pair<std::string, std::string>> QualityOptionOf(const std::string& codecId, long long quality) {
+    const QualityScale* const row =
+        FindRow(g_qualities, [&codecId](const QualityScale& r) { return *r.codec == codecId; });
+    if (row == nullptr) return std::nullopt;
+    const double part = static_cast<double>(quality - 1) / static_cast<double>(row->worst - 1);
+    return std::pair<std::string, std::string>(row->option,
+                                               std::to_string(row->atBest + part * (row->atWorst - row->atBest)));
+}
+
+std::optional<std::pair<std::string, std::string>> ModeOptionOf(const std::string& codecId, const std::string& mode) {
+    const Mode* const row = FindRow(g_modes, [&](const Mode& r) { return *r.codec == codecId && *r.mode == mode; });
+    if (row == nullptr) return std::nullopt;
+    return std::pair<std::string, std::string>(row->option, row->ffmpeg);
+}
+
+std::string PixelFormatOf(const std::string& codecId, const std::string& profile) {
+    const ProfileFormat* const row =
+        FindRow(g_profileFormats, [&](const ProfileFormat& r) { return *r.codec == codecId && *r.profile == profile; });
+    return row != nullptr ? row->pixelFormat : "";
+}
+
+std::pair<long long, long long> FittingSize(const std::string& codecId, long long width, long long height) {
+    const auto whole = [](long long size, long long step) { return std::max(step, size / step * step); };
+    // The rule book wants even sizes, and most encoders do.
+    if (codecId != MV::CODEC_ID_CFHD) return {whole(width, 2), whole(height, 2)};
+    const long long fitting = whole(width, 16);
+    return {fitting, whole(height, fitting % 32 == 0 ? 8 : 16)};
 }
 
 const EncoderForm* FormOf(const std::string& codecId, long long width, long long height) {

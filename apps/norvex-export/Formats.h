@@ -1,5 +1,5 @@
-/// What the program has to know beyond the rule book, in one place: which muxer of FFmpeg writes a container, which
-/// extensions stand for it, and what FFmpeg calls a codec or an encoder's option.
+/// What the program has to know beyond the rule book, in one place: what FFmpeg calls a codec or the options of an
+/// encoder or muxer.
 #pragma once
 
 #include <optional>
@@ -7,21 +7,23 @@
 #include <utility>
 #include <vector>
 
+#include "norvex/Conf/DataHelpers/Queries/FormatMuxers.h"
 #include "norvex/foundation/Property.h"
 
 namespace NorvexExport {
 
-/// FFmpeg's short name of the muxer of a container id.
-std::string MuxerOf(const std::string& formatId);
+using Norvex::Conf::MuxerOf;
 
 /// The options, by FFmpeg's names, without which that muxer would write something else than the container.
 std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::string& formatId);
 
 /// Whether the container holds one picture.
-bool IsStill(const std::string& formatId);
+inline bool IsStill(const std::string& formatId) {
+    return Norvex::Conf::HoldsOnePicture(formatId);
+}
 
-/// The container id for the extension of a path; empty for a path without one. An extension that stands for nothing
-/// else is taken as a container id.
+/// The container id that the extension of a path stands for, the extension where it stands for none, and nothing where
+/// there is no extension. After the census.
 std::string FormatOf(const std::string& path);
 
 /// FFmpeg's name of the codec that writes what the rule book calls by this id.
@@ -31,6 +33,21 @@ std::string CodecNameOf(const std::string& codecId);
 /// option for it, or settles it by other means.
 std::optional<std::pair<std::string, std::string>> EncoderOptionOf(const std::string& codecId, const std::string& tag,
                                                                    const std::string& value);
+
+/// The option by which an encoder is told a quality of the rule book, and its value; none where it is told by other
+/// means.
+std::optional<std::pair<std::string, std::string>> QualityOptionOf(const std::string& codecId, long long quality);
+
+/// The same for a bitrate mode.
+std::optional<std::pair<std::string, std::string>> ModeOptionOf(const std::string& codecId, const std::string& mode);
+
+/// FFmpeg's name of the pixel format that a profile stands for; empty where the source settles it, or the encoder's
+/// side of the host does.
+std::string PixelFormatOf(const std::string& codecId, const std::string& profile);
+
+/// The greatest frame size within this one that the rules of a codec let pass, as far as they want whole steps of
+/// pixels.
+std::pair<long long, long long> FittingSize(const std::string& codecId, long long width, long long height);
 
 /// What an encoder insists on for a frame size.
 struct EncoderForm {

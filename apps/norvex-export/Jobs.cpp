@@ -1,6 +1,10 @@
 #include "Jobs.h"
 
+#include <limits>
+
 #include "Formats.h"
+#include "Plan.h"
+#include "Request.h"
 #include "norvex/Norvex.h"
 
 namespace NorvexExport {
@@ -50,25 +54,58 @@ const char* ScalerOf(const Property& resizeSection) {
     return "bicubic";
 }
 
+/// What encodes counts in ints.
+int Narrow(long long value, const Property& property) {
+    if (value >= std::numeric_limits<int>::min() && value <= std::numeric_limits<int>::max()) {
+        return static_cast<int>(value);
+    }
+    throw RequestError("'" + property.GetName() + "' is " + Core::PropertyValueToString(property) +
+                       ", which is more than any encoder takes");
+}
+
 int ToInt(const Property& value) {
-    return static_cast<int>(value.GetInt64());
+    return Narrow(value.GetInt64(), value);
 }
 
-Fraction ToFraction(const Core::Ratio& ratio) {
-    return {static_cast<int>(ratio.numerator()), static_cast<int>(ratio.denominator())};
+Fraction ToFraction(const Property& value) {
+    const Core::Ratio ratio = value.GetRatio();
+    return {Narrow(ratio.numerator(), value), Narrow(ratio.denominator(), value)};
 }
 
-/// The encoder's options, by FFmpeg's names.
+/// An option's value as FFmpeg reads it.
+std::string OptionText(const Property& value) {
+    if (value.GetType() == PT_BOOL) return value.GetBool() ? "1" : "0";
+    return Core::PropertyValueToString(value);
+}
+
+/// The encoder's options, by FFmpeg's names. Of the rule book's options some are for the host.
 std::vector<std::pair<std::string, std::string>> EncoderOptions(const Property& stream) {
     std::vector<std::pair<std::string, std::string>> options;
-    if (!stream.ChildExists(C::TAG_CODEC_OPTIONS_ENCODE)) return options;
-    const Property& section = stream[C::TAG_CODEC_OPTIONS_ENCODE];
-    for (const std::string* tag : {&C::TAG_PRESET, &C::TAG_PROFILE, &C::TAG_FORMAT, &V::TAG_X264_TUNE}) {
-        if (!section.ChildExists(*tag)) continue;
-        const auto option = EncoderOptionOf(stream[C::TAG_CODEC_ID].GetString(), *tag, section[*tag].GetString());
+    const std::string& codec = stream[C::TAG_CODEC_ID].GetString();
+    if (stream.ChildExists(C::TAG_CODEC_OPTIONS_ENCODE)) {
+        for (const Property& value : stream[C::TAG_CODEC_OPTIONS_ENCODE]) {
+            const std::string& tag = value.GetName();
+            if (tag == V::TAG_APPROVED_VBR_MODE_ONLY || tag == V::TAG_DISABLE_TRANSPARENCY ||
+                tag == V::TAG_USE_HW_CONTEXT || value.GetType() == PT_NODE) {
+                continue;
+            }
+            if (const auto option = EncoderOptionOf(codec, tag, OptionText(value))) options.push_back(*option);
+        }
+    }
+    if (stream.ChildExists(C::TAG_QUALITY)) {
+        const auto option = QualityOptionOf(codec, stream[C::TAG_QUALITY].GetInt64());
+        if (option) options.push_back(*option);
+    }
+    if (stream.ChildExists(C::TAG_BITRATE_MODE)) {
+        const auto option = ModeOptionOf(codec, stream[C::TAG_BITRATE_MODE].GetString());
         if (option) options.push_back(*option);
     }
     return options;
+}
+
+std::string ProfileIn(const Property& stream) {
+    const std::string path = Path({C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PROFILE});
+    return stream.ChildExists(path) ? Core::PropertyValueToString(stream[path]) : std::string();
 }
 
 template <class Job>
@@ -90,7 +127,7 @@ VideoJob MakeVideoJob(const Property& stream, const VideoSource& source, const P
     job.width = ToInt(stream[V::TAG_WIDTH]);
     job.height = ToInt(stream[V::TAG_HEIGHT]);
     job.sampleAspect = {ToInt(stream[V::TAG_ASPECTX]), ToInt(stream[V::TAG_ASPECTY])};
-    job.frameRate = ToFraction(stream[V::TAG_FPS].GetRatio());
+    job.frameRate = ToFraction(stream[V::TAG_FPS]);
     job.fit = FitOf(resizeSection,
                     {source.width, source.height, source.sampleAspect.numerator, source.sampleAspect.denominator},
                     {job.width, job.height, job.sampleAspect.numerator, job.sampleAspect.denominator});
@@ -106,6 +143,7 @@ VideoJob MakeVideoJob(const Property& stream, const VideoSource& source, const P
     }
     if (stream.ChildExists(C::TAG_THREAD_NUMBER)) job.threads = ToInt(stream[C::TAG_THREAD_NUMBER]);
     job.options = EncoderOptions(stream);
+    job.pixelFormat = PixelFormatOf(job.codecId, ProfileIn(stream));
     return job;
 }
 

@@ -6,7 +6,8 @@
 
 namespace NorvexExport {
 
-/// `resizeSection` is the section of the resizer that the stream's size came from.
+/// Both throw RequestError for a number that no encoder takes. `resizeSection` is the section of the resizer that the
+/// stream's size came from.
 VideoJob MakeVideoJob(const Norvex::Core::Property& stream, const VideoSource& source,
                       const Norvex::Core::Property& resizeSection);
 AudioJob MakeAudioJob(const Norvex::Core::Property& stream, const AudioSource& source);

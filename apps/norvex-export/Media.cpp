@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <string>
-#include <system_error>
+#include <utility>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -26,28 +25,39 @@ using namespace Media;
 
 namespace {
 
+/// How far the output has come, in seconds.
+double FarthestSecond(const OutputStreams& streams) {
+    double farthest = 0;
+    for (const auto& stream : streams) farthest = std::max(farthest, stream->Seconds());
+    return farthest;
+}
+
 class ProgressMeter {
 public:
     using Callback = std::function<void(const Progress&)>;
 
     /// `duration` is that of one pass in seconds, 0 where unknown.
-    ProgressMeter(const Callback& callback, double duration, int passes)
-        : m_callback(callback), m_duration(duration), m_passes(passes) {}
+    ProgressMeter(const Callback& callback, const PendingFile& file, double duration, int passes)
+        : m_callback(callback), m_file(file), m_duration(duration), m_passes(passes) {}
 
     void BeginPass(int pass) {
         if (pass > 1) m_before = m_duration > 0 ? m_duration * (pass - 1) : m_before + m_inPass;
+        m_framesBefore += std::exchange(m_framesInPass, 0);
         m_inPass = 0;
         m_pass = pass;
     }
 
-    /// `seconds` of the pass are done.
-    void Update(double seconds) {
-        m_inPass = std::max(m_inPass, seconds);
+    /// The streams have come so far in the pass.
+    void Update(const OutputStreams& streams) {
+        m_inPass = std::max(m_inPass, FarthestSecond(streams));
         if (m_duration > 0) m_inPass = std::min(m_inPass, m_duration);
         constexpr std::chrono::milliseconds interval(100);
         const auto now = std::chrono::steady_clock::now();
         if (m_reported && now - *m_reported < interval) return;
         m_reported = now;
+        ExportResult soFar;
+        for (const auto& stream : streams) stream->Report(soFar);
+        m_framesInPass = soFar.videoFrames;
         Report(m_before + m_inPass);
     }
 
@@ -56,15 +66,19 @@ public:
 
 private:
     void Report(double seconds) const {
-        if (m_callback) m_callback({seconds, m_duration * m_passes, m_pass, m_passes});
+        if (!m_callback) return;
+        m_callback({seconds, m_duration * m_passes, m_pass, m_passes, m_framesBefore + m_framesInPass, m_file.Size()});
     }
 
     const Callback& m_callback;
+    const PendingFile& m_file;
     double m_duration;
     int m_passes;
     int m_pass = 1;
     double m_before = 0;  // seconds of the passes before this one
     double m_inPass = 0;
+    long long m_framesBefore = 0;  // the same of pictures
+    long long m_framesInPass = 0;
     std::optional<std::chrono::steady_clock::time_point> m_reported;
 };
 
@@ -80,13 +94,6 @@ void RequireComplete(const ExportJob& job) {
     if (job.audio && job.audio->sampleRate <= 0) throw MediaError("the sample rate must be above 0");
 }
 
-void RequireOtherFile(const std::string& inputPath, const std::string& outputPath) {
-    std::error_code ignored;
-    if (std::filesystem::equivalent(inputPath, outputPath, ignored)) {
-        throw MediaError("cannot write " + Quoted(outputPath) + ": it is the input");
-    }
-}
-
 /// A second pass needs an encoder that can make it, and a bitrate to share out.
 bool MakesTwoPasses(const VideoJob& job) {
     if (!job.twoPass || job.bitrate <= 0 || IsSingle(job)) return false;
@@ -98,14 +105,8 @@ bool WantMore(const OutputStreams& streams) {
     return std::any_of(streams.begin(), streams.end(), [](const auto& stream) { return stream->WantsMore(); });
 }
 
-/// How far the output has come, in seconds.
-double FarthestSecond(const OutputStreams& streams) {
-    double farthest = 0;
-    for (const auto& stream : streams) farthest = std::max(farthest, stream->Seconds());
-    return farthest;
-}
-
-/// Carries all packets of the input through the streams. All fields but `bytes` of what it returns are set.
+/// Carries all packets of the input through the streams. All fields of what it returns are set but
+/// `bytes` and `elapsed`.
 ExportResult RunPass(Input& input, const ExportJob& job, const Pass& pass, Muxer& muxer, ProgressMeter& progress) {
     const OutputStreams streams = MakeStreams(input, job, pass, muxer);
     progress.BeginPass(pass.number);
@@ -115,11 +116,11 @@ ExportResult RunPass(Input& input, const ExportJob& job, const Pass& pass, Muxer
         for (const auto& stream : streams) {
             if (stream->SourceIndex() == packet->stream_index) stream->Take(*packet);
         }
-        progress.Update(FarthestSecond(streams));
+        progress.Update(streams);
     }
     for (const auto& stream : streams) {
         stream->Finish();
-        progress.Update(FarthestSecond(streams));
+        progress.Update(streams);
     }
     muxer.Finish();
 
@@ -157,15 +158,16 @@ InputInfo Probe(const std::string& path) {
 }
 
 ExportResult RunExport(const ExportJob& job, const std::function<void(const Progress&)>& onProgress) {
+    const auto begin = std::chrono::steady_clock::now();
     RequireComplete(job);
     Input input(job.inputPath);
-    RequireOtherFile(job.inputPath, job.outputPath);
+    RequireWritable(job.outputPath, {{job.inputPath, "the input"}});
     PendingFile file(job.outputPath);
 
     const int passes = job.video && MakesTwoPasses(*job.video) ? 2 : 1;
     // A picture alone is done long before the input ends.
     const bool isPicture = job.video && IsSingle(*job.video) && !job.audio && !job.subtitle && job.copies.empty();
-    ProgressMeter progress(onProgress, isPicture ? 0 : input.Duration(), passes);
+    ProgressMeter progress(onProgress, file, isPicture ? 0 : input.Duration(), passes);
     std::optional<PassRecord> record;
     if (passes == 2) {
         RunFirstPass(job, Pass{1, passes, &record.emplace()}, progress);
@@ -179,6 +181,7 @@ ExportResult RunExport(const ExportJob& job, const std::function<void(const Prog
     result.bytes = file.Size();
     progress.Finish();
     file.Commit();
+    result.elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     return result;
 }
 

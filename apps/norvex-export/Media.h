@@ -138,6 +138,8 @@ struct Progress {
     double secondsTotal = 0;  ///< over all passes, 0 where unknown
     int pass = 1;
     int passes = 1;
+    long long videoFrames = 0;  ///< encoded over all passes
+    std::uintmax_t bytes = 0;   ///< of the output so far
 };
 
 struct ExportResult {
@@ -149,10 +151,21 @@ struct ExportResult {
     long long audioBitrate = 0;   ///< the same
     double duration = 0;          ///< seconds, of the longest stream
     std::uintmax_t bytes = 0;     ///< size of the output
+    double elapsed = 0;           ///< seconds that it took
 };
 
 /// Reads what `path` holds. Throws MediaError for a file that is missing, unreadable or no media.
 InputInfo Probe(const std::string& path);
+
+/// A file that is in use already.
+struct TakenFile {
+    std::string path;  ///< empty where there is none
+    const char* what;  ///< for the message, such as "the input"
+};
+
+/// Throws MediaError for a path that no file can be written to: one of the taken files, by whatever name, what is no
+/// regular file, or what lies in no folder that may be written to.
+void RequireWritable(const std::string& path, const std::vector<TakenFile>& taken);
 
 /// Carries the job out, from the beginning of the input to its end. The output begins at 0, whenever the input
 /// does, and its streams stay in step. Damaged packets of the input are passed over.

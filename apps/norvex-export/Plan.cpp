@@ -11,8 +11,9 @@ extern "C" {
 #include "Formats.h"
 #include "Jobs.h"
 #include "Settle.h"
-#include "common/PresetJson.h"
+#include "common/OtherNames.h"
 #include "norvex/Norvex.h"
+#include "norvex/document/PresetDocument.h"
 
 namespace NorvexExport {
 
@@ -53,11 +54,9 @@ NamedHelper FindFormat(const std::string& formatId) {
     const auto& formats = GetAvailableDataHelpers(P::KEY_FORMAT);
     const auto format = formats.find(formatId);
     if (format == formats.end()) {
-        std::vector<std::string> ids;
-        for (const auto& row : formats) ids.push_back(row.first);
-        throw RequestError((formatId.empty() ? "the output has no extension to tell the format by; give --format"
-                                             : "unknown format '" + formatId + "'") +
-                           "; the formats are " + Join(ids));
+        throw RequestError(formatId.empty()
+                               ? "the output has no extension to tell the format by; give --format, such as mp4"
+                               : NorvexApps::WhyUnknown(NorvexApps::Named::Format, formatId));
     }
     if (av_guess_format(MuxerOf(formatId).c_str(), nullptr, nullptr) == nullptr) {
         throw RequestError("this build of FFmpeg has no muxer for the format '" + formatId + "'");
@@ -140,14 +139,18 @@ void UseSize(Property& section, long long width, long long height) {
     resize.SetChildT(V::TAG_HEIGHT, height);
 }
 
-/// The frame sizes that a codec's rules offer; empty where any will do.
-std::vector<std::pair<long long, long long>> SizesOf(const IDataHelper& codec) {
+/// The frame sizes that a codec's rules offer for what is asked of it; empty where any will do.
+std::vector<std::pair<long long, long long>> SizesOf(const IDataHelper& codec, const Request& request) {
+    const Property preset = AssemblePreset({WithChoices(codec.GetDefaults(), request)});
     RuleList rules;
     codec.GetValidationRules(rules);
     const std::string sizePath = Path({Proc::IFilterResize::CLASS_ID, IResize::CLASS_ID, IResize::FRAME_SIZE_MODE});
     std::vector<std::pair<long long, long long>> sizes;
     for (const auto& [key, rule] : rules) {
-        if (rule->GetSecondPath() != sizePath) continue;
+        if (rule->GetSecondPath() != sizePath || !preset.ChildExists(rule->GetFirstPath()) ||
+            !rule->GetFirstConstraint()->IsValid(preset[rule->GetFirstPath()])) {
+            continue;
+        }
         for (const Property& size : WhatIsAllowed(*rule->GetSecondConstraint()).values) {
             sizes.emplace_back(size[V::TAG_WIDTH].GetInt64(), size[V::TAG_HEIGHT].GetInt64());
         }
@@ -186,7 +189,7 @@ Property ResizeSection(Plan& plan, const NamedHelper& codec, const VideoSource& 
     resize.SetChildT(IResize::FRAME_SIZE_MODE, IResize::FRAME_SIZE_ORIGINAL);
     section = WithChoices(std::move(section), plan.request);
     const bool isChosen = plan.request.Asks(Proc::IFilterResize::CLASS_ID);
-    const auto sizes = SizesOf(*codec.helper);
+    const auto sizes = SizesOf(*codec.helper, plan.request);
     if (!sizes.empty()) {
         const Property& chosen = section[IResize::CLASS_ID];
         const auto size = std::pair(chosen[V::TAG_WIDTH].GetInt64(), chosen[V::TAG_HEIGHT].GetInt64());
@@ -202,9 +205,9 @@ Property ResizeSection(Plan& plan, const NamedHelper& codec, const VideoSource& 
             throw RequestError("--size: '" + SizeText(size.first, size.second) +
                                "' is not legal here; allowed: one of " + Join(names));
         }
-    } else if (!isChosen && (source.width % 2 != 0 || source.height % 2 != 0)) {
-        // The rule book wants even sizes, and most encoders do.
-        UseSize(section, std::max(2, source.width / 2 * 2), std::max(2, source.height / 2 * 2));
+    } else if (const auto [width, height] = FittingSize(codec.id, source.width, source.height);
+               !isChosen && (width != source.width || height != source.height)) {
+        UseSize(section, width, height);
         Property& even = section[IResize::CLASS_ID];
         even.SetChildT(IResize::MODE, IResize::MODE_STRETCH);
         even.SetChildT(V::TAG_ASPECTX, source.sampleAspect.numerator);
@@ -412,7 +415,8 @@ void PlanSubtitles(Plan& plan, const NamedHelper& format, const Property& format
 // ------------------------------------------------------------------------------------------------------ presets
 
 /// The codec's section and the filters' that give a settled stream again.
-void AddSettled(const Property& stream, Property& preset) {
+void AddSettled(const StreamPlan& plan, Property& preset) {
+    const Property& stream = plan.settled;
     const bool isVideo = stream.GetName() == V::TAG_FORMAT_CODEC_VIDEO;
     const bool isAudio = stream.GetName() == A::TAG_FORMAT_CODEC_AUDIO;
     Property section(isVideo   ? P::KEY_FILTER_VIDEO_CODEC
@@ -428,7 +432,9 @@ void AddSettled(const Property& stream, Property& preset) {
     }
     preset.SetChild(section.GetName(), section);
     if (isVideo) {
-        const Property rate = Proc::IFilterFrameRate::MakeSettings(stream[V::TAG_FPS].GetRatio());
+        const Property rate = Proc::IFilterFrameRate::MakeSettings(
+            plan.isAtSourceRate ? Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE
+                                : stream[V::TAG_FPS].GetRatio());
         preset.SetChild(rate.GetName(), rate);
     }
     if (isAudio) {
@@ -441,14 +447,14 @@ void AddSettled(const Property& stream, Property& preset) {
     }
 }
 
-void CollectChoices(const Property& node, const std::string& path, const NorvexApps::PresetDocument& document,
+void CollectChoices(const Property& node, const std::string& path, const Document::PresetDocument& document,
                     std::vector<Choice>& choices) {
     for (const Property& child : node) {
         const std::string below = path.empty() ? child.GetName() : Path({path, child.GetName()});
         if (child.GetType() == PT_NODE) {
             CollectChoices(child, below, document, choices);
         } else {
-            choices.push_back({below, child, "preset, " + document.PlaceOf(below)});
+            choices.push_back({below, child, "preset, line " + std::to_string(document.LineOf(below))});
         }
     }
 }
@@ -462,8 +468,7 @@ void TakeCensus() {
 void ChooseFromPreset(Request& request, const std::string& presetText) {
     std::vector<Choice> choices;
     try {
-        const NorvexApps::PresetDocument document = NorvexApps::ReadPreset(presetText);
-        NorvexApps::RequireKnownNames(document);
+        const Document::PresetDocument document = Document::ReadPreset(presetText);
         const std::string sections[] = {P::KEY_FORMAT,
                                         P::KEY_FILTER_VIDEO_CODEC,
                                         P::KEY_FILTER_AUDIO_CODEC,
@@ -474,7 +479,8 @@ void ChooseFromPreset(Request& request, const std::string& presetText) {
         for (const Property& section : document.preset) {
             const std::string& name = section.GetName();
             if (std::find(std::begin(sections), std::end(sections), name) == std::end(sections)) {
-                throw RequestError(document.PlaceOf(name) + ": this program has no use for '" + name + "'");
+                throw RequestError("line " + std::to_string(document.LineOf(name)) + ": this program has no use for '" +
+                                   name + "'");
             }
             const std::string idPath =
                 Path({name, name == P::KEY_FORMAT ? IFormatFile::TAG_CONTAINER : C::TAG_CODEC_ID});
@@ -483,7 +489,7 @@ void ChooseFromPreset(Request& request, const std::string& presetText) {
             if (!chosen.empty() && document.preset[idPath].GetString() != chosen) continue;
             CollectChoices(section, name, document, choices);
         }
-    } catch (const NorvexApps::PresetError& error) {
+    } catch (const Document::DocumentException& error) {
         throw RequestError("'" + request.presetFile + "', " + error.what());
     }
     request.choices.insert(request.choices.begin(), choices.begin(), choices.end());
@@ -508,6 +514,7 @@ namespace {
 Plan PlanFor(const Request& request, const InputInfo& input) {
     Plan plan;
     plan.request = request;
+    plan.notes = request.notes;
     plan.input = input;
     const std::string chosen = request.TextAt(Path({P::KEY_FORMAT, IFormatFile::TAG_CONTAINER}));
     plan.formatId = chosen.empty() ? FormatOf(request.output) : chosen;
@@ -528,7 +535,7 @@ Plan PlanFor(const Request& request, const InputInfo& input) {
         throw RequestError("'" + request.input + "' has no stream that the format '" + plan.formatId + "' could hold");
     }
     for (const StreamPlan& stream : plan.streams) {
-        if (!stream.isCopied) AddSettled(stream.settled, plan.settled);
+        if (!stream.isCopied) AddSettled(stream, plan.settled);
     }
     return plan;
 }

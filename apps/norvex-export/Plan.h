@@ -30,6 +30,7 @@ struct StreamPlan {
     std::vector<Norvex::Conf::Finding> lookedAt;         ///< on what was asked, broken or not
     std::vector<Norvex::Conf::CorrectedValue> changes;   ///< by the helpers
     std::vector<Norvex::Conf::CorrectedValue> givenWay;  ///< by the program: what was not asked, to what was
+    bool isAtSourceRate = false;                         ///< the rate was left to the source, which has its own
 };
 
 struct Plan {

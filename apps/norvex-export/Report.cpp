@@ -1,25 +1,26 @@
 #include "Report.h"
 
 #include <fmt/format.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
-#include "common/PresetJson.h"
+#include "Terminal.h"
 #include "norvex/Norvex.h"
+#include "norvex/document/TreeForm.h"
 
 namespace NorvexExport {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Norvex::Conf::CorrectedValue;
 using Norvex::Conf::Finding;
 using Norvex::Core::Property;
 using Norvex::Core::PropertyValueToString;
-using NorvexApps::ToJson;
+using Norvex::Document::PlainFormOf;
+using Norvex::Document::Value;
 
 /// Escape sequences, or nothing.
 struct Style {
@@ -71,17 +72,12 @@ std::vector<std::pair<const CorrectedValue*, std::string>> ChangesOf(const Strea
     return changes;
 }
 
-std::vector<const Finding*> BrokenOf(const StreamPlan& stream) {
-    std::vector<const Finding*> broken;
+std::vector<Finding> BrokenOf(const StreamPlan& stream) {
+    std::vector<Finding> broken;
     for (const Finding& finding : stream.lookedAt) {
-        if (finding.verdict != Finding::Verdict::Violated) continue;
-        // A constraint and a rule often say the same of a value.
-        const bool isKnown = std::any_of(broken.begin(), broken.end(), [&finding](const Finding* known) {
-            return known->value == finding.value && known->allowed.words == finding.allowed.words;
-        });
-        if (!isKnown) broken.push_back(&finding);
+        if (finding.verdict == Finding::Verdict::Violated) broken.push_back(finding);
     }
-    return broken;
+    return Norvex::Conf::TellOnce(std::move(broken));
 }
 
 /// Every value of the settled tree, and with it what it was where something changed it; removed ones at the end.
@@ -197,19 +193,19 @@ std::string StreamText(const StreamPlan& stream, bool explain, const Style& styl
     }
     if (const auto broken = BrokenOf(stream); !broken.empty()) {
         text += fmt::format("  {}broken before:{}\n", style.warning, style.reset);
-        for (const Finding* const finding : broken) text += "  - " + finding->message + '\n';
+        for (const Finding& finding : broken) text += "  - " + finding.message + '\n';
     }
     return explain ? text + ExplainText(stream, style) : text;
 }
 
-Json FindingJson(const Finding& finding) {
+Value FindingJson(const Finding& finding) {
     return {{"helper", HelperName(finding.helperKind, finding.helperId)},
             {"kind", finding.source == Finding::Source::Rule ? "rule" : "constraint"},
             {"verdict", VerdictName(finding.verdict)},
             {"path", finding.path},
-            {"value", finding.value ? ToJson(*finding.value) : Json()},
+            {"value", finding.value ? PlainFormOf(*finding.value) : Value()},
             {"conditionPath", finding.conditionPath},
-            {"condition", finding.condition ? ToJson(*finding.condition) : Json()},
+            {"condition", finding.condition ? PlainFormOf(*finding.condition) : Value()},
             {"allowed", finding.allowed.words},
             {"message", finding.message}};
 }
@@ -217,7 +213,31 @@ Json FindingJson(const Finding& finding) {
 std::string BytesText(std::uintmax_t bytes) {
     if (bytes < 1000) return fmt::format("{} bytes", bytes);
     if (bytes < 1000000) return fmt::format("{:.1f} kB", static_cast<double>(bytes) / 1e3);
-    return fmt::format("{:.1f} MB", static_cast<double>(bytes) / 1e6);
+    if (bytes < 1000000000) return fmt::format("{:.1f} MB", static_cast<double>(bytes) / 1e6);
+    return fmt::format("{:.2f} GB", static_cast<double>(bytes) / 1e9);
+}
+
+/// "0:12", "1:05" or "2:00:01".
+std::string ClockText(double seconds) {
+    const auto whole = static_cast<long long>(std::min(seconds, 1e9));
+    if (whole < 3600) return fmt::format("{}:{:02}", whole / 60, whole % 60);
+    return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
+}
+
+/// "12.34 s", and longer ones as a clock shows them.
+std::string DurationText(double seconds) {
+    return seconds < 60 ? fmt::format("{:.2f} s", seconds) : ClockText(seconds);
+}
+
+/// Times real time.
+std::string SpeedText(double seconds, double elapsed) {
+    return fmt::format("{:.{}f}x", seconds / elapsed, seconds < 10 * elapsed ? 2 : 0);
+}
+
+std::size_t ColumnsOf(int file) {
+    winsize size{};
+    constexpr std::size_t usual = 80;
+    return ioctl(file, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
 }
 
 }  // namespace
@@ -229,52 +249,84 @@ std::string PlanText(const Plan& plan, bool colours) {
                     plan.request.output, style.reset, style.dim, plan.formatId, plan.input.duration, style.reset);
     for (const StreamPlan& stream : plan.streams) text += StreamText(stream, plan.request.explain, style);
     for (const std::string& note : plan.notes) text += "\n" + note + "\n";
+    if (!plan.request.savePresetFile.empty()) text += "\nSaved the preset to " + plan.request.savePresetFile + ".\n";
+    if (plan.request.dryRun) text += "\nNothing was encoded: this was a dry run.\n";
     return text;
 }
 
 std::string PlanJson(const Plan& plan, const ExportResult* result) {
-    Json streams = Json::array();
+    Value::List streams;
     for (const StreamPlan& stream : plan.streams) {
-        Json broken = Json::array();
-        for (const Finding* const finding : BrokenOf(stream)) broken.push_back(FindingJson(*finding));
-        Json changes = Json::array();
+        Value::List broken;
+        for (const Finding& finding : BrokenOf(stream)) broken.push_back(FindingJson(finding));
+        Value::List changes;
         for (const auto& [change, by] : ChangesOf(stream)) {
             changes.push_back({{"path", change->path},
-                               {"from", change->before ? ToJson(*change->before) : Json()},
-                               {"to", change->after ? ToJson(*change->after) : Json()},
+                               {"from", change->before ? PlainFormOf(*change->before) : Value()},
+                               {"to", change->after ? PlainFormOf(*change->after) : Value()},
                                {"by", by},
                                {"reason", ReasonName(change->reason)},
                                {"message", change->broken ? change->broken->message : std::string()}});
         }
-        Json json = {{"type", KindName(stream.kind)},
-                     {"source", stream.source},
-                     {"copied", stream.isCopied},
-                     {"asked", ToJson(stream.asked)},
-                     {"settled", ToJson(stream.settled)},
-                     {"broken", broken},
-                     {"changes", changes}};
+        Value json = {{"type", KindName(stream.kind)},
+                      {"source", stream.source},
+                      {"copied", stream.isCopied},
+                      {"asked", PlainFormOf(stream.asked)},
+                      {"settled", PlainFormOf(stream.settled)},
+                      {"broken", broken},
+                      {"changes", changes}};
         if (plan.request.explain) {
-            for (const Finding& finding : stream.lookedAt) json["lookedAt"].push_back(FindingJson(finding));
+            for (const Finding& finding : stream.lookedAt) json["lookedAt"].Append(FindingJson(finding));
         }
         streams.push_back(json);
     }
-    Json document = {{"input", plan.request.input}, {"output", plan.request.output},
-                     {"format", plan.formatId},     {"muxer", plan.job.muxer},
-                     {"streams", streams},          {"notes", plan.notes}};
+    Value document = {{"input", plan.request.input}, {"output", plan.request.output},
+                      {"format", plan.formatId},     {"muxer", plan.job.muxer},
+                      {"streams", streams},          {"notes", Value::List(plan.notes.begin(), plan.notes.end())}};
+    if (!plan.request.savePresetFile.empty()) document["savedPreset"] = plan.request.savePresetFile;
     if (result != nullptr) {
         document["result"] = {{"videoFrames", result->videoFrames}, {"audioSamples", result->audioSamples},
                               {"subtitles", result->subtitles},     {"copiedPackets", result->copiedPackets},
-                              {"duration", result->duration},       {"bytes", result->bytes}};
+                              {"duration", result->duration},       {"bytes", result->bytes},
+                              {"elapsed", result->elapsed}};
     }
     // A file name need not be UTF-8; what is not is shown by the replacement character.
-    return document.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    return Norvex::Document::WriteJson(document) + '\n';
 }
 
 std::string ResultText(const Plan& plan, const ExportResult& result) {
-    return fmt::format("\nWrote {} ({}, {:.2f} s)\n", plan.request.output, BytesText(result.bytes), result.duration);
+    std::string text = fmt::format("\nWrote {} ({}, {}) in {}", plan.request.output, BytesText(result.bytes),
+                                   DurationText(result.duration), DurationText(result.elapsed));
+    if (result.duration > 0 && result.elapsed > 0) text += ", " + SpeedText(result.duration, result.elapsed);
+    return text + '\n';
 }
 
-ProgressBar::ProgressBar(bool wanted) : m_visible(wanted && isatty(STDERR_FILENO) != 0) {}
+std::string ProgressText(const Progress& progress, double elapsed, std::size_t columns) {
+    const bool isTotalKnown = progress.secondsTotal > 0;
+    const double part = isTotalKnown ? std::min(1.0, progress.secondsDone / progress.secondsTotal) : 0.0;
+    std::string text = isTotalKnown ? fmt::format("{:3.0f} %", part * 100) : DurationText(progress.secondsDone);
+    const auto add = [&](bool isKnown, const std::string& field) {
+        if (isKnown && text.size() + 2 + field.size() <= columns) text += "  " + field;
+    };
+    const bool isUnderWay = elapsed > 1;  // the first moments tell nothing
+    add(progress.passes > 1, fmt::format("pass {} of {}", progress.pass, progress.passes));
+    add(isUnderWay, SpeedText(progress.secondsDone, elapsed));
+    add(isUnderWay && progress.videoFrames > 0,
+        fmt::format("{:.0f} fps", static_cast<double>(progress.videoFrames) / elapsed));
+    add(isUnderWay && part > 0, ClockText(elapsed * (1 - part) / part) + " left");
+    add(progress.bytes > 0, BytesText(progress.bytes));
+    constexpr std::size_t widest = 40;
+    constexpr std::size_t narrowest = 5;
+    const std::size_t room = columns > text.size() + 3 ? columns - text.size() - 3 : 0;
+    if (!isTotalKnown || room < narrowest) return text;
+    const std::size_t width = std::min(room, widest);
+    const auto filled = static_cast<std::size_t>(part * static_cast<double>(width));
+    std::string bar = std::string(filled, '=') + (filled < width ? ">" : "");
+    bar.resize(width, ' ');
+    return "[" + bar + "] " + text;
+}
+
+ProgressBar::ProgressBar(bool wanted) : m_visible(wanted && ClearsLines(STDERR_FILENO)) {}
 
 ProgressBar::~ProgressBar() {
     if (m_drawn) std::fputs("\r\033[K", stderr);
@@ -282,14 +334,9 @@ ProgressBar::~ProgressBar() {
 
 void ProgressBar::Show(const Progress& progress) {
     if (!m_visible) return;
-    constexpr int width = 40;
-    const double part = progress.secondsTotal > 0 ? std::min(1.0, progress.secondsDone / progress.secondsTotal) : 0.0;
-    const int filled = static_cast<int>(part * width);
-    std::string line = "\r\033[K[";
-    for (int i = 0; i < width; ++i) line += i < filled ? '=' : (i == filled ? '>' : ' ');
-    line += progress.secondsTotal > 0 ? fmt::format("] {:3.0f} %", part * 100)
-                                      : fmt::format("] {:.1f} s", progress.secondsDone);
-    if (progress.passes > 1) line += fmt::format("  pass {} of {}", progress.pass, progress.passes);
+    const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - m_begin).count();
+    // A character in the last column would begin a new line on some terminals.
+    const std::string line = "\r\033[K" + ProgressText(progress, elapsed, ColumnsOf(STDERR_FILENO) - 1);
     std::fputs(line.c_str(), stderr);
     m_drawn = true;
 }

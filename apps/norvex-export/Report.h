@@ -1,6 +1,7 @@
 /// What the program prints.
 #pragma once
 
+#include <chrono>
 #include <string>
 
 #include "Media.h"
@@ -18,7 +19,11 @@ std::string PlanJson(const Plan& plan, const ExportResult* result);
 /// One line about a finished export.
 std::string ResultText(const Plan& plan, const ExportResult& result);
 
-/// A progress bar on standard error, drawn over itself, and only where that is a terminal.
+/// How far an export has come, in one line of at most so many columns: a bar, the speed, the time left, the size so
+/// far. `elapsed` is in seconds.
+std::string ProgressText(const Progress& progress, double elapsed, std::size_t columns);
+
+/// The line of ProgressText on standard error, drawn over itself, and only where that is a terminal that can.
 class ProgressBar {
 public:
     explicit ProgressBar(bool wanted);
@@ -30,6 +35,7 @@ public:
 
 private:
     const bool m_visible;
+    const std::chrono::steady_clock::time_point m_begin = std::chrono::steady_clock::now();
     bool m_drawn = false;
 };
 

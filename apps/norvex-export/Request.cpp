@@ -1,8 +1,13 @@
 #include "Request.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
+#include <boost/algorithm/string/case_conv.hpp>
+#include <functional>
+#include <stdexcept>
 
+#include "Asked.h"
+#include "common/CommandLine.h"
+#include "common/Quantities.h"
 #include "norvex/Norvex.h"
 
 namespace NorvexExport {
@@ -18,172 +23,289 @@ using Proc::IResize;
 
 const char* const g_automatic = "auto";
 
-/// Collects what options say as choices on a preset.
-class Options {
+/// What cannot be made of an option's text; what() is for the user, without the option's name.
+class TextError : public std::runtime_error {
 public:
-    Options(CLI::App& app, Request& request) : m_app(app), m_request(request) {}
-
-    void Group(const std::string& name) { m_group = name; }
-
-    template <class T>
-    CLI::Option* Add(const std::string& option, const std::string& path, const std::string& help) {
-        return AddWith(
-            option, [=](const std::string& text) { Choose<T>(path, Value<T>(option, text), option); }, help);
-    }
-    /// A number, or the word for automatic.
-    template <class T>
-    CLI::Option* AddOrAutomatic(const std::string& option, const std::string& path, const T& automatic,
-                                const std::string& help) {
-        return AddWith(
-            option,
-            [=](const std::string& text) {
-                Choose<T>(path, text == g_automatic ? automatic : Value<T>(option, text), option);
-            },
-            help + ", or auto");
-    }
-    CLI::Option* AddWith(const std::string& option, const std::function<void(const std::string&)>& take,
-                         const std::string& help) {
-        return m_app.add_option_function<std::string>(option, take, help)->group(m_group);
-    }
-    CLI::Option* AddFlag(const std::string& option, const std::function<void()>& take, const std::string& help) {
-        return m_app.add_flag_callback(option, take, help)->group(m_group);
-    }
-
-    template <class T>
-    void Choose(const std::string& path, const T& value, const std::string& option) {
-        m_request.choices.push_back({path, Property(path, value), option});
-    }
-
-private:
-    template <class T>
-    static T Value(const std::string& option, const std::string& text) {
-        if constexpr (std::is_same_v<T, std::string>) {
-            return text;
-        } else if constexpr (std::is_same_v<T, Core::Ratio>) {
-            const auto rate = Core::ParseRatio(text);
-            if (!rate || rate->numerator() <= 0) {
-                throw CLI::ValidationError(option, "'" + text + "' is no frame rate such as 25 or 30000/1001");
-            }
-            return *rate;
-        } else {
-            T value{};
-            if (!CLI::detail::lexical_cast(text, value)) {
-                throw CLI::ValidationError(option, "'" + text + "' is no number");
-            }
-            return value;
-        }
-    }
-
-    CLI::App& m_app;
-    Request& m_request;
-    std::string m_group;
+    using std::runtime_error::runtime_error;
 };
 
-std::pair<int, int> ParseSize(const std::string& text) {
-    const auto cross = text.find('x');
-    int width = 0;
-    int height = 0;
-    if (cross == std::string::npos || !CLI::detail::lexical_cast(text.substr(0, cross), width) ||
-        !CLI::detail::lexical_cast(text.substr(cross + 1), height) || width <= 0 || height <= 0) {
-        throw CLI::ValidationError("--size", "'" + text + "' is no size such as 1280x720");
+/// Takes what one option says into the request.
+class Taker {
+public:
+    Taker(Request& request, std::string option) : m_request(request), m_option(std::move(option)) {}
+
+    Request& GetRequest() const { return m_request; }
+
+    template <class T>
+    void Choose(const std::string& path, const T& value) const {
+        m_request.choices.push_back({path, Property(path, value), m_option});
     }
-    return {width, height};
+    void LeaveOpen(const std::string& path) const { m_request.choices.push_back({path, Property(), m_option, true}); }
+
+private:
+    Request& m_request;
+    std::string m_option;
+};
+
+/// What an option makes of its text; a flag's is empty.
+using Take = std::function<void(const std::string& text, const Taker& taker)>;
+
+/// An option, as the command line and its help have it.
+struct Option {
+    const char* name;
+    const char* value;  ///< what the help calls the value; null for a flag
+    std::string help;   ///< what it may be, in lines of half a terminal
+    Take take;
+};
+
+bool IsAutomatic(const std::string& text) {
+    return boost::algorithm::to_lower_copy(text) == g_automatic;
 }
 
-void AddVideoOptions(Options& options, Request& r) {
-    const std::string& codec = P::KEY_FILTER_VIDEO_CODEC;
-    const auto inOptions = [](const std::string& tag) {
-        return Path({P::KEY_FILTER_VIDEO_CODEC, V::TAG_CODEC_OPTIONS_ENCODE, tag});
+template <class T>
+const T& Require(const std::optional<T>& parsed, const std::string& text, const std::string& wanted) {
+    if (!parsed) throw TextError("'" + text + "' is no " + wanted + ", or auto");
+    return *parsed;
+}
+
+/// A word of the rule book, all of which are in small letters.
+Take Word(const std::string& path) {
+    return [path](const std::string& text, const Taker& taker) {
+        taker.Choose(path, boost::algorithm::to_lower_copy(text));
     };
-    const auto inResize = [](const std::string& tag) {
-        return Path({Proc::IFilterResize::CLASS_ID, IResize::CLASS_ID, tag});
+}
+
+/// The same, of those that other things are called by too: the program turns it into an id when it knows the catalogue.
+Take Name(const std::string& path, const std::string& automatic = g_automatic) {
+    return
+        [=](const std::string& text, const Taker& taker) { taker.Choose(path, IsAutomatic(text) ? automatic : text); };
+}
+
+/// A name without a value for automatic in the rule book: the container's own is taken where none is chosen.
+Take NameOrOpen(const std::string& path) {
+    return [path](const std::string& text, const Taker& taker) {
+        IsAutomatic(text) ? taker.LeaveOpen(path) : taker.Choose(path, text);
     };
+}
+
+void TakeNumber(const std::string& path, const std::string& text, const Taker& taker) {
+    const Range range = *RangeOf(path);
+    const auto value = NorvexApps::ParseInteger(text);
+    if (!value || !range.Holds(*value)) throw TextError("'" + text + "' is not " + range.Words() + ", or auto");
+    taker.Choose(path, *value);
+}
+
+/// A whole number in the range of its path.
+Take Number(const std::string& path) {
+    return [path](const std::string& text, const Taker& taker) {
+        IsAutomatic(text) ? taker.LeaveOpen(path) : TakeNumber(path, text, taker);
+    };
+}
+
+Take Bitrate(const std::string& codec) {
     const std::string mode = Path({codec, V::TAG_BITRATE_MODE});
-
-    options.Group("Video");
-    options.Add<std::string>("--video", Path({codec, V::TAG_CODEC_ID}), "Codec (default: the container's)");
-    options.AddFlag(
-        "--no-video", [&r] { r.noVideo = true; }, "Leave the picture out");
-    auto* const quality = options.AddWith(
-        "--quality",
-        [&options, codec, mode](const std::string& text) {
-            long long value = 0;
-            if (!CLI::detail::lexical_cast(text, value)) throw CLI::ValidationError("--quality", "not a number");
-            options.Choose(mode, V::TAG_BITRATE_MODE_VBR, "--quality");
-            options.Choose(Path({codec, V::TAG_QUALITY}), value, "--quality");
-        },
-        "Quantiser from 1, the best, to " + std::to_string(V::MAX_QUALITY));
-    auto* const bitrate = options.AddWith(
-        "--video-bitrate",
-        [&options, codec, mode](const std::string& text) {
-            long long value = 0;
-            if (!CLI::detail::lexical_cast(text, value)) throw CLI::ValidationError("--video-bitrate", "not a number");
-            options.Choose(mode, V::TAG_BITRATE_MODE_CBR, "--video-bitrate");
-            options.Choose(Path({codec, V::TAG_BITRATE}), value, "--video-bitrate");
-        },
-        "Bits per second, held constant");
-    quality->excludes(bitrate);
-    options.Add<std::string>("--encoder-preset", inOptions(V::TAG_PRESET), "Encoder preset, such as slow");
-    options.Add<std::string>("--profile", inOptions(V::TAG_PROFILE), "Encoder profile, such as high");
-    options.Add<std::string>("--tune", inOptions(V::TAG_X264_TUNE), "Encoder tune, such as animation");
-    options.Add<std::string>("--codec-format", inOptions(V::TAG_FORMAT), "Form of the codec, such as hap_q");
-    options.AddFlag(
-        "--two-pass",
-        [&options, codec] {
-            options.Choose(Path({codec, V::TAG_MULTIPASS_ENCODING}), V::TAG_TWO_PASS_MODE, "--two-pass");
-        },
-        "Encode twice, the second time by what the first has learned");
-    options.Add<long long>("--key-frames", Path({codec, V::TAG_MAX_I_FRAME_INTERVAL}),
-                           "Longest distance of key frames");
-    options.Add<long long>("--b-frames", Path({codec, V::TAG_MAX_B_FRAME_SEQUENCE}), "Most B frames in a row");
-    options.Add<long long>("--threads", Path({codec, V::TAG_THREAD_NUMBER}), "Encoder threads");
-    options.AddWith(
-        "--size",
-        [&options, inResize](const std::string& text) {
-            const auto [width, height] = ParseSize(text);
-            options.Choose(inResize(IResize::FRAME_SIZE_MODE), IResize::FRAME_SIZE_CUSTOM, "--size");
-            options.Choose(inResize(V::TAG_WIDTH), width, "--size");
-            options.Choose(inResize(V::TAG_HEIGHT), height, "--size");
-        },
-        "Size, such as 1280x720");
-    options.Add<std::string>("--resize-mode", inResize(IResize::MODE),
-                             "How the picture meets the size: smart_fit, up_to, letterbox, stretch, auto or crop");
-    options.AddOrAutomatic<Core::Ratio>("--fps", Path({Proc::IFilterFrameRate::CLASS_ID, V::TAG_FPS}),
-                                        Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE,
-                                        "Frames per second, such as 25 or 30000/1001");
-}
-
-void AddAudioOptions(Options& options, Request& r) {
-    const std::string& codec = P::KEY_FILTER_AUDIO_CODEC;
-    const auto inResample = [](const std::string& tag) {
-        return Path({Proc::IFilterResample::CLASS_ID, Proc::IResample::CLASS_ID, tag});
+    return [=](const std::string& text, const Taker& taker) {
+        if (IsAutomatic(text)) return taker.Choose(mode, V::TAG_BITRATE_MODE_CBR_AUTO);
+        auto bitrate = NorvexApps::ParseBitrate(text);
+        if (bitrate == 0) bitrate.reset();
+        taker.Choose(mode, V::TAG_BITRATE_MODE_CBR);
+        taker.Choose(Path({codec, V::TAG_BITRATE}), Require(bitrate, text, "bitrate such as 128k or 5M"));
     };
-    options.Group("Audio");
-    options.Add<std::string>("--audio", Path({codec, A::TAG_CODEC_ID}), "Codec (default: the container's), or auto");
-    options.AddFlag(
-        "--no-audio", [&r] { r.noAudio = true; }, "Leave the sound out");
-    options.AddWith(
-        "--audio-bitrate",
-        [&options, codec](const std::string& text) {
-            const std::string mode = Path({codec, A::TAG_BITRATE_MODE});
-            if (text == g_automatic) {
-                options.Choose(mode, A::TAG_BITRATE_MODE_CBR_AUTO, "--audio-bitrate");
-                return;
-            }
-            long long value = 0;
-            if (!CLI::detail::lexical_cast(text, value)) throw CLI::ValidationError("--audio-bitrate", "not a number");
-            options.Choose(mode, A::TAG_BITRATE_MODE_CBR, "--audio-bitrate");
-            options.Choose(Path({codec, A::TAG_BITRATE}), value, "--audio-bitrate");
-        },
-        "Bits per second, or auto");
-    options.Add<std::string>("--audio-profile", Path({codec, A::TAG_CODEC_OPTIONS_ENCODE, A::TAG_PROFILE}),
-                             "Encoder profile, such as aac_low");
-    options.AddOrAutomatic<int>("--sample-rate", inResample(A::TAG_SAMPLE_RATE), -1, "Hz");
-    options.AddOrAutomatic<std::string>("--layout", inResample(A::TAG_LAYOUT), A::TAG_CH_LAYOUT_UNKNOWN,
-                                        "Channel layout, such as mono, stereo or 5.1");
-    options.Add<std::string>("--sample-format", Path({Proc::IFilterResample::CLASS_ID, A::TAG_SAMPLE_FORMAT}),
-                             "Sample format, such as s16 or fltp");
 }
+
+Take Quality(const std::string& codec) {
+    const std::string mode = Path({codec, V::TAG_BITRATE_MODE});
+    const std::string quality = Path({codec, V::TAG_QUALITY});
+    return [=](const std::string& text, const Taker& taker) {
+        if (IsAutomatic(text)) {
+            taker.LeaveOpen(mode);
+            return taker.LeaveOpen(quality);
+        }
+        taker.Choose(mode, V::TAG_BITRATE_MODE_VBR);
+        TakeNumber(quality, text, taker);
+    };
+}
+
+Take SampleRate(const std::string& path) {
+    return [path](const std::string& text, const Taker& taker) {
+        const Range range = *RangeOf(path);
+        if (IsAutomatic(text)) return taker.Choose(path, *range.automatic);
+        auto rate = NorvexApps::ParseFrequency(text);
+        if (rate && !range.Holds(*rate)) rate.reset();
+        taker.Choose(path, Require(rate, text, "sample rate such as 44100 or 48k"));
+    };
+}
+
+Take FrameRate(const std::string& path) {
+    return [path](const std::string& text, const Taker& taker) {
+        taker.Choose(path, IsAutomatic(text) ? Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE
+                                             : Require(NorvexApps::ParseFrameRate(text), text,
+                                                       "frame rate such as 25, 29.97, 30000/1001 or ntsc"));
+    };
+}
+
+Take FrameSize(const std::string& section) {
+    const auto at = [section](const std::string& tag) { return Path({section, IResize::CLASS_ID, tag}); };
+    return [at](const std::string& text, const Taker& taker) {
+        if (IsAutomatic(text)) {
+            for (const std::string& tag : {IResize::FRAME_SIZE_MODE, V::TAG_WIDTH, V::TAG_HEIGHT}) {
+                taker.LeaveOpen(at(tag));
+            }
+            return;
+        }
+        const auto size = Require(NorvexApps::ParseSize(text), text, "size such as 1280x720 or 720p");
+        taker.Choose(at(IResize::FRAME_SIZE_MODE), IResize::FRAME_SIZE_CUSTOM);
+        taker.Choose(at(V::TAG_WIDTH), size.width);
+        taker.Choose(at(V::TAG_HEIGHT), size.height);
+    };
+}
+
+Take Flag(bool Request::*flag) {
+    return [flag](const std::string& /*text*/, const Taker& taker) { taker.GetRequest().*flag = true; };
+}
+
+Take File(std::string Request::*file) {
+    return [file](const std::string& text, const Taker& taker) { taker.GetRequest().*file = text; };
+}
+
+std::vector<Option> GeneralOptions() {
+    return {
+        {"--format", "FORMAT",
+         "Container, such as mp4, mkv or mov (default: by the\n"
+         "extension of OUTPUT). norvex-rules list has them all",
+         NameOrOpen(Path({P::KEY_FORMAT, Conf::IFormatFile::TAG_CONTAINER}))},
+        {"--copy", nullptr,
+         "Carry over unchanged each stream of which nothing is\n"
+         "asked and that the container takes as it is",
+         Flag(&Request::copy)},
+        {"--preset", "FILE", "Start from the preset in this file", File(&Request::presetFile)},
+        {"--save-preset", "FILE", "Write what was settled on to this file", File(&Request::savePresetFile)},
+        {"--classic", nullptr, "Know the classic codecs and containers alone", Flag(&Request::classic)},
+        {"--dry-run", nullptr, "Show what would be encoded, and encode nothing", Flag(&Request::dryRun)},
+        {"--explain", nullptr, "Show each rule and constraint that was looked at", Flag(&Request::explain)},
+        {"--json", nullptr, "Print for programs", Flag(&Request::json)},
+        {"--quiet", nullptr, "Print nothing but errors", Flag(&Request::quiet)},
+    };
+}
+
+std::vector<Option> VideoOptions() {
+    const std::string& codec = P::KEY_FILTER_VIDEO_CODEC;
+    const auto inOptions = [&](const std::string& tag) { return Path({codec, V::TAG_CODEC_OPTIONS_ENCODE, tag}); };
+    const std::string& resize = Proc::IFilterResize::CLASS_ID;
+    return {
+        {"--video", "CODEC",
+         "Codec, such as h264, h265, av1 or prores (default:\n"
+         "auto, the container's). norvex-rules show format\n"
+         "FORMAT has those that a container carries",
+         NameOrOpen(Path({codec, V::TAG_CODEC_ID}))},
+        {"--no-video", nullptr, "Leave the picture out", Flag(&Request::noVideo)},
+        {"--quality", "NUMBER", "Quantiser from 1, the best, to " + std::to_string(V::MAX_QUALITY) + ", or auto",
+         Quality(codec)},
+        {"--video-bitrate", "BITRATE",
+         "Bits per second to hold, such as 800k or 5M, or auto.\n"
+         "Either this or --quality",
+         Bitrate(codec)},
+        {"--size", "SIZE",
+         "1280x720 and the like, 480p, 720p, 1080p, 4k, ntsc,\n"
+         "pal, or auto, the source's",
+         FrameSize(resize)},
+        {"--resize-mode", "MODE",
+         "How the picture meets the size: smart_fit, up_to,\n"
+         "letterbox, stretch, auto or crop",
+         Word(Path({resize, IResize::CLASS_ID, IResize::MODE}))},
+        {"--fps", "RATE",
+         "Frames per second, such as 25, 29.97 or 30000/1001,\n"
+         "or ntsc, pal, film, or auto, the source's",
+         FrameRate(Path({Proc::IFilterFrameRate::CLASS_ID, V::TAG_FPS}))},
+        {"--two-pass", nullptr, "Encode twice, the second time by what the first has\nlearned",
+         [mode = Path({codec, V::TAG_MULTIPASS_ENCODING})](const std::string& /*text*/, const Taker& taker) {
+             taker.Choose(mode, V::TAG_TWO_PASS_MODE);
+         }},
+        {"--encoder-preset", "NAME",
+         "Encoder preset, such as slow. norvex-rules show video\n"
+         "CODEC has those of a codec, as it has profiles, tunes\n"
+         "and formats",
+         Word(inOptions(V::TAG_PRESET))},
+        {"--profile", "NAME", "Encoder profile, such as high", Word(inOptions(V::TAG_PROFILE))},
+        {"--tune", "NAME", "Encoder tune, such as animation", Word(inOptions(V::TAG_X264_TUNE))},
+        {"--codec-format", "NAME", "Form of the codec, such as hap_q", Word(inOptions(V::TAG_FORMAT))},
+        {"--key-frames", "NUMBER", "Longest distance of key frames, in frames, or auto",
+         Number(Path({codec, V::TAG_MAX_I_FRAME_INTERVAL}))},
+        {"--b-frames", "NUMBER", "Most B frames in a row, or auto", Number(Path({codec, V::TAG_MAX_B_FRAME_SEQUENCE}))},
+        {"--threads", "NUMBER", "Encoder threads, or auto", Number(Path({codec, V::TAG_THREAD_NUMBER}))},
+    };
+}
+
+std::vector<Option> AudioOptions() {
+    const std::string& codec = P::KEY_FILTER_AUDIO_CODEC;
+    const std::string& resample = Proc::IFilterResample::CLASS_ID;
+    const auto inResample = [&](const std::string& tag) { return Path({resample, Proc::IResample::CLASS_ID, tag}); };
+    return {
+        {"--audio", "CODEC", "Codec, such as aac, mp3, flac or pcm (default: auto,\nthe container's)",
+         Name(Path({codec, A::TAG_CODEC_ID}))},
+        {"--no-audio", nullptr, "Leave the sound out", Flag(&Request::noAudio)},
+        {"--audio-bitrate", "BITRATE", "Bits per second, such as 128k, or auto", Bitrate(codec)},
+        {"--audio-profile", "NAME",
+         "Encoder profile, such as aac_low. norvex-rules show\n"
+         "audio CODEC has those of a codec",
+         Word(Path({codec, A::TAG_CODEC_OPTIONS_ENCODE, A::TAG_PROFILE}))},
+        {"--sample-rate", "RATE", "Hz, such as 44100 or 48k, or auto, the source's",
+         SampleRate(inResample(A::TAG_SAMPLE_RATE))},
+        {"--layout", "LAYOUT", "Channels: mono, stereo, 5.1, 7.1 and the like, or auto,\nthe source's",
+         Name(inResample(A::TAG_LAYOUT), A::TAG_CH_LAYOUT_UNKNOWN)},
+        {"--sample-format", "FORMAT", "Sample format, such as s16, s32 or fltp, or auto",
+         NameOrOpen(Path({resample, A::TAG_SAMPLE_FORMAT}))},
+    };
+}
+
+std::vector<Option> SubtitleOptions() {
+    return {
+        {"--subtitles", "CODEC",
+         "Codec, such as srt, ass or mov_text, or auto, the\n"
+         "container's (default: none in films, auto in subtitle\n"
+         "files)",
+         Name(Path({P::KEY_FILTER_SUBTITLE_CODEC, V::TAG_CODEC_ID}))},
+    };
+}
+
+void AddOptions(CLI::App& app, Request& request, const std::string& group, const std::vector<Option>& options) {
+    for (const Option& option : options) {
+        const auto take = [take = option.take, taker = Taker(request, option.name),
+                           name = std::string(option.name)](const std::string& text) {
+            try {
+                take(text, taker);
+            } catch (const TextError& error) {
+                throw CLI::ValidationError(name, error.what());
+            }
+        };
+        CLI::Option* const added =
+            option.value == nullptr
+                ? app.add_flag_callback(
+                      option.name, [take] { take({}); }, option.help)
+                : app.add_option_function<std::string>(option.name, take, option.help)->option_text(option.value);
+        added->group(group)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    }
+}
+
+const char* const g_examples = R"(Examples:
+  norvex-export film.mov film.mp4
+      what suits the container: H.264 and AAC
+  norvex-export film.mov film.mkv --video h265 --quality 22
+      another codec, of a quality of your choice
+  norvex-export film.mov small.mp4 --size 720p --fps 25 --audio-bitrate 128k
+      smaller
+  norvex-export film.mov film.mp4 --video-bitrate 5M --two-pass
+      of a size that is known before
+  norvex-export film.mov film.mkv --copy
+      another container, with what is in it unchanged
+  norvex-export film.mov song.mp3 --audio-bitrate 192k
+      the sound alone
+  norvex-export film.mov film.gif --size 320x180 --fps 10
+      an animation; a name such as frame.png gives the first picture
+  norvex-export film.mov film.webm --dry-run --explain
+      what would be done, and why; nothing is encoded
+  norvex-export film.mov film.mp4 --quality 20 --save-preset my.json
+      keep the settings; --preset my.json takes them up again)";
 
 }  // namespace
 
@@ -213,34 +335,27 @@ bool Request::Asks(const std::string& section) const {
 
 Parsed ParseCommandLine(int argc, const char* const* argv) {
     Parsed parsed;
-    Request& r = parsed.request;
+    Request& request = parsed.request;
     CLI::App app("Exports video, sound, pictures and subtitles by the rule book of the container and the codecs.",
                  "norvex-export");
-    Options options(app, r);
+    constexpr std::size_t helpColumn = 28;
+    app.get_formatter()->column_width(helpColumn);
     app.set_version_flag("--version", NORVEX_VERSION);
-    app.add_option("INPUT", r.input, "The file to export")->required();
-    app.add_option("OUTPUT", r.output, "The file to write; replaced when the export has succeeded")->required();
-    options.Group("Options");
-    options.Add<std::string>("--format", Path({P::KEY_FORMAT, Conf::IFormatFile::TAG_CONTAINER}),
-                             "Container (default: by the extension of OUTPUT)");
-    options.Add<std::string>("--subtitles", Path({P::KEY_FILTER_SUBTITLE_CODEC, V::TAG_CODEC_ID}),
-                             "Codec of the subtitles (default: none in films, the container's in subtitle files)");
-    app.add_option("--preset", r.presetFile, "Start from the preset in this file");
-    app.add_option("--save-preset", r.savePresetFile, "Write what was settled on to this file");
-    app.add_flag("--copy", r.copy,
-                 "Carry over unchanged each stream of which nothing is asked and that the container takes as it is");
-    AddVideoOptions(options, r);
-    AddAudioOptions(options, r);
-    app.add_flag("--dry-run", r.dryRun, "Show what would be encoded, and encode nothing");
-    app.add_flag("--explain", r.explain, "Show each rule and constraint that was looked at");
-    app.add_flag("--json", r.json, "Print for programs");
-    app.add_flag("--quiet", r.quiet, "Print nothing but errors");
+    app.add_option("INPUT", request.input, "The file to export")->required()->option_text(" ");
+    app.add_option("OUTPUT", request.output, "The file to write; replaced when the export has succeeded")
+        ->required()
+        ->option_text(" ");
+    AddOptions(app, request, "Options", GeneralOptions());
+    AddOptions(app, request, "Picture", VideoOptions());
+    AddOptions(app, request, "Sound", AudioOptions());
+    AddOptions(app, request, "Subtitles", SubtitleOptions());
+    app.get_option("--quality")->excludes("--video-bitrate");
+    app.footer(g_examples);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        // CLI11's own statuses are many; a wrong command line is 2, as with other programs.
-        parsed.exitStatus = app.exit(error) == 0 ? 0 : 2;
+        parsed.exitStatus = NorvexApps::ExitStatus(app, error);
     }
     return parsed;
 }

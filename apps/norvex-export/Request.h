@@ -17,7 +17,8 @@ std::string Path(std::initializer_list<std::string> tags);
 struct Choice {
     std::string path;
     Norvex::Core::Property value;
-    std::string option;  ///< the command line option, or the line of the preset's file, it came from
+    std::string option;   ///< the command line option, or the line of the preset's file, it came from
+    bool isOpen = false;  ///< the value is left to the system, whatever was chosen before
 };
 
 struct Request {
@@ -26,11 +27,13 @@ struct Request {
     std::string presetFile;      ///< a preset to start from
     std::string savePresetFile;  ///< where to write what was settled on
 
-    std::vector<Choice> choices;  ///< of two for one path the last counts
+    std::vector<Choice> choices;     ///< of two for one path the last counts
+    std::vector<std::string> notes;  ///< how the choices were understood, a sentence each
     bool noVideo = false;
     bool noAudio = false;
     bool copy = false;  ///< carry streams over unchanged where the container takes them
 
+    bool classic = false;  ///< leave out the second set of helpers
     bool dryRun = false;
     bool explain = false;
     bool json = false;

@@ -1,6 +1,7 @@
 #include "Settle.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 
 #include "norvex/Norvex.h"
@@ -65,6 +66,7 @@ public:
     }
 
     StreamPlan Run(Property stream) {
+        const Property source = stream;
         const Property section = WithChoices(m_rules.codec.helper->GetDefaults(), m_rules.request);
         RequireAutomaticValuesAllowed(section);
         for (const Property& filter : m_rules.filters) {
@@ -75,10 +77,12 @@ public:
         StreamPlan plan;
         plan.asked = stream;
         plan.lookedAt = ExplainPreset(PresetOf(stream), m_helpers);
+        RequireChosenQuality(plan.lookedAt);
         CorrectionReport report = CorrectWithReport(stream, {m_rules.format, m_rules.codec});
         if (report.failure) Rethrow(report.failure);
         plan.changes = std::move(report.changes);
         GiveWay(plan, stream);
+        ReadRateMark(plan, stream, source);
         plan.settled = std::move(stream);
         return plan;
     }
@@ -115,6 +119,12 @@ private:
         return choice != choices.rend() ? &*choice : nullptr;
     }
 
+    /// Whether somebody asked for the value. What was left to the system was not asked for, also where that was said.
+    bool IsChosen(const Finding& finding) const {
+        const Choice* const choice = FindChoice(finding);
+        return choice != nullptr && (finding.value == choice->value || !IsAutomatic(choice->value));
+    }
+
     [[noreturn]] void Refuse(const Finding& finding) const {
         const Choice* const choice = FindChoice(finding);
         if (choice == nullptr) throw RequestError(finding.message);
@@ -125,6 +135,15 @@ private:
         const std::string became = asked == value ? "' is" : "' becomes '" + value + "', which is";
         throw RequestError(choice->option + ": '" + asked + became +
                            " not legal here; allowed: " + finding.allowed.words);
+    }
+
+    /// A bitrate that is not on the list means the nearest that is; a quality beyond the scale means nothing.
+    void RequireChosenQuality(const std::vector<Finding>& findings) const {
+        for (const Finding& finding : findings) {
+            const bool isBroken = finding.verdict == Finding::Verdict::Violated && finding.value;
+            if (!isBroken || StreamPathOf(finding.path) != IFormatCodec::TAG_QUALITY) continue;
+            if (FindChoice(finding) != nullptr) Refuse(finding);
+        }
     }
 
     /// What is left to the system is judged by the rules that know automatic values.
@@ -166,7 +185,7 @@ private:
     void GiveWay(StreamPlan& plan, Property& stream) const {
         for (Finding& finding : CheckPreset(PresetOf(stream), m_helpers)) {
             const std::string path = StreamPathOf(finding.path);
-            if (FindChoice(finding) != nullptr || !stream.ChildExists(path)) continue;
+            if (!finding.constraint || IsChosen(finding) || !stream.ChildExists(path)) continue;
             CorrectedValue change;
             change.helperKind = finding.helperKind;
             change.helperId = finding.helperId;
@@ -180,6 +199,59 @@ private:
         }
         const std::vector<Finding> left = CheckPreset(PresetOf(stream), m_helpers);
         if (!left.empty()) Refuse(left.front());
+    }
+
+    /// Of a low rate the nearest in a list may be the mark that keeps the source's, of which an encoder can make
+    /// nothing. It stands for the source's own rate, if nothing else was asked and the container lists that rate or
+    /// none as low, and else for the nearest that the container lists.
+    void ReadRateMark(StreamPlan& plan, Property& stream, const Property& source) const {
+        const Property mark(V::TAG_FPS, Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE);
+        if (!stream.ChildExists(V::TAG_FPS) || stream[V::TAG_FPS] != mark) return;
+        std::vector<Core::Ratio> listed;
+        for (const Finding& finding : plan.lookedAt) {
+            const bool isContainers = finding.helperKind == m_rules.format.kind && finding.constraint &&
+                                      finding.verdict != Finding::Verdict::DoesNotApply;
+            if (!isContainers || StreamPathOf(finding.path) != V::TAG_FPS) continue;
+            for (const Property& value : WhatIsAllowed(*finding.constraint).values) {
+                if (value != mark) listed.push_back(value.GetRatio());
+            }
+        }
+        std::sort(listed.begin(), listed.end());
+        Core::Ratio rate = (plan.asked[V::TAG_FPS] != mark ? plan.asked : source)[V::TAG_FPS].GetRatio();
+        const bool isListed = std::binary_search(listed.begin(), listed.end(), rate);
+        plan.isAtSourceRate =
+            rate == source[V::TAG_FPS].GetRatio() && (listed.empty() || isListed || rate < listed.front());
+        if (!plan.isAtSourceRate && !listed.empty()) {
+            const auto distance = [rate](const Core::Ratio& other) {
+                return std::abs(boost::rational_cast<double>(other) - boost::rational_cast<double>(rate));
+            };
+            rate = *std::min_element(listed.begin(), listed.end(), [&distance](const auto& one, const auto& two) {
+                return distance(one) < distance(two);
+            });
+        }
+        stream[V::TAG_FPS] = rate;
+        TellRate(plan, mark, stream[V::TAG_FPS]);
+    }
+
+    /// What was told of the mark, told of the rate that it stands for.
+    static void TellRate(StreamPlan& plan, const Property& mark, const Property& rate) {
+        for (auto* const changes : {&plan.changes, &plan.givenWay}) {
+            for (CorrectedValue& change : *changes) {
+                if (change.path == V::TAG_FPS && change.after == mark) change.after = rate;
+            }
+            const auto isNone = [](const CorrectedValue& change) { return change.before == change.after; };
+            changes->erase(std::remove_if(changes->begin(), changes->end(), isNone), changes->end());
+        }
+        for (Finding& finding : plan.lookedAt) {
+            if (!plan.isAtSourceRate || StreamPathOf(finding.path) != V::TAG_FPS ||
+                finding.verdict != Finding::Verdict::Violated || !finding.constraint->IsValid(mark)) {
+                continue;
+            }
+            finding.verdict = Finding::Verdict::Kept;
+            finding.problem = Finding::Problem::None;
+            finding.value = mark;
+            finding.message.clear();
+        }
     }
 
     const StreamRules& m_rules;

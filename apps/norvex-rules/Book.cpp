@@ -4,8 +4,12 @@ extern "C" {
 #include <libavutil/avutil.h>
 }
 
-#include "common/PresetJson.h"
+#include <map>
+#include <set>
+
+#include "common/OtherNames.h"
 #include "norvex/Norvex.h"
+#include "norvex/document/TreeForm.h"
 
 namespace NorvexRules {
 
@@ -14,109 +18,145 @@ namespace {
 using namespace Norvex;
 using namespace Norvex::Conf;
 using Core::Property;
-using Json = nlohmann::ordered_json;
-using NorvexApps::ToJson;
+using Document::PlainFormOf;
+using Document::Value;
 using P = IPreset;
 using F = IFormatFile;
 using C = IFormatCodec;
 
-Json AllowedJson(const IPropertyConstraint& constraint) {
+Value AllowedJson(const IPropertyConstraint& constraint) {
     const Allowed allowed = WhatIsAllowed(constraint);
-    Json json = {{"words", allowed.words}};
+    Value json = {{"words", allowed.words}};
     if (!allowed.values.empty()) {
-        Json values = Json::array();
-        for (const Property& value : allowed.values)
-            values.push_back({{"name", value.GetName()}, {"value", ToJson(value)}});
-        json["values"] = values;
+        for (const Property& value : allowed.values) {
+            json["values"].Append({{"name", value.GetName()}, {"value", PlainFormOf(value)}});
+        }
     }
-    if (allowed.min) json["min"] = ToJson(*allowed.min);
-    if (allowed.max) json["max"] = ToJson(*allowed.max);
-    if (allowed.step) json["step"] = ToJson(*allowed.step);
+    if (allowed.min) json["min"] = PlainFormOf(*allowed.min);
+    if (allowed.max) json["max"] = PlainFormOf(*allowed.max);
+    if (allowed.step) json["step"] = PlainFormOf(*allowed.step);
     return json;
 }
 
-Json RuleJson(const IValidationRule& rule) {
-    Json json = {{"path", rule.GetSecondPath()}, {"allowed", AllowedJson(*rule.GetSecondConstraint())}};
-    const auto condition = rule.GetFirstConstraint();
-    json["when"] = condition ? Json({{"path", rule.GetFirstPath()}, {"allowed", AllowedJson(*condition)}}) : Json();
+Value RuleJson(const IValidationRule& rule) {
+    Value json = {{"path", DocumentPathOf(rule.GetSecondPath())},
+                  {"allowed", AllowedJson(*rule.GetSecondConstraint())},
+                  {"when", Value()}};
+    if (const auto condition = rule.GetFirstConstraint()) {
+        json["when"] = {{"path", DocumentPathOf(rule.GetFirstPath())}, {"allowed", AllowedJson(*condition)}};
+    }
     return json;
 }
+
+/// What people call the ids of a kind.
+class OtherNames {
+public:
+    explicit OtherNames(NorvexApps::Named kind) : m_names(NorvexApps::OtherNamesOf(kind)) {}
+
+    Value Of(const std::string& id) const {
+        const auto names = m_names.find(id);
+        return names == m_names.end() ? Value::List() : Value::List(names->second.begin(), names->second.end());
+    }
+
+private:
+    std::map<std::string, std::vector<std::string>> m_names;
+};
 
 /// What every helper has.
-Json HelperJson(const std::string& id, const IDataHelper& helper) {
-    Json json = {{"id", id}, {"defaults", ToJson(helper.GetDefaults())}};
+Value HelperJson(const std::string& id, const IDataHelper& helper, const OtherNames& names) {
+    Value json = {{"id", id}, {"otherNames", names.Of(id)}, {"defaults", PlainFormOf(helper.GetDefaults())}};
     ConstraintMap constraints;
     helper.GetConstraints(constraints);
-    json["constraints"] = Json::array();
+    json["constraints"] = Value::List();
     for (const auto& [path, constraint] : constraints) {
-        json["constraints"].push_back({{"path", path}, {"allowed", AllowedJson(*constraint)}});
+        json["constraints"].Append({{"path", path}, {"allowed", AllowedJson(*constraint)}});
     }
     RuleList rules;
     helper.GetValidationRules(rules);
-    json["rules"] = Json::array();
-    for (const auto& [key, rule] : rules) json["rules"].push_back(RuleJson(*rule));
+    json["rules"] = Value::List();
+    for (const auto& [key, rule] : rules) json["rules"].Append(RuleJson(*rule));
     ObjectList objects;
     helper.GetRequiredObjects(objects);
-    json["requires"] = Json::array();
-    for (const auto& [classId, implementation] : objects) json["requires"].push_back(classId);
+    json["requires"] = Value::List();
+    for (const auto& [classId, implementation] : objects) json["requires"].Append(classId);
     return json;
 }
 
 /// What a container carries of one kind of stream, or null.
-Json CarriedJson(const IDataHelper& format, const std::string& streamType, const std::string& codecKey) {
+Value CarriedJson(const IDataHelper& format, const std::string& streamType, const std::string& codecKey) {
     ConstraintMap constraints;
     format.GetConstraints(constraints);
     const std::string& separator = Property::SEPARATOR;
     const auto codecs =
         constraints.find(P::KEY_STREAMS + P::INDEX + streamType + separator + codecKey + separator + C::TAG_CODEC_ID);
-    if (codecs == constraints.end()) return nullptr;
+    if (codecs == constraints.end()) return {};
     Property fallback{std::string(), std::string()};
     codecs->second->Fixup(fallback);  // a text that is no codec becomes the default
-    Json ids = Json::array();
-    for (const Property& codec : WhatIsAllowed(*codecs->second).values) ids.push_back(ToJson(codec));
-    return {{"default", ToJson(fallback)}, {"codecs", ids}};
+    Value::List ids;
+    for (const Property& codec : WhatIsAllowed(*codecs->second).values) ids.push_back(PlainFormOf(codec));
+    return {{"default", PlainFormOf(fallback)}, {"codecs", ids}};
 }
 
-Json FormatJson(const std::string& id, const IDataHelper& format) {
-    Json json = HelperJson(id, format);
+Value FormatJson(const std::string& id, const IDataHelper& format, const OtherNames& names) {
+    Value json = HelperJson(id, format, names);
     json["globalHeader"] = FormatHasGlobalHeader(id);
-    json["limits"] = json["defaults"][F::TAG_LIMITS];
+    json["limits"] = Value(json["defaults"][F::TAG_LIMITS]);
     json["video"] = CarriedJson(format, P::STREAM_TYPE_VIDEO, P::KEY_FILTER_VIDEO_CODEC);
     json["audio"] = CarriedJson(format, P::STREAM_TYPE_AUDIO, P::KEY_FILTER_AUDIO_CODEC);
     json["subtitles"] = CarriedJson(format, P::STREAM_TYPE_SUBTITLES_TEXT, P::KEY_FILTER_SUBTITLE_CODEC);
     return json;
 }
 
-Json CodecJson(const std::string& id, const IDataHelper& codec) {
-    Json json = HelperJson(id, codec);
-    json["globalHeader"] = CodecHasGlobalHeader(id);
+Value EncoderJson(const std::string& id) {
     const Proc::SafeEncoderCodec encoder = Proc::FindEncoder(id, Proc::ImplNames::FFMPEG);
-    json["encoder"] = encoder ? Json(encoder->name) : Json();
-    return json;
+    return encoder ? Value(encoder->name) : Value();
 }
 
-Json CodecsJson(const std::string& kind) {
-    Json list = Json::array();
-    for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) list.push_back(CodecJson(id, *helper));
+Value CodecsJson(const std::string& kind, NorvexApps::Named named) {
+    const OtherNames names(named);
+    Value::List list;
+    for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
+        Value json = HelperJson(id, *helper, names);
+        json["globalHeader"] = CodecHasGlobalHeader(id);
+        json["encoder"] = EncoderJson(id);
+        list.push_back(std::move(json));
+    }
+    return list;
+}
+
+/// The subtitle codecs that the containers carry. There are no rules for them.
+Value SubtitleCodecsJson(const Value& formats) {
+    std::set<std::string> ids;
+    for (const Value& format : formats.GetList()) {
+        const Value* const codecs = format["subtitles"].Find("codecs");
+        if (codecs == nullptr) continue;
+        for (const Value& id : codecs->GetList()) ids.insert(id.GetText());
+    }
+    const OtherNames names(NorvexApps::Named::SubtitleCodec);
+    Value::List list;
+    for (const std::string& id : ids) {
+        list.push_back({{"id", id}, {"otherNames", names.Of(id)}, {"encoder", EncoderJson(id)}});
+    }
     return list;
 }
 
 }  // namespace
 
-Json MakeBook() {
+Value MakeBook() {
     FormatValidator::Instance().FillEncoders(Proc::FFmpegCodecFactory::Create());
-    Json book = {{"norvex-rules", g_bookVersion}, {"library", NORVEX_VERSION}, {"ffmpeg", av_version_info()}};
-    book["formats"] = Json::array();
+    Value book = {{"norvex-rules", g_bookVersion}, {"library", NORVEX_VERSION}, {"ffmpeg", av_version_info()}};
+    book["formats"] = Value::List();
+    const OtherNames formatNames(NorvexApps::Named::Format);
     for (const auto& [id, helper] : GetAvailableDataHelpers(P::KEY_FORMAT)) {
-        book["formats"].push_back(FormatJson(id, *helper));
+        book["formats"].Append(FormatJson(id, *helper, formatNames));
     }
-    book["videoCodecs"] = CodecsJson(P::KEY_FILTER_VIDEO_CODEC);
-    book["audioCodecs"] = CodecsJson(P::KEY_FILTER_AUDIO_CODEC);
-    book["filters"] = Json::array();
-    for (const std::string& id :
-         {Proc::IFilterAudioFormatter::CLASS_ID, Proc::IFilterAudioVolume::CLASS_ID, Proc::IFilterFrameRate::CLASS_ID,
-          Proc::IFilterResample::CLASS_ID, Proc::IFilterResize::CLASS_ID}) {
-        book["filters"].push_back(HelperJson(id, *CreateDataHelper(id, std::string())));
+    book["videoCodecs"] = CodecsJson(P::KEY_FILTER_VIDEO_CODEC, NorvexApps::Named::VideoCodec);
+    book["audioCodecs"] = CodecsJson(P::KEY_FILTER_AUDIO_CODEC, NorvexApps::Named::AudioCodec);
+    book["subtitleCodecs"] = SubtitleCodecsJson(book["formats"]);
+    book["filters"] = Value::List();
+    const OtherNames filterNames(NorvexApps::Named::Filter);
+    for (const std::string& id : NorvexApps::IdsOf(NorvexApps::Named::Filter)) {
+        book["filters"].Append(HelperJson(id, *CreateDataHelper(id, std::string()), filterNames));
     }
     return book;
 }

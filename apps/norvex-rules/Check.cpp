@@ -1,9 +1,6 @@
 #include "Check.h"
 
-#include <algorithm>
-
-#include "common/PresetJson.h"
-#include "norvex/Norvex.h"
+#include "norvex/document/PresetDocument.h"
 
 namespace NorvexRules {
 
@@ -11,90 +8,83 @@ namespace {
 
 using namespace Norvex;
 using namespace Norvex::Conf;
-using Core::Property;
-using Json = nlohmann::ordered_json;
+using Document::PlainFormOf;
+using Document::Value;
 
-/// What the preset breaks, by helpers that know automatic values.
-std::vector<Finding> Check(const Property& preset) {
-    std::vector<NamedHelper> helpers = HelpersOf(preset);
-    for (NamedHelper& named : helpers) named.helper = CreateDataHelperAuto(named.kind, named.id);
-    return CheckPreset(AssemblePreset({preset.begin(), preset.end()}), helpers);
+Value FormOf(const std::optional<Core::Property>& value) {
+    return value ? PlainFormOf(*value) : Value();
 }
 
-/// Moves the findings about values that are not there.
-std::vector<Finding> TakeOpen(std::vector<Finding>& findings) {
-    const auto open = std::stable_partition(findings.begin(), findings.end(), [](const Finding& finding) {
-        return finding.problem != Finding::Problem::Missing;
-    });
-    std::vector<Finding> taken(open, findings.end());
-    findings.erase(open, findings.end());
-    return taken;
+const char* SourceName(Finding::Source source) {
+    switch (source) {
+        case Finding::Source::Constraint:
+            return "constraint";
+        case Finding::Source::Rule:
+            return "rule";
+        case Finding::Source::Helper:
+            break;
+    }
+    return "helper";
 }
 
-/// Whether the value is a legal one now.
-bool Mend(Property& preset, const Finding& finding) {
-    if (!finding.value || finding.problem == Finding::Problem::WrongType) return false;
-    // Rules look for the sample format beside the other values of the resampler; its section may have it above them.
-    const std::string& resampler = Proc::IFilterResample::CLASS_ID;
-    const std::string beside = resampler + Property::SEPARATOR + IFormatCodecAudio::TAG_SAMPLE_FORMAT;
-    const bool isBeside =
-        preset.ChildExists(beside) && StreamPathOf(finding.path) == IFormatCodecAudio::TAG_SAMPLE_FORMAT;
-    const std::string& path = isBeside ? beside : finding.path;
-    return preset.ChildExists(path) && finding.constraint->Fixup(preset[path]);
+const char* OutcomeName(MendedValue::Outcome outcome) {
+    switch (outcome) {
+        case MendedValue::Outcome::Kept:
+            return "kept";
+        case MendedValue::Outcome::Corrected:
+            return "corrected";
+        case MendedValue::Outcome::Defaulted:
+            return "defaulted";
+        case MendedValue::Outcome::Dropped:
+            break;
+    }
+    return "dropped";
 }
 
-Json FindingsJson(const std::vector<Finding>& findings) {
-    Json list = Json::array();
+Value FormOf(const std::vector<Finding>& findings) {
+    Value::List list;
     for (const Finding& finding : findings) {
         list.push_back({{"helper", finding.helperKind + (finding.helperId.empty() ? "" : " " + finding.helperId)},
-                        {"kind", finding.source == Finding::Source::Rule ? "rule" : "constraint"},
-                        {"path", finding.path},
-                        {"value", finding.value ? NorvexApps::ToJson(*finding.value) : Json()},
+                        {"kind", SourceName(finding.source)},
+                        {"path", finding.documentPath},
+                        {"value", FormOf(finding.value)},
                         {"allowed", finding.allowed.words},
                         {"message", finding.message}});
     }
     return list;
 }
 
+template <class Told>
+std::string Section(const char* title, const std::vector<Told>& told) {
+    std::string text;
+    for (const Told& one : told) text += "  - " + one.message + '\n';
+    return text.empty() ? text : std::string(title) + ":\n" + text;
+}
+
 }  // namespace
 
-Judgement Judge(const Property& preset) {
-    Judgement judgement;
-    judgement.broken = Check(preset);
-    judgement.open = TakeOpen(judgement.broken);
-    judgement.mended = preset;
-    // A value that is mended may bring another rule into play, but not for ever: two rules may want opposites.
-    constexpr int patience = 8;
-    judgement.left = judgement.broken;
-    for (int round = 0; round < patience && !judgement.left.empty(); ++round) {
-        bool isChanged = false;
-        for (const Finding& finding : judgement.left) isChanged = Mend(judgement.mended, finding) || isChanged;
-        judgement.left = Check(judgement.mended);
-        TakeOpen(judgement.left);
-        if (!isChanged) break;
+std::string JudgementText(const MendedPreset& mended) {
+    const std::string open = Section("Left open", mended.open);
+    if (mended.broken.empty()) return open + "The preset keeps every rule.\n";
+    return open + Section("Broken", mended.broken) + Section("Changed", mended.values) +
+           Section("Left after mending", mended.left) + "Mended:\n" + Document::WritePreset(mended.preset);
+}
+
+std::string JudgementJson(const MendedPreset& mended) {
+    Value::List values;
+    for (const MendedValue& value : mended.values) {
+        values.push_back({{"path", value.path},
+                          {"outcome", OutcomeName(value.outcome)},
+                          {"before", FormOf(value.before)},
+                          {"after", FormOf(value.after)},
+                          {"message", value.message}});
     }
-    return judgement;
-}
-
-std::string JudgementText(const Judgement& judgement) {
-    std::string text;
-    if (!judgement.open.empty()) text += "Left open:\n";
-    for (const Finding& finding : judgement.open) text += "  - " + finding.message + '\n';
-    if (judgement.broken.empty()) return text + "The preset keeps every rule.\n";
-    text += "Broken:\n";
-    for (const Finding& finding : judgement.broken) text += "  - " + finding.message + '\n';
-    if (!judgement.left.empty()) text += "Left after mending:\n";
-    for (const Finding& finding : judgement.left) text += "  - " + finding.message + '\n';
-    return text + "Mended:\n" + NorvexApps::WritePreset(judgement.mended);
-}
-
-std::string JudgementJson(const Judgement& judgement) {
-    const Json json = {{"broken", FindingsJson(judgement.broken)},
-                       {"open", FindingsJson(judgement.open)},
-                       {"left", FindingsJson(judgement.left)},
-                       {"mended", Json::parse(NorvexApps::WritePreset(judgement.mended))}};
-    // A text of the preset need not be UTF-8.
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+    return Document::WriteJson({{"broken", FormOf(mended.broken)},
+                                {"open", FormOf(mended.open)},
+                                {"changed", values},
+                                {"left", FormOf(mended.left)},
+                                {"mended", Document::ReadJson(Document::WritePreset(mended.preset))}}) +
+           '\n';
 }
 
 }  // namespace NorvexRules

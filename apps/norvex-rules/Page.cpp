@@ -4,8 +4,8 @@
 
 namespace NorvexRules {
 
-std::string PageHtml(const nlohmann::ordered_json& book) {
-    std::string data = book.dump(-1, ' ', true);
+std::string PageHtml(const Norvex::Document::Value& book) {
+    std::string data = Norvex::Document::WriteJson(book, {-1, true});
     // Within a script, "</script" would end it early, and "<!--" with "<script" late.
     for (std::size_t at = 0; (at = data.find('<', at)) != std::string::npos; ++at) data.replace(at, 1, "\\u003c");
     std::string page = g_pageTemplate;

@@ -1,11 +1,12 @@
 /// The rule book as one page of its own: no network, no other file.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
+
+#include "norvex/document/Json.h"
 
 namespace NorvexRules {
 
-std::string PageHtml(const nlohmann::ordered_json& book);
+std::string PageHtml(const Norvex::Document::Value& book);
 
 }  // namespace NorvexRules

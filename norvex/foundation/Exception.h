@@ -54,7 +54,8 @@ namespace Core {
 
 class NORVEX_API CoreException : public virtual Exception {};
 
-/// A failed access to a settings tree.
+/// A failed access to a settings tree. It carries the tags below and a TagDescription, and of a missing child its path
+/// as TagDetails.
 class NORVEX_API PropertyException : public virtual CoreException {
 public:
     using TagPropertyName = boost::error_info<struct PropertyNameId, std::string>;    ///< the node's name
@@ -62,7 +63,7 @@ public:
     using TagMethodName = boost::error_info<struct MethodNameId, std::string>;        ///< the operation refused
 };
 
-/// An operation on a node of the wrong type.
+/// An operation on a node of the wrong type. It carries the same tags and the call stack, and no description.
 class NORVEX_API MethodIsNotApplicable : public virtual PropertyException {};
 
 }  // namespace Core

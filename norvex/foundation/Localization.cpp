@@ -5,8 +5,9 @@
 namespace Norvex::Core {
 
 std::string LocalizationManager::Translate(const std::string& message, const std::string& domain) const {
-    // The empty message is gettext's key for the catalogue's own header.
-    return message.empty() ? message : dgettext(domain.c_str(), message.c_str());
+    // The empty message is gettext's key for the catalogue's own header, and behind a NUL it would not read on.
+    if (message.empty() || message.find('\0') != std::string::npos) return message;
+    return dgettext(domain.c_str(), message.c_str());
 }
 
 LocalizationDomain GetLocalizationManagerForDomain(const std::string& domain) {

@@ -7,7 +7,7 @@
 namespace Norvex::Core {
 
 /// Translates messages through gettext. A host binds the catalogue of a domain with bindtextdomain and sets the
-/// locale; a message without a translation comes back as it is.
+/// locale; a message without a translation, or with a NUL in it, comes back as it is.
 class NORVEX_API LocalizationManager {
 public:
     std::string Translate(const std::string& message, const std::string& domain) const;

@@ -17,7 +17,7 @@
 namespace Norvex::Core {
 
 /// The ratio type of the whole system. Compare ratios with ratios only: against an integer, some releases of
-/// Boost recurse without end in C++20.
+/// Boost recurse without end in C++20. Making one with the denominator 0 throws boost::bad_rational.
 using Ratio = boost::rational<long long>;
 
 namespace Detail {
@@ -72,15 +72,18 @@ public:
     Property() = default;
     /// A node that can hold children, PT_NODE.
     explicit Property(std::string name);
-    /// A leaf. Takes bool, every integer (PT_INT64), floating point, text and Ratio.
+    /// A leaf. Takes bool, every integer (PT_INT64; of an unsigned one beyond the range the bits stay, so that the
+    /// largest is -1), floating point (PT_DOUBLE), text, which must not be a null pointer, and Ratio.
     template <class T, class Scalar = Detail::Scalar<T>>
     Property(std::string name, const T& value) : m_name(std::move(name)), m_value(MakeValue<Scalar>(value)) {}
 
     Property(const Property& other);
+    /// The other node is left without children, and of no use but to be assigned to.
     Property(Property&&) noexcept = default;
     ~Property() { RemoveAll(); }
 
-    /// Takes the other node whole, its name included. The source may lie inside this tree.
+    /// Takes the other node whole, its name included. The source may lie inside this tree. It may also be an ancestor
+    /// of this node, but not when it is moved: the tree would own itself, and be lost.
     Property& operator=(const Property& other);
     Property& operator=(Property&& other) noexcept;
     /// Takes the value and the type that goes with it, and keeps the name. Children are dropped.
@@ -100,8 +103,8 @@ public:
     bool GetBool() const;
     /// Reads PT_INT64 as well.
     double GetDouble() const;
-    /// Reads PT_DOUBLE as well: the fraction is cut off, what lies outside the range goes to its nearer end, and
-    /// NaN reads as the upper end, so that no range takes it for a legal value.
+    /// Reads PT_DOUBLE as well: the fraction is cut off, what lies outside the range goes to its nearer end, and NaN to
+    /// the upper one.
     long long GetInt64() const;
     /// Reads texts such as "30000/1001" and "25" as well.
     Ratio GetRatio() const;

@@ -31,9 +31,17 @@ constexpr const std::string* g_methods[] = {
     &IResize::METHOD_BICUBIC,
 };
 
+[[noreturn]] void FailUnknown(const std::string& tag, const std::string& value) {
+    SettingsException exception;
+    exception << TagDescription("Unknown value of " + tag) << TagDetails(value);
+    NORVEX_THROW(exception);
+}
+
 template <class Enum, std::size_t N>
-const std::string& TextOf(Enum value, const std::string* const (&texts)[N]) {
-    return *texts[static_cast<std::size_t>(value)];
+const std::string& TextOf(Enum value, const std::string& tag, const std::string* const (&texts)[N]) {
+    const auto index = static_cast<std::size_t>(value);  // a negative number becomes a large one
+    if (index >= N) FailUnknown(tag, std::to_string(static_cast<std::int32_t>(value)));
+    return *texts[index];
 }
 
 template <class Enum, std::size_t N>
@@ -41,11 +49,7 @@ Enum ReadEnum(const Property& section, const std::string& tag, const std::string
     const std::string& text = section[tag].GetString();
     const auto* const found =
         std::find_if(std::begin(texts), std::end(texts), [&text](const std::string* name) { return *name == text; });
-    if (found == std::end(texts)) {
-        SettingsException exception;
-        exception << TagDescription("Unknown value of " + tag) << TagDetails(text);
-        NORVEX_THROW(exception);
-    }
+    if (found == std::end(texts)) FailUnknown(tag, text);
     return static_cast<Enum>(found - std::begin(texts));
 }
 
@@ -131,14 +135,15 @@ Property IFilterResize::Settings2Property(const SettingsResizer& settings) {
     Property& section = filter.SetChild(IResize::CLASS_ID);
     section.SetChildT(Conf::IPreset::KEY_TYPE_ID, settings.implementation);
     section.SetChildT(IResize::BACKGROUND_COLOR, settings.backgroundColor);
-    section.SetChildT(IResize::MODE, TextOf(settings.mode, g_customModes));
-    section.SetChildT(IResize::FRAME_SIZE_MODE, TextOf(settings.frameSizeMode, g_frameSizeModes));
+    section.SetChildT(IResize::MODE, TextOf(settings.mode, IResize::MODE, g_customModes));
+    section.SetChildT(IResize::FRAME_SIZE_MODE,
+                      TextOf(settings.frameSizeMode, IResize::FRAME_SIZE_MODE, g_frameSizeModes));
     section.SetChildT(V::TAG_WIDTH, settings.width);
     section.SetChildT(V::TAG_HEIGHT, settings.height);
     section.SetChildT(V::TAG_ASPECTX, settings.aspectX);
     section.SetChildT(V::TAG_ASPECTY, settings.aspectY);
     section.SetChildT(IResize::SCALE, settings.scale);
-    section.SetChildT(IResize::METHOD, TextOf(settings.method, g_methods));
+    section.SetChildT(IResize::METHOD, TextOf(settings.method, IResize::METHOD, g_methods));
     return filter;
 }
 

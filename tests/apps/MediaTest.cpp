@@ -1125,7 +1125,7 @@ TEST_F(MediaFailure, OutputsThatCannotBeWritten) {
         std::string output;
         const char* reason;
     } table[] = {
-        {Path("no/such/folder.mp4"), "No such file or directory"},
+        {Path("no/such/folder.mp4"), "there is no folder"},
         {Path("folder"), "Is a directory"},
         {Path("fifo"), "not a regular file"},
         {input, "it is the input"},

@@ -5,13 +5,14 @@
 #include <nlohmann/json.hpp>
 
 #include "Report.h"
-#include "common/PresetJson.h"
 #include "norvex/Norvex.h"
+#include "norvex/document/PresetDocument.h"
 
 namespace {
 
 using namespace NorvexExport;
 using namespace Norvex::Conf;
+using Norvex::Core::Ratio;
 using testing::HasSubstr;
 using A = IFormatCodecAudio;
 using C = IFormatCodec;
@@ -183,7 +184,7 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Refusal{"UnknownFormat",
                 [](Request& r, InputInfo&) { r.choices = {Chosen("format/container", "mp5", "--format")}; },
-                "unknown format 'mp5'; the formats are 3g2"},
+                "there is no format 'mp5'; did you mean "},
         Refusal{"NoExtension", [](Request& r, InputInfo&) { r.output = "film"; }, "no extension"},
         Refusal{"UnknownCodec",
                 [](Request& r, InputInfo&) { r.choices = {Chosen("video_codec/codec_id", "h999", "--video")}; },
@@ -319,7 +320,7 @@ TEST_F(PlanTest, TellsWhatIsCopiedLeftOutOrBroughtToAForm) {
 
 /// What a plan comes to, whatever the order of its values.
 std::string JobText(const Plan& plan) {
-    return nlohmann::json::parse(NorvexApps::ToJson(plan.settled).dump()).dump() + plan.job.muxer +
+    return nlohmann::json::parse(WriteJson(Norvex::Document::PlainFormOf(plan.settled))).dump() + plan.job.muxer +
            (plan.job.video ? std::to_string(plan.job.video->width) + 'x' + std::to_string(plan.job.video->bitrate)
                            : "") +
            (plan.job.audio ? std::to_string(plan.job.audio->sampleRate) + '/' + std::to_string(plan.job.audio->bitrate)
@@ -347,8 +348,45 @@ TEST_F(PlanTest, ASavedPresetGivesTheSamePlan) {
         SCOPED_TRACE(format);
         const Plan plan = PlanOf(format, choices, Film());
         Request again = ToMp4();
-        ChooseFromPreset(again, NorvexApps::WritePreset(plan.settled));
+        ChooseFromPreset(again, Norvex::Document::WritePreset(plan.settled));
         EXPECT_EQ(JobText(MakePlan(again, Film())), JobText(plan));
+    }
+}
+
+TEST_F(PlanTest, NeverLeavesTheEncoderTheMarkOfTheSourcesRate) {
+    const std::string path = "filter_rate/frame_rate";
+    const struct {
+        const char* format;
+        Fraction source;
+        std::optional<Ratio> asked;
+        Ratio rate;
+        const char* saved;
+    } cases[] = {
+        {"gif", {2, 1}, {}, {2, 1}, "0/1"},           {"gif", {2, 1}, Ratio(0, 1), {2, 1}, "0/1"},
+        {"gif", {2, 1}, Ratio(2, 1), {2, 1}, "0/1"},  {"gif", {2, 1}, Ratio(3, 1), {8, 1}, "8/1"},
+        {"gif", {60, 1}, Ratio(3, 1), {8, 1}, "8/1"}, {"gif", {60, 1}, Ratio(0, 1), {30, 1}, "30/1"},
+        {"mp4", {1, 3}, {}, {1, 3}, "0/1"},           {"mp4", {1, 3}, Ratio(0, 1), {1, 3}, "0/1"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.format + std::to_string(c.source.numerator));
+        InputInfo input = Film();
+        input.video->frameRate = c.source;
+        std::vector<Choice> choices;
+        if (c.asked) choices = {Chosen(path, *c.asked, "--fps")};
+        const Plan plan = PlanOf(c.format, choices, input);
+        EXPECT_EQ(Ratio(plan.job.video->frameRate.numerator, plan.job.video->frameRate.denominator), c.rate);
+        EXPECT_EQ(PropertyValueToString(plan.settled[path]), c.saved);
+        // What is told is what is done, and the saved preset does it again.
+        const StreamPlan& stream = plan.streams[0];
+        EXPECT_EQ(stream.settled[V::TAG_FPS].GetRatio(), c.rate);
+        Ratio told = stream.asked[V::TAG_FPS].GetRatio();
+        for (const CorrectedValue& change : stream.changes) {
+            if (change.path == V::TAG_FPS) told = change.after->GetRatio();
+        }
+        EXPECT_EQ(told, c.rate);
+        Request again = ToMp4();
+        ChooseFromPreset(again, Norvex::Document::WritePreset(plan.settled));
+        EXPECT_EQ(JobText(MakePlan(again, input)), JobText(plan));
     }
 }
 
@@ -370,8 +408,8 @@ TEST_F(PlanTest, ReadsPresetsAndSaysWhatIsWrongWithThem) {
         {"\"audio_codec\": {", "'my.json', line 3: this is no JSON"},
         {"\"audio_codec\": {\"codec_id\": \"mp4\"}", "'my.json', line 2: there is no codec 'mp4'"},
         {"\"filter_volume\": {}", "line 2: this program has no use for 'filter_volume'"},
-        {"\"filter_rate\": {\"frame_rate\": 25}",
-         "preset, line 2: '25' is no value of the type of 'filter_rate/frame_rate'"},
+        {"\"filter_rate\": {\"frame_rate\": true}",
+         "preset, line 2: 'true' is no value of the type of 'filter_rate/frame_rate'"},
         {"\"filter_resample\": {\"resample\": {\"sample_rate\": \"x\"}}",
          "preset, line 2: 'x' is no value of the type of "},
         {"\"filter_resample\": {\"sample_format\": 5}", "preset, line 2: '5' is no value of the type of "},

@@ -1,9 +1,12 @@
 // norvex-export as a user runs it.
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "Media.h"
 #include "support/MadeClip.h"
@@ -11,7 +14,9 @@
 
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
+using testing::StartsWith;
 using Outcome = NorvexTest::Outcome;
 
 class ProgramTest : public NorvexTest::ProgramFixture {
@@ -36,17 +41,98 @@ TEST_F(ProgramTest, ExportsWhatWasAskedFor) {
     EXPECT_EQ(FileCount(), 2U) << "something was left beside the output";
 }
 
+TEST_F(ProgramTest, MakesAGifOfASlowFilm) {
+    NorvexTest::ClipSettings slow;
+    slow.frames = 4, slow.frameRate = 2;
+    NorvexTest::MakeClip(File("slow.nut"), slow);
+    for (const auto& [option, rate] : {std::pair("", 2), std::pair(" --fps 3", 8)}) {
+        const Outcome outcome = Run(std::string("slow.nut slow.gif") + option);
+        ASSERT_EQ(outcome.status, 0) << outcome.text;
+        EXPECT_EQ(NorvexExport::Probe(File("slow.gif")).video->frameRate.numerator, rate);
+    }
+}
+
+TEST_F(ProgramTest, KnowsTheCodecsOfToday) {
+    Clip();
+    const struct {
+        const char *output, *options, *video, *audio;
+    } cases[] = {
+        {"out.webm", "--audio opus", "vp8 yuv420p", "opus"},
+        {"out.opus", "", "", "opus"},
+        {"out.mkv", "--video ffv1 --audio flac", "ffv1 yuv420p", "flac"},
+        {"out.jxl", "", "jpegxl rgb24", ""},
+        {"out.webp", "--quality 40", "webp yuv420p", ""},
+        {"out.mov", "--video dnxhd --profile dnxhd", "dnxhd yuv422p", "aac"},
+        {"out.mxf", "--video dnxhd --profile dnxhr_hqx", "dnxhd yuv422p10le", "pcm_s16le"},
+        {"out.mov", "--video cfhd --quality 1 --audio pcm_f32le", "cfhd yuv422p10le", "pcm_f32le"},
+        {"out.exr", "--codec-format float", "exr gbrpf32le", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.output + std::string(" ") + c.options);
+        const Outcome outcome = Run(std::string("in.mkv ") + c.output + " --quiet " + c.options);
+        EXPECT_EQ(outcome.text, "");
+        const auto info = NorvexExport::Probe(File(c.output));
+        EXPECT_EQ(info.video ? info.video->codecId + ' ' + info.video->pixelFormat : "", c.video);
+        EXPECT_EQ(info.audio ? info.audio->codecId : "", c.audio);
+    }
+    EXPECT_THAT(Run("in.mkv out.webm --audio opus --classic --quiet").text,
+                HasSubstr("does not carry the codec 'opus'"));
+    EXPECT_THAT(Run("in.mkv out.opus --classic --quiet").text, HasSubstr("there is no format 'opus'"));
+    EXPECT_THAT(Run("in.mkv out.thd --classic --quiet").text, HasSubstr("there is no format 'thd'"));
+}
+
 TEST_F(ProgramTest, DryRunWritesNothing) {
     Clip();
     const Outcome outcome = Run("in.mkv out.mp4 --dry-run --json");
     ASSERT_EQ(outcome.status, 0) << outcome.text;
     EXPECT_EQ(nlohmann::json::parse(outcome.text)["streams"].size(), 2U);
+    EXPECT_THAT(Run("in.mkv out.mp4 --dry-run").text, HasSubstr("Nothing was encoded"));
     EXPECT_EQ(FileCount(), 1U);
+}
+
+TEST_F(ProgramTest, EveryExampleOfItsHelpRuns) {
+    NorvexTest::MakeClip(File("film.mov"), {});
+    Write("leaks", "leak:libx265\n");  // its own
+    std::istringstream help(Run("--help").text);
+    int examples = 0;
+    for (std::string line; std::getline(help, line);) {
+        const std::string start = "  norvex-export ";
+        if (line.compare(0, start.size(), start) != 0) continue;
+        ++examples;
+        const Outcome outcome = Run(line.substr(start.size()), "LSAN_OPTIONS=suppressions=leaks");
+        EXPECT_EQ(outcome.status, 0) << line << outcome.text;
+    }
+    EXPECT_GE(examples, 9);
+}
+
+TEST_F(ProgramTest, ASignalEndsItAndLeavesNothing) {
+    NorvexTest::ClipSettings clip;
+    clip.frames = 200;
+    NorvexTest::MakeClip(File("in.nut"), clip);
+    ASSERT_EQ(mkfifo(File("pipe").c_str(), 0600), 0);
+    const std::string slow = "in.nut out.mp4 --quiet --size 4k --encoder-preset veryslow";
+    const struct {
+        const char* signal;
+        std::string arguments;
+        int status;
+    } cases[] = {
+        {"INT", slow + " --two-pass", 130}, {"TERM", slow, 143}, {"HUP", "pipe out.mp4", 129},  // nobody writes to it
+    };
+    for (const auto& [signal, arguments, status] : cases) {
+        SCOPED_TRACE(signal);
+        // Whoever runs the tests may have signals ignored.
+        const Outcome outcome = Run(arguments, std::string("TMPDIR=. timeout --preserve-status -s ") + signal +
+                                                   " 1 env --default-signal=INT,TERM,HUP");
+        EXPECT_EQ(outcome.status, status);
+        EXPECT_EQ(outcome.text, std::string("norvex-export: stopped by SIG") + signal + '\n');
+        EXPECT_EQ(FileCount(), 2U);
+    }
 }
 
 TEST_F(ProgramTest, StartsFromAPresetThatItSavedAndExplainsItself) {
     Clip();
-    ASSERT_EQ(Run("in.mkv out.avi --audio mp3 --size 160x120 --save-preset my.json --dry-run --quiet").status, 0);
+    EXPECT_THAT(Run("in.mkv out.avi --audio mp3 --size 160x120 --save-preset my.json --dry-run").text,
+                HasSubstr("Saved the preset to my.json.\n"));
     ASSERT_EQ(Run("in.mkv out.avi --preset my.json --save-preset again.json --dry-run --quiet").status, 0);
     EXPECT_EQ(Read("again.json"), Read("my.json"));
     const Outcome outcome = Run("in.mkv out.avi --preset my.json --dry-run --explain");
@@ -59,6 +145,11 @@ TEST_F(ProgramTest, AFailureIsOnePlainLineAndLeavesTheOldOutput) {
     Clip();
     std::ofstream(File("garbage.mkv")) << "this is no film";
     std::ofstream(File("out.mp4")) << "old";
+    std::filesystem::create_hard_link(File("in.mkv"), File("hard"));
+    std::filesystem::create_symlink("new.avi", File("link"));  // which is not there yet
+    std::filesystem::create_symlink(".", File("here"));
+    std::ofstream(File("my.json")) << R"({"norvex-preset": 1, "preset": {}})";
+    const std::string clip = Read("in.mkv");
     struct Case {
         const char* arguments;
         int status;
@@ -70,25 +161,38 @@ TEST_F(ProgramTest, AFailureIsOnePlainLineAndLeavesTheOldOutput) {
         {". out.mp4", 1, "'.'"},
         {"in.mkv out.mp4 --no-video --no-audio", 1, "has no stream"},
         {"in.mkv out.mp4 --size 161x120", 1, "--size: '161' is not legal here"},
-        {"in.mkv nowhere/out.mp4", 1, "nowhere"},
+        {"in.mkv nowhere/out.mp4", 1, "cannot write 'nowhere/out.mp4': there is no folder 'nowhere'"},
+        {"in.mkv here/in.mkv --dry-run", 1, "cannot write 'here/in.mkv': it is the input"},
+        {"in.mkv out.mp4 --save-preset hard", 1, "cannot write 'hard': it is the input"},
+        {"in.mkv new.avi --save-preset link", 1, "cannot write 'link': it is the output"},
+        {"in.mkv new.avi --save-preset here/new.avi", 1, "cannot write 'here/new.avi': it is the output"},
+        {"in.mkv out.mp4 --preset my.json --save-preset here/my.json", 1, "it is the preset that is read"},
+        {"in.mkv my.json --preset my.json --format mp4", 1, "it is the preset that is read"},
+        {"in.mkv out.mp4 --save-preset /dev/null", 1, "cannot write '/dev/null': it is not a regular file"},
+        {"in.mkv out.avi --video wmv2 --quality 40", 1, "--quality: '40' is not legal here; allowed: from 1 to 31"},
         {"in.mkv", 2, "OUTPUT is required"},
+        {"in.mkv out.mp4 more", 2, "there is no use for 'more'"},
+        {"in.mkv out.mp4 --qualty=20", 2, "there is no option '--qualty'; did you mean '--quality'?"},
         {"in.mkv out.mp4 --size big", 2, "'big' is no size"},
         {"in.mkv out.mp4 --fps 0", 2, "'0' is no frame rate"},
+        {"in.mkv out.mp4 --threads 3000000000", 2, "is not a whole number from 0 to 2147483647"},
+        {"in.mkv out.mp4 --quality 52", 2, "--quality: '52' is not a whole number from 1 to 51"},
         {"in.mkv out.mp4 --quality 20 --video-bitrate 100000", 2, "excludes"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.arguments);
         const Outcome outcome = Run(std::string(c.arguments) + (c.status == 1 ? " --quiet" : ""));
         EXPECT_EQ(outcome.status, c.status) << outcome.text;
-        EXPECT_THAT(outcome.text, HasSubstr(c.words));
+        EXPECT_THAT(outcome.text, AllOf(StartsWith("norvex-export: "), HasSubstr(c.words)));
         if (c.status == 1) {
             EXPECT_EQ(std::count(outcome.text.begin(), outcome.text.end(), '\n'), 1) << outcome.text;
         }
         std::string kept;
         std::ifstream(File("out.mp4")) >> kept;
         EXPECT_EQ(kept, "old");
-        EXPECT_EQ(FileCount(), 3U);
+        EXPECT_EQ(FileCount(), 7U);
     }
+    EXPECT_EQ(Read("in.mkv"), clip);
 }
 
 }  // namespace

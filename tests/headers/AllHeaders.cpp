@@ -1,4 +1,5 @@
 #include "norvex/Norvex.h"
+#include "norvex/document/PresetDocument.h"
 
 // What a host in this standard does with them: the operators that a newer standard rewrites.
 namespace {

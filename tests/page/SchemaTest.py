@@ -1,7 +1,8 @@
-"""The document of `norvex-rules json` against its schema: SchemaTest.py PROGRAM SCHEMA."""
+"""The documents of the programs against their schemas: SchemaTest.py PROGRAM BOOK_SCHEMA PRESET_SCHEMA PRESET_PAGE."""
 
 import copy
 import json
+import re
 import subprocess
 import sys
 
@@ -26,8 +27,9 @@ def faults(schema, value, root, path="document"):
         elif keyword == "type":
             if not any(is_of_type(value, name) for name in ([word] if isinstance(word, str) else word)):
                 yield f"{path} is no {word}"
-        elif keyword == "const":
-            if value != word or isinstance(value, bool):
+        elif keyword in ("const", "enum"):
+            allowed = [word] if keyword == "const" else word
+            if not any(value == one and isinstance(value, bool) == isinstance(one, bool) for one in allowed):
                 yield f"{path} is not {word}"
         elif keyword == "required":
             if isinstance(value, dict):
@@ -57,32 +59,53 @@ def faults(schema, value, root, path="document"):
             sys.exit(f"the checker does not know the keyword {keyword}")
 
 
-def main():
-    program, schema_file = sys.argv[1:]
-    schema = json.load(open(schema_file, encoding="utf-8"))
-    book = json.loads(subprocess.run([program, "json"], check=True, capture_output=True).stdout)
-    found = list(faults(schema, book, schema))
+def test(schema, documents, damages):
+    """What is wrong with the documents, and what damage to the first of them goes unnoticed."""
+    found = [fault for document in documents for fault in faults(schema, document, schema)]
     for fault in found[:20]:
         print(fault)
-
     # A schema that lets everything through would be no help.
-    def damaged(change):
-        document = copy.deepcopy(book)
-        change(document)
-        return any(faults(schema, document, schema))
-
-    damages = [
-        lambda b: b.update({"norvex-rules": 2}), lambda b: b.pop("filters"), lambda b: b.update(more=1),
-        lambda b: b["formats"][0].pop("limits"), lambda b: b["formats"][0]["limits"].update(video=-1),
-        lambda b: b["formats"][0]["video"].update(codecs=[]), lambda b: b["formats"].append(b["filters"][0]),
-        lambda b: b["videoCodecs"][0].update(encoder=5), lambda b: b["audioCodecs"][0]["constraints"].append({"path": "x"}),
-        lambda b: b["audioCodecs"][0]["rules"].append({"path": "", "when": None, "allowed": {"words": ""}}),
-        lambda b: b["filters"][0]["defaults"].update(x=[]), lambda b: b.update(library=""),
-    ]
     for number, damage in enumerate(damages):
-        if not damaged(damage):
+        document = copy.deepcopy(documents[0])
+        damage(document)
+        if not any(faults(schema, document, schema)):
             print(f"damage {number} was not seen")
             found.append(number)
+    return found
+
+
+def main():
+    program, book_schema, preset_schema, page = sys.argv[1:]
+    run = lambda *arguments, **more: subprocess.run([program, *arguments], capture_output=True, text=True, **more)
+    book = json.loads(run("json", check=True).stdout)
+    found = test(json.load(open(book_schema, encoding="utf-8")), [book], [
+        lambda b: b.update({"norvex-rules": 1}), lambda b: b.pop("filters"), lambda b: b.update(more=1),
+        lambda b: b["formats"][0].pop("limits"), lambda b: b["formats"][0]["limits"].update(video=-1),
+        lambda b: b["formats"][0]["video"].update(codecs=[]), lambda b: b["formats"].append(b["filters"][0]),
+        lambda b: b["videoCodecs"][0].update(encoder=5), lambda b: b["subtitleCodecs"][0].pop("encoder"), lambda b: b["audioCodecs"][0]["constraints"].append({"path": "x"}),
+        lambda b: b["audioCodecs"][0]["rules"].append({"path": "", "when": None, "allowed": {"words": ""}}),
+        lambda b: b["filters"][0]["defaults"].update(x=[]), lambda b: b.update(library=""),
+    ])
+
+    # The page's examples, the one with streams first, and the defaults of all helpers.
+    examples = re.findall("```json\n(.*?)```", open(page, encoding="utf-8").read(), re.DOTALL)
+    for example in examples:
+        checked = run("check", "/dev/stdin", input=example)
+        if checked.stdout.splitlines()[-1:] != ["The preset keeps every rule."]:
+            print(checked.stdout + checked.stderr)
+            found.append(example)
+    sections = [("format", "formats"), ("video_codec", "videoCodecs"), ("audio_codec", "audioCodecs")]
+    documents = [json.loads(example) for example in reversed(examples)]
+    documents += [{"norvex-preset": 1, "preset": {name: helper["defaults"]}} for name, list in sections for helper in book[list]]
+    documents += [{"norvex-preset": 1, "preset": {filter["id"]: filter["defaults"]}} for filter in book["filters"]]
+    found += test(json.load(open(preset_schema, encoding="utf-8")), documents, [
+        lambda d: d.update({"norvex-preset": 2}), lambda d: d.pop("preset"), lambda d: d.update(more=1),
+        lambda d: d["preset"].update(filters={}), lambda d: d["preset"]["format"].pop("container"),
+        lambda d: d["preset"]["format"]["streams"]["1"].pop("type"),
+        lambda d: d["preset"]["format"]["streams"]["1"].update(type="film"),
+        lambda d: d["preset"]["video_codec"].update(codec_id=5), lambda d: d["preset"]["video_codec"].update(bitrate=[]),
+        lambda d: d["preset"]["filter_rate"].update(fps=25), lambda d: d["preset"].update(subtitle_codec={}),
+    ])
     sys.exit(1 if found else 0)
 
 

@@ -17,7 +17,7 @@ using namespace Norvex::Conf;
 using namespace NorvexTest;
 using Core::Property;
 
-constexpr std::size_t threadCount = 8;
+constexpr std::size_t threadCount = 16;
 
 /// Runs the work on all threads, which start together, and returns what each brought.
 template <class T>
@@ -94,10 +94,12 @@ TEST(Threads, SharedHelpersAnswerAllThreadsAlikeAndKeepTheirCounts) {
         for (const auto& id : FormatValidator::Instance().GetSupportedAudioCodecs("matroska", {}, {})) text += id;
         return text;
     };
-    const std::string alone = askAll();
     std::vector<std::uint32_t> counts;
     for (const NamedHelper& named : helpers) counts.push_back(named.helper->GetRefCount());
-    for (const std::string& text : OnAllThreads<std::string>(askAll)) EXPECT_TRUE(text == alone);
+    // Together first, while no helper keeps its answers yet.
+    const std::vector<std::string> together = OnAllThreads<std::string>(askAll);
+    const std::string alone = askAll();
+    for (const std::string& text : together) EXPECT_TRUE(text == alone);
     for (std::size_t i = 0; i < helpers.size(); ++i) EXPECT_EQ(helpers[i].helper->GetRefCount(), counts[i]);
 }
 

@@ -93,4 +93,10 @@ const AVChannelLayout* SafeEncoderCodec::GetSupportedChannelLayouts() const {
     return ListOrNull(ListsOf(m_codec).layouts);
 }
 
+bool SafeEncoderCodec::TakesOption(const std::string& option, const std::string& value) const {
+    const auto& options = ListsOf(m_codec).options;
+    const auto found = options.find(option);
+    return found != options.end() && std::count(found->second.begin(), found->second.end(), value) != 0;
+}
+
 }  // namespace Norvex::Proc

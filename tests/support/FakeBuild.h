@@ -17,6 +17,7 @@ struct FakeEncoder {
     std::vector<AVSampleFormat> sampleFormats;
     std::vector<int> sampleRates;
     std::vector<AVChannelLayout> layouts;
+    std::map<std::string, std::vector<std::string>> options = {};  ///< the values that each option takes
 };
 
 /// An FFmpeg build whose encoders, by codec id, are what the test says, for as long as this lives. While there is

@@ -10,6 +10,8 @@
 #include <iterator>
 #include <string>
 
+#include "support/TemporaryFolder.h"
+
 namespace NorvexTest {
 
 struct Outcome {
@@ -20,16 +22,9 @@ struct Outcome {
 /// Runs a program in a folder of the test's own.
 class ProgramFixture : public testing::Test {
 protected:
-    explicit ProgramFixture(const char* program) : m_program(program) {
-        const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
-        m_folder = std::filesystem::path(testing::TempDir()) /
-                   (std::string("norvex-") + test->test_suite_name() + '-' + test->name());
-        std::filesystem::remove_all(m_folder);
-        std::filesystem::create_directories(m_folder);
-    }
-    ~ProgramFixture() override { std::filesystem::remove_all(m_folder); }
+    explicit ProgramFixture(const char* program) : m_program(program) {}
 
-    std::string File(const std::string& name) const { return (m_folder / name).string(); }
+    std::string File(const std::string& name) const { return m_folder.File(name); }
     void Write(const std::string& name, const std::string& text) const {
         std::ofstream(File(name), std::ios::binary) << text;
     }
@@ -39,11 +34,17 @@ protected:
     }
     std::size_t FileCount() const {
         namespace fs = std::filesystem;
-        return static_cast<std::size_t>(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()));
+        return static_cast<std::size_t>(
+            std::distance(fs::directory_iterator(m_folder.Path()), fs::directory_iterator()));
     }
 
-    Outcome Run(const std::string& arguments) const {
-        const std::string command = "cd '" + m_folder.string() + "' && '" + m_program + "' " + arguments + " 2>&1";
+    /// `before` is what the shell runs the program by, such as variables.
+    Outcome Run(const std::string& arguments, const std::string& before = {}) const {
+        return RunOther(m_program, arguments, before);
+    }
+    Outcome RunOther(const std::string& program, const std::string& arguments, const std::string& before = {}) const {
+        const std::string command =
+            "cd '" + m_folder.Path().string() + "' && " + before + " '" + program + "' " + arguments + " 2>&1";
         std::FILE* const pipe = popen(command.c_str(), "r");
         Outcome outcome{};
         std::array<char, 4096> part{};
@@ -56,7 +57,7 @@ protected:
 
 private:
     std::string m_program;
-    std::filesystem::path m_folder;
+    TemporaryFolder m_folder;
 };
 
 }  // namespace NorvexTest

@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/TemporaryFolder.h"
+
 namespace NorvexTest {
 
 /// The bytes of a gettext catalogue with these messages, beside its header, which stands under the empty message.
@@ -36,29 +38,25 @@ inline std::string GettextCatalogue(std::map<std::string, std::string> messages)
 class Translation {
 public:
     explicit Translation(std::initializer_list<std::pair<const std::string, std::string>> messages) {
-        std::string place = (std::filesystem::temp_directory_path() / "norvexXXXXXX").string();
-        EXPECT_NE(mkdtemp(place.data()), nullptr);
-        m_folder = place;
-        std::filesystem::create_directories(m_folder / "xx/LC_MESSAGES");
-        std::ofstream(m_folder / "xx/LC_MESSAGES/core.mo", std::ios::binary) << GettextCatalogue(messages);
+        std::filesystem::create_directories(m_folder.Path() / "xx/LC_MESSAGES");
+        std::ofstream(m_folder.File("xx/LC_MESSAGES/core.mo"), std::ios::binary) << GettextCatalogue(messages);
         // A locale by another name: in C, and of late in C.UTF-8 too, gettext leaves messages alone.
-        std::filesystem::create_directory_symlink("/usr/lib/locale/C.utf8", m_folder / "xx.utf8");
-        setenv("LOCPATH", place.c_str(), 1);
+        std::filesystem::create_directory_symlink("/usr/lib/locale/C.utf8", m_folder.Path() / "xx.utf8");
+        setenv("LOCPATH", m_folder.Path().c_str(), 1);
         setenv("LANGUAGE", "xx", 1);
-        bindtextdomain("core", place.c_str());
+        bindtextdomain("core", m_folder.Path().c_str());
         EXPECT_NE(setlocale(LC_ALL, "xx.UTF-8"), nullptr);
     }
     ~Translation() {
         setlocale(LC_ALL, "C");
         unsetenv("LANGUAGE");
         unsetenv("LOCPATH");
-        std::filesystem::remove_all(m_folder);
     }
     Translation(const Translation&) = delete;
     Translation& operator=(const Translation&) = delete;
 
 private:
-    std::filesystem::path m_folder;
+    TemporaryFolder m_folder;
 };
 
 }  // namespace NorvexTest

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "norvex/Norvex.h"
+#include "support/Failures.h"
 #include "support/FakeBuild.h"
 #include "support/TestHelpers.h"
 #include "support/Trees.h"
@@ -271,6 +272,28 @@ TEST(AudioCodecs, PcmCountsWhatItsEncoderTakesAndTellsWhatItStores) {
         EXPECT_EQ(stream[A::TAG_BITRATE].GetInt64(), 44100 * 2 * c.taken);
         EXPECT_EQ(DataHelperAudioCodecPCM::GetStoredBitsPerSample(c.codecId), c.stored);
     }
+}
+
+TEST(AudioCodecs, ABitrateNeedsAllItsValuesBeforeANameIsLookedUp) {
+    for (const char* const text : {"- s16 nowhere", "48000 - nowhere", "48000 nothing -"}) {
+        EXPECT_THROW(Flac::CalculateBitrate(Stream(text)), Core::PropertyException) << text;
+    }
+    const auto failure = CatchFrom<FormatException>([] { Flac::CalculateBitrate(Stream("48000 nothing nowhere")); });
+    EXPECT_EQ(TagOf<TagDetails>(failure), "nowhere");
+}
+
+TEST(AudioCodecs, TheListOfTheCallerDecidesWhatAacAndMp2Add) {
+    ConstraintMap constraints = {{"filter_resample/resample/channel_layout", nullptr}};
+    DataHelperAudioCodecAac::Create()->GetConstraints(constraints);
+    EXPECT_FALSE(constraints.at("filter_resample/resample/channel_layout")) << "it is there";
+    RuleList rules = CollectRules(*PcmS16());
+    rules.emplace_back("/", nullptr);
+    DataHelperAudioCodecAac::Create()->GetValidationRules(rules);
+    Mp2::Create()->GetValidationRules(rules);
+    std::vector<std::string> paths;
+    for (const auto& [key, rule] : rules) paths.push_back(rule ? rule->GetSecondPath() : "");
+    EXPECT_THAT(paths, ElementsAre("filter_resample/resample/channel_layout", "", "audio_codec/bitrate",
+                                   "filter_resample/resample/sample_rate"));
 }
 
 TEST(AudioCodecs, WhatHasNoBitrateToChooseTakesNothingFromAPreset) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <limits>
 
 #include "support/Failures.h"
 #include "support/Trees.h"
@@ -24,6 +25,7 @@ TEST(ConstraintRange, TellsBoundsThenStepIfItHasOne) {
 
 TEST(ConstraintRange, JudgesInItsOwnTypeAndClampsToABound) {
     const auto ints = ConstraintRange::Create(0LL, 10LL, 3LL);
+    const auto whole = ConstraintRange::Create(0LL, std::numeric_limits<long long>::max(), 0LL);
     const auto doubles = ConstraintRange::Create(-0.5, 0.5, 0.0);
     const auto inverted = ConstraintRange::Create(10LL, 0LL, 0LL);
     const struct {
@@ -40,6 +42,7 @@ TEST(ConstraintRange, JudgesInItsOwnTypeAndClampsToABound) {
         {ints, Property("n", -0.9), nullptr},  // read as 0
         {ints, Property("n", 11.5), "n: int 10\n"},
         {ints, Property("n", std::nan("")), "n: int 10\n"},
+        {whole, Property("n", std::nan("")), "n: int 9223372036854775807\n"},
         {doubles, Property("n", 0.5), nullptr},
         {doubles, Property("n", 0), nullptr},
         {doubles, Property("n", 1), "n: double 0.5\n"},

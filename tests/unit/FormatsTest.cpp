@@ -171,17 +171,32 @@ TEST(FormatCorrection, TheLaterRuleIsTestedOnWhatTheEarlierLeft) {
 }
 
 TEST(FormatCorrection, OnlyASetOfOneBooleanIsTakenPastItsOwnCorrection) {
-    TestFormat format;
-    format.AddRef();
-    for (const auto& [constraint, corrected] :
-         {std::make_pair(Values<bool>({true}), true), std::make_pair(Values<bool>({}), false),
-          std::make_pair(ConstraintSet::Create(PairList<bool>{{"a", true}, {"b", true}}), false),
-          std::make_pair(ConstraintMethod::Create([](const Property&) { return false; }, ""), false)}) {
+    const Property no("", false);
+    const struct {
+        const char* path;
+        SP<IPropertyConstraint> constraint;
+        Property value, corrected;
+    } rows[] = {
+        {"format/cover", Values<bool>({true}), no, Property("", true)},
+        {"format/cover", Values<bool>({}), no, no},
+        {"format/cover", ConstraintSet::Create(PairList<bool>{{"a", true}, {"b", true}}), no, no},
+        {"format/cover", ConstraintMethod::Create([](const Property&) { return false; }, ""), no, no},
+        {"filter_rate/frame_rate", Values<Core::Ratio>({{8, 1}}), Property("", "7/1"), Property("", "7/1")},
+        {"format/encode_options/profile", ConstraintCodecs::Create({{"q", "q"}}, ""), Property("", "p"),
+         Property("", "p")},
+        {"format/encode_options/profile", SizeConstraints::Create({{8, 8}}), Property("", "p"), Property("", "p")},
+    };
+    for (const auto& row : rows) {
+        TestFormat format;
+        format.AddRef();
         format.rules = {
-            {"/", PairValidationRule::Create("video_codec/codec_id", Codecs("x"), "format/cover", constraint)}};
+            {"/", nullptr},
+            {"/", PairValidationRule::Create("video_codec/codec_id", Codecs("x"), row.path, row.constraint)}};
+        const std::string tag = StreamPathOf(row.path);
         Property stream = StreamNode("format_codec_video");
+        stream[tag].CopyDataFrom(row.value);
         format.CorrectFormatCodec(stream);
-        EXPECT_EQ(stream[V::TAG_COVER_FLAG].GetBool(), corrected);
+        EXPECT_EQ(stream[tag], row.corrected) << row.path;
     }
 }
 

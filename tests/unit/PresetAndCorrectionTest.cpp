@@ -310,4 +310,23 @@ TEST(AudioCorrection, FollowsTheEncoderBeforeAacsOwnLists) {
     }
 }
 
+TEST(KeptAnswers, AreThoseOfAHelperThatSaysSo) {
+    const auto bitrateOf = [](const TestCodec& codec) {
+        Property stream = VideoStream();
+        codec.CorrectFormatCodec(stream);
+        return stream[C::TAG_BITRATE].GetInt64();
+    };
+    const SP<TestCodec> codec = Codec(MediaType::Video);
+    for (const long long bitrate : {1, 2}) {
+        codec->defaults->SetChildT(C::TAG_BITRATE, bitrate);
+        EXPECT_EQ(bitrateOf(*codec), bitrate) << "a host's helper is asked each time";
+    }
+    codec->KeepAnswers();
+    EXPECT_EQ(bitrateOf(*codec), 2);
+    codec->defaults->SetChildT(C::TAG_BITRATE, 3);
+    EXPECT_EQ(bitrateOf(*codec), 2);
+    codec->Load();
+    EXPECT_EQ(bitrateOf(*codec), 3) << "what changes the answers drops those that were kept";
+}
+
 }  // namespace

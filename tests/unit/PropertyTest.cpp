@@ -61,6 +61,7 @@ TEST(Property, TakesEveryValueAsItsOwnType) {
     ExpectLeaf(0, "int 0");
     ExpectLeaf(4294967295U, "int 4294967295");
     ExpectLeaf(std::numeric_limits<long long>::min(), "int -9223372036854775808");
+    ExpectLeaf(std::numeric_limits<unsigned long long>::max(), "int -1");
     ExpectLeaf(true, "bool true");
     ExpectLeaf(0.5F, "double 0.5");
     ExpectLeaf(2.0, "double 2");

@@ -127,6 +127,21 @@ TEST(ProxyAuto, LetsAutomaticValuesPassTheSecondConstraintOfARule) {
     EXPECT_NE(rules[1].second, CollectRules(*Widen(codec))[0].second) << "rules are made anew";
 }
 
+TEST(ProxyAuto, SurvivesWhatIsNotThere) {
+    const SP<TestCodec> codec = MakeCodec();
+    codec->rules = {{"none", nullptr}, {"half", PairValidationRule::Create("", nullptr, frameRate, nullptr)}};
+    codec->constraints["bitrate_mode"] = nullptr;
+    const RuleList rules = CollectRules(*Widen(codec));
+    EXPECT_EQ(rules.size(), 2U);
+    EXPECT_FALSE(rules[0].second || rules[1].second->GetSecondConstraint());
+    EXPECT_EQ(CollectConstraints(*Widen(codec)), codec->constraints);
+    const auto nothing = Widen(nullptr);
+    Property stream("s", 5);
+    nothing->ApplyPresetSettings(stream, stream);
+    nothing->CorrectFormatCodec(stream);
+    EXPECT_TRUE(nothing->GetDefaults().IsEmpty() && CollectRules(*nothing).empty());
+}
+
 TEST(ProxyAuto, PassesEverythingElseToTheHelper) {
     const SP<IDataHelper> aac = DataHelperAudioCodecAac::Create();
     const SP<const IDataHelper> proxy = DataHelperProxyAuto::Create(IPreset::KEY_FILTER_AUDIO_CODEC, aac);

@@ -186,6 +186,68 @@ TEST(PresetCheck, LooksForConstraintsInTheSectionFromTheRootAndInEveryStream) {
                                    "filter_resample/resample/channel_layout = 5.1"));
 }
 
+TEST(PresetCheck, TellsWhatAContainerHasNoRoomFor) {
+    const auto codec = [](const char* kind, const char* id) { return Node(kind, {Property("codec_id", id)}); };
+    const auto streams = [&](const char* container, std::initializer_list<const char*> types) {
+        Property format = Node("format", {Property("container", container), Property(std::string("streams"))});
+        for (const char* const type : types) {
+            Property& stream = format["streams"].SetChild(std::to_string(format["streams"].Count()));
+            stream.SetChildT("type", type);
+        }
+        return format;
+    };
+    Property misplaced = streams("mp4", {"audio"});
+    misplaced["streams/0"].SetChild("video_codec").SetChildT("codec_id", "hevc");
+    const struct {
+        std::vector<Property> sections;
+        Lines messages;
+    } cases[] = {
+        {{streams("wav", {"audio"}), codec("video_codec", "hevc")},
+         {"Section video_codec has no place: wav holds no video"}},
+        {{streams("srt", {"video", "subtitles_text"}), codec("video_codec", "hevc"), codec("audio_codec", "aac")},
+         {"Section video_codec has no place: srt holds no video",
+          "Section audio_codec has no place: srt holds no audio",
+          "Stream format/streams/0 has no place: srt holds no video"}},
+        // A limit without a list of codecs, and a default stream beyond the limit.
+        {{streams("webm", {"subtitles_text"})}, {"Stream format/streams/0 has no place: webm holds no subtitles"}},
+        {{streams("flv", {"video", "subtitles_text"}), codec("subtitle_codec", "text")}, {}},
+        {{streams("flv", {"subtitles_text", "subtitles_text"})},
+         {"Stream format/streams/1 is one too many: flv holds no more than 1 of subtitles"}},
+        {{streams("mp4", {"video", "video", "audio", "video"})},
+         {"Stream format/streams/3 is one too many: mp4 holds no more than 2 of video"}},
+        {{streams("3gp", {"data"})},
+         {"Stream format/streams/0 is one too many: 3gp holds no more than 0 of other types"}},
+        {{misplaced}, {"Section format/streams/0/video_codec has no place in a stream of type audio"}},
+    };
+    for (const auto& c : cases) {
+        const Property preset = AssemblePreset(c.sections);
+        EXPECT_EQ(Messages(CheckPreset(preset, {HelpersOf(preset).front()})), c.messages) << Dump(preset);
+    }
+    int closed = 0;
+    for (const auto& [id, helper] : GetAvailableDataHelpers("format")) {
+        const Property format = helper->GetDefaults();
+        const NamedHelper container{"format", id, helper};
+        EXPECT_THAT(Messages(CheckPreset(AssemblePreset({format}), {container})), IsEmpty()) << id;
+        for (const char* const kind : {"video", "audio"}) {
+            if (format["limits"][kind].GetInt64() > 0) continue;
+            const Property section = codec((kind + std::string("_codec")).c_str(), "h264");
+            EXPECT_EQ(CheckPreset(AssemblePreset({format, section}), {container}).size(), 1U) << id;
+            ++closed;
+        }
+    }
+    EXPECT_EQ(closed, 36);
+}
+
+TEST(PresetCheck, TellsAFaultOnce) {
+    const Constraint two = Numbers({1, 2});
+    const SP<TestCodec> codec = Ruled(Rule(Texts({"yes"}), Numbers({1, 2})), {{"b", two}, {"c", two}});
+    const Property section = Node("audio_codec", {Property("a", "yes"), Property("b", 3), Property("c", 3)});
+    const auto findings = CheckPreset(AssemblePreset({section}), {Audio(codec)});
+    EXPECT_EQ(findings.size(), 3U);
+    EXPECT_THAT(Messages(TellOnce(findings)), ElementsAre("Parameter audio_codec/b is 3 but must be one of 1, 2",
+                                                          "Parameter audio_codec/c is 3 but must be one of 1, 2"));
+}
+
 TEST(PresetCheck, TakesAutomaticHelpers) {
     const Property section = Node("filter_resample", {Node("resample", {Property("sample_rate", -1)})});
     const Property codec = Node("audio_codec", {Property("codec_id", "mp3"), Property("bitrate_mode", "cbr_auto")});
@@ -341,7 +403,7 @@ TEST(CorrectionReport, TellsWhatChangedAndWhy) {
     const FakeBuild build({{"aac", {{}, {AV_SAMPLE_FMT_FLTP}, {44100, 48000}, {}}}});
     const auto m4a = DataHelperFormatM4a::Create("m4a");
     const std::string isAac = " when audio_codec/codec_id is aac", audio = ": Parameter audio_codec/",
-                      resample = ": Parameter filter_resample/resample/";
+                      resample = ": Parameter filter_resample/";
     Property cover =
         Stream(g_video, "codec_id mjpeg max_b_frames 2 key_frame_interval 9 bitrate_mode vbr bitrate 0 quality 3");
     cover.SetChildT("cover", false);
@@ -352,8 +414,8 @@ TEST(CorrectionReport, TellsWhatChangedAndWhy) {
     } cases[] = {
         {Stream(g_audio, "codec_id aac sample_rate 47000 sample_format s16 channel_layout stereo bitrate 100000"),
          {{"format", "m4a", m4a}, Audio(nullptr), Audio(DataHelperAudioCodecAac::Create(), "aac")},
-         {"aac sample_rate: 47000 > 48000 broken" + resample + "sample_rate is 47000 but must be one of 44100, 48000" +
-              isAac,
+         {"aac sample_rate: 47000 > 48000 broken" + resample +
+              "resample/sample_rate is 47000 but must be one of 44100, 48000" + isAac,
           "aac sample_format: s16 > fltp broken" + resample + "sample_format is s16 but must be fltp" + isAac,
           "aac bitrate: 100000 > 96000 broken" + audio +
               "bitrate is 100000 but must be one of 32000, 64000, 96000, "
@@ -364,7 +426,7 @@ TEST(CorrectionReport, TellsWhatChangedAndWhy) {
                 "bitrate 256000"),
          {Audio(DataHelperAudioCodecMp3::Create(), "mp3")},
          {"mp3 sample_rate: 10900 > 11025 broken" + resample +
-              "sample_rate is 10900 but must be one of 8000, 11025, "
+              "resample/sample_rate is 10900 but must be one of 8000, 11025, "
               "12000, 16000, 22050, 24000, 32000, 44100, 48000 when audio_codec/codec_id is mp3",
           "mp3 bitrate: 256000 > 64000 broken" + audio +
               "bitrate is 256000 but must be one of 32000, 64000 when "
@@ -375,7 +437,8 @@ TEST(CorrectionReport, TellsWhatChangedAndWhy) {
          {"flac bitrate_mode: - > vbr default", "flac bitrate: - > 991999 helper"}},
         {cover,
          {{"format", "m4a", m4a}, Video(DataHelperVideoCodecMjpeg::Create(), "mjpeg")},
-         {"m4a cover: false > true broken: Parameter format/cover is false but must be true when video_codec/codec_id "
+         {"m4a cover: false > true broken: Parameter video_codec/cover is false but must be true when "
+          "video_codec/codec_id "
           "is "
           "mjpeg",
           "mjpeg bitrate: 0 > 100000 broken: Parameter video_codec/bitrate is 0 but must be from 100000 to 800000000",
@@ -415,16 +478,59 @@ TEST(CorrectionReport, KeepsAFailureAndWhatWasDoneUpToIt) {
     EXPECT_THROW(std::rethrow_exception(report.failure), Core::PropertyException);
 }
 
-/// A correction that does what a test wants.
+/// A correction that does what a test wants, and a helper that fails when it is asked for one thing.
 class Corrector final : public RefCounted<DataHelperCodecFFMPEG> {
 public:
     explicit Corrector(std::function<void(Property&)> change)
         : RefCounted<DataHelperCodecFFMPEG>("test", MediaType::Audio), m_change(std::move(change)) {}
+    Property GetDefaults() const override { return Answer('d'), Node("audio_codec", {Node("a", {Property("b", 1)})}); }
+    void GetConstraints(ConstraintMap& out) const override { Answer('c'), out = constraints; }
+    void GetValidationRules(RuleList& /*out*/) const override { Answer('r'); }
     void CorrectFormatCodec(Property& tree) const override { m_change(tree); }
 
+    ConstraintMap constraints;
+    char failsAt = ' ';
+    mutable int asked = 0;
+
 private:
+    void Answer(char what) const {
+        ++asked;
+        if (what == failsAt) throw what;
+    }
+
     std::function<void(Property&)> m_change;
 };
+
+TEST(CorrectionReport, KeepsWhatAHelperThrowsBesideItsCorrection) {
+    for (const char what : {'d', 'c', 'r'}) {
+        const SP<Corrector> broken(new Corrector([](Property& tree) { tree["a"] = 2; }));
+        broken->failsAt = what;
+        const SP<Corrector> next(new Corrector([](Property& tree) { tree["a"] = 3; }));
+        next->constraints["a"] = Numbers({9});
+        Property stream = Node(g_audio, {Property("a", 1)});
+        const CorrectionReport report = CorrectWithReport(stream, {Audio(broken), Audio(next)});
+        EXPECT_THAT(Changes(report), ElementsAre("test a: 1 > 2 helper", testing::StartsWith("test a: 2 > 3 broken")));
+        EXPECT_THAT(Messages(report.left), ElementsAre("Parameter audio_codec/a is 3 but must be 9"));
+        EXPECT_THROW(std::rethrow_exception(report.failure), char);
+    }
+}
+
+TEST(CorrectionReport, AsksAHelperOnceHoweverMuchChanges) {
+    int asked = 0;
+    for (const int count : {1, 300}) {
+        const SP<Corrector> codec(new Corrector([](Property& tree) {
+            for (Property& leaf : tree) leaf = 1;
+        }));
+        for (int i = 0; i < 300; ++i) codec->constraints[std::to_string(i)] = Numbers({1});
+        Property stream(g_audio);
+        for (int i = 0; i < count; ++i) stream.SetChildT(std::to_string(i), 5);
+        const auto report = CorrectWithReport(stream, {Audio(codec)});
+        EXPECT_EQ(report.changes.size(), static_cast<std::size_t>(count));
+        EXPECT_EQ(report.changes.back().broken->message,
+                  "Parameter audio_codec/" + std::to_string(count - 1) + " is 5 but must be 1");
+        EXPECT_EQ(codec->asked, count == 1 ? asked = codec->asked : asked);
+    }
+}
 
 TEST(CorrectionReport, TellsApartValuesThatShareAPath) {
     Property before =
@@ -443,6 +549,19 @@ TEST(CorrectionReport, TellsApartValuesThatShareAPath) {
                 }),
                 ElementsAre("test full: 5 > 5 helper", "test empty/y: - > 1 helper", "test a/b: 1 > 3 helper",
                             "test emptied/x: 1 > - helper"));
+}
+
+TEST(CorrectionReport, GivesAReasonToTheValueThatAPathLeadsTo) {
+    for (const bool isConstrained : {true, false}) {
+        const SP<Corrector> codec(new Corrector([](Property& tree) { tree[0] = 1, tree[1]["b"] = 1, tree[2] = 1; }));
+        if (isConstrained) codec->constraints["a/b"] = Numbers({1});
+        Property stream = Node(g_audio, {Property("a/b", 6), Node("a", {Property("b", 2)}), Property("a/b", 7)});
+        EXPECT_THAT(Changes(CorrectWithReport(stream, {Audio(codec)})),
+                    ElementsAre("test a/b: 6 > 1 helper",
+                                isConstrained ? "test a/b: 2 > 1 broken: Parameter audio_codec/a/b is 2 but must be 1"
+                                              : "test a/b: 2 > 1 default",
+                                "test a/b: 7 > 1 helper"));
+    }
 }
 
 TEST(CorrectionReport, LeavesTheTreeAsWithoutIt) {
@@ -474,6 +593,25 @@ TEST(CorrectionReport, LeavesTheTreeAsWithoutIt) {
     }
     EXPECT_GT(outcomes["done"], 500);
     EXPECT_GT(outcomes["failed"], 100);
+}
+
+TEST(FitInto, SaysNoCodecWhereOnlyTheRunningBuildCouldTell) {
+    const auto sound = FormatCodecAudio::Create(
+        Node("stream", {Property("codec_id", "flac"), Property("sample_rate", 96000)}), nullptr);
+    const auto subtitles = FormatCodecSubtitle::Create(Node("stream", {Property("codec_id", "subrip")}));
+    const Translation translation({{"FFmpeg carries %1 in %2, but the rule book refuses it: %3", "%3! %1, %2?"},
+                                   {"FFmpeg's table of tags for %2 has none for it", "no %2 tag"}});
+    std::string told;
+    for (const StreamFit& fit : FitInto("matroska", {sound, subtitles, sound}).streams) {
+        EXPECT_EQ(fit.encodedTo + std::to_string(fit.changes.size()), "0");
+        told += fit.isEncoded ? "encoded, " : "not encoded, ";
+        told += fit.reason + '\n';
+    }
+    EXPECT_EQ(told,
+              "not encoded, matroska takes flac as it is\nencoded, no matroska tag! subrip, matroska?\n"
+              "not encoded, matroska takes flac as it is\n");
+    const StreamFit mp3 = FitInto("mp3", {sound}).streams[0];
+    EXPECT_TRUE(mp3.isEncoded && mp3.encodedTo.empty() && mp3.answer == StreamFit::Answer::Encoded) << mp3.reason;
 }
 
 }  // namespace

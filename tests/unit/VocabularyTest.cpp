@@ -83,7 +83,9 @@ TEST(Vocabulary, EveryCodecIdIsFFmpegsNameOfACodecOfItsKind) {
     expectKind(GetAllVideoCodecs(), AVMEDIA_TYPE_VIDEO);
     expectKind(GetAllAudioCodecs(), AVMEDIA_TYPE_AUDIO);
     expectKind(GetAllSubtitleCodecs(), AVMEDIA_TYPE_SUBTITLE);
-    EXPECT_EQ(CodecIDFromTextID(C::CODEC_ID_AUTO), AV_CODEC_ID_NONE);
+    for (const std::string& id : {C::CODEC_ID_AUTO, std::string("h264\0x", 6)}) {
+        EXPECT_EQ(CodecIDFromTextID(id), AV_CODEC_ID_NONE);
+    }
     EXPECT_FALSE(IsVideoCodec(C::CODEC_ID_AUTO) || IsAudioCodec(C::CODEC_ID_AUTO) || IsVideoCodec(""));
 }
 

@@ -11,29 +11,26 @@ namespace NorvexExport::Media {
 /// The name under which FFmpeg opens exactly this file: without it a colon would make the name a protocol.
 std::string FileUrl(const std::string& path);
 
+/// Removes what the files and folders below hold at this moment, and keeps all threads from making more: for the end of
+/// the program out of turn, which must follow. It may be called while other threads are about anything.
+void RemoveUnfinished();
+
 /// A file that gets its real name only when it is complete, and is gone otherwise.
 class PendingFile {
 public:
+    /// Throws MediaError as RequireWritable does.
     explicit PendingFile(const std::string& target);
     PendingFile(const PendingFile&) = delete;
     PendingFile& operator=(const PendingFile&) = delete;
-    ~PendingFile() {
-        std::error_code ignored;
-        if (!m_committed) std::filesystem::remove(m_path, ignored);
-    }
+    ~PendingFile();
 
     std::string Path() const { return m_path.string(); }
     const std::string& QuotedName() const { return m_name; }
     std::uintmax_t Size() const;
+    void Write(const std::string& text) const;
     void Commit();
 
 private:
-    /// Where a link leads to, so that the link stays and its target is replaced.
-    static std::filesystem::path Resolve(const std::filesystem::path& target);
-
-    /// Renaming over a device or a pipe would put a file in its place.
-    void RequireReplaceable() const;
-
     std::string m_name;
     std::filesystem::path m_target;
     std::filesystem::path m_path;
@@ -45,10 +42,7 @@ public:
     TemporaryDirectory();
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
-    ~TemporaryDirectory() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
+    ~TemporaryDirectory();
 
     std::string File(const std::string& name) const { return (m_path / name).string(); }
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "norvex/interfaces/Conf/IDataHelper.h"
+#include "norvex/Conf/DataHelpers/KeepingHelper.h"
 
 namespace Norvex::Conf {
 
 /// A helper that says nothing but its defaults, unless it overrides more.
-class NORVEX_API PlainHelper : public RefCounted<IDataHelper> {
+class NORVEX_API PlainHelper : public RefCounted<KeepingHelper> {
 public:
     void GetRequiredObjects(ObjectList& objects) const override;
     void GetValidationRules(RuleList& rules) const override;

@@ -147,8 +147,9 @@ namespace {
 
 template <class Rules>
 auto FindRule(Rules& rules, const std::string& secondPath) {
-    return std::find_if(rules.begin(), rules.end(),
-                        [&secondPath](const auto& rule) { return rule.second->GetSecondPath() == secondPath; });
+    return std::find_if(rules.begin(), rules.end(), [&secondPath](const auto& rule) {
+        return rule.second && rule.second->GetSecondPath() == secondPath;
+    });
 }
 
 }  // namespace
@@ -165,8 +166,11 @@ int ChannelsOf(const Core::Property& stream) {
     return LayoutRecord::Find(stream[A::TAG_LAYOUT].GetString()).channels;
 }
 
-int BitsPerSampleOf(const Core::Property& stream) {
-    return SampleFmtRecord::Find(stream[A::TAG_SAMPLE_FORMAT].GetString()).bits;
+AudioFormat AudioFormatOf(const Core::Property& stream) {
+    const long long sampleRate = stream[A::TAG_SAMPLE_RATE].GetInt64();
+    const std::string& layout = stream[A::TAG_LAYOUT].GetString();
+    const std::string& format = stream[A::TAG_SAMPLE_FORMAT].GetString();
+    return {sampleRate, LayoutRecord::Find(layout).channels, SampleFmtRecord::Find(format).bits};
 }
 
 }  // namespace Norvex::Conf

@@ -51,6 +51,14 @@ private:
     std::variant<bool, long long, const std::string*, std::initializer_list<Branch>> m_value;
 };
 
+/// A new helper that keeps what it answers. For the exact classes of the library, whose answers never change.
+template <class Helper>
+SP<IDataHelper> Keeping(Helper* helper) {
+    SP<IDataHelper> made(helper);
+    helper->KeepAnswers();
+    return made;
+}
+
 Core::Property Tree(const std::string& name, std::initializer_list<Branch> branches);
 
 /// Sets of names or numbers that are their own display names.
@@ -124,8 +132,17 @@ bool Speaks(const RuleList& rules, const std::string& secondPath);
 /// the encoder calls this before it adds its own rule.
 void Silence(RuleList& rules, const std::string& secondPath);
 
-/// What an audio stream's tree names, as numbers. Throw FormatException for a name without a record.
+/// The channels of the layout that an audio stream's tree names. Throws FormatException for a name without a record.
 int ChannelsOf(const Core::Property& stream);
-int BitsPerSampleOf(const Core::Property& stream);
+
+/// What a bitrate is worked out from.
+struct AudioFormat {
+    long long sampleRate;  ///< Hz
+    int channels;
+    int bitsPerSample;
+};
+/// Reads all of it from an audio stream's tree before it looks up a name, so that of two failures it is always the same
+/// that comes. Throws Core::PropertyException for what is missing, and FormatException as ChannelsOf does.
+AudioFormat AudioFormatOf(const Core::Property& stream);
 
 }  // namespace Norvex::Conf

@@ -1,11 +1,13 @@
 #include "norvex/Conf/Review/CorrectionReport.h"
 
-#include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <map>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
+#include "norvex/Conf/DataHelpers/PlainHelper.h"
 #include "norvex/Conf/Review/PresetAssembly.h"
 
 namespace Norvex::Conf {
@@ -14,49 +16,76 @@ namespace {
 
 using Core::Property;
 
-/// A value of a tree. Names may repeat, so that a path alone does not tell which.
-struct Leaf {
-    std::string path;
-    int ordinal;  ///< among the leaves of that path
-    const Property* value;
-};
-using Leaves = std::vector<Leaf>;
+// -------------------------------------------------------------------------------------------------- what changed
 
-/// Without recursion: a stream's node may be deeper than the stack.
-Leaves LeavesOf(const Property& tree) {
-    struct Open {
-        const Property* node;
-        Property::const_iterator next;
-        std::size_t prefix;  ///< length of the path in front of the children
-    };
-    Leaves leaves;
-    std::map<std::string, int> counts;
-    std::string path;
-    std::vector<Open> open = {{&tree, tree.begin(), 0}};
-    while (!open.empty()) {
-        auto& [node, next, prefix] = open.back();
-        path.resize(prefix);
-        if (next == node->end()) {
-            open.pop_back();
+/// Hands out a node's children by name, each once: of those that share a name, the first to who asks first. Two states
+/// of a tree mostly hold the same names in the same order, and then there is nothing to look up.
+class Siblings {
+public:
+    /// `node` may be null, and then there are none.
+    explicit Siblings(const Property* node) : m_node(node) {
+        if (m_node != nullptr) m_next = m_node->begin();
+    }
+
+    const Property* Take(const std::string& name) {
+        if (m_node == nullptr) return nullptr;
+        if (m_rest.empty()) {
+            if (m_next == m_node->end()) return nullptr;
+            if (m_next->GetName() == name) return &*m_next++;
+            for (; m_next != m_node->end(); ++m_next) m_rest.emplace(m_next->GetName(), &*m_next);
+        }
+        const auto child = m_rest.lower_bound(name);
+        if (child == m_rest.end() || child->first != name) return nullptr;
+        const Property* const taken = child->second;
+        m_rest.erase(child);
+        return taken;
+    }
+
+private:
+    const Property* m_node;
+    Property::const_iterator m_next;  ///< up to it, all are taken
+    std::multimap<std::string_view, const Property*> m_rest;
+};
+
+/// A node on the way to a leaf.
+struct Step {
+    const Property* node;
+    Property::const_iterator next;
+    Siblings others;  ///< of the node in its place in the other tree
+};
+
+/// Tells of each leaf of a tree the way to it, and the leaf in its place in another tree, or null. A node that has lost
+/// or got all its children is no leaf to tell of: they say what happened. Without recursion: a stream's node may be
+/// deeper than the stack.
+template <class Tell>
+void CompareLeaves(const Property& tree, const Property& other, const Tell& tell) {
+    std::vector<Step> way;
+    way.push_back({&tree, tree.begin(), Siblings(&other)});
+    while (!way.empty()) {
+        Step& step = way.back();
+        if (step.next == step.node->end()) {
+            way.pop_back();
             continue;
         }
-        const Property& child = *next++;
-        path += child.GetName();
+        const Property& child = *step.next++;
+        const Property* const twin = step.others.Take(child.GetName());
         if (child.Count() > 0) {
-            path += Property::SEPARATOR;
-            open.push_back({&child, child.begin(), path.size()});
-        } else {
-            leaves.push_back({path, counts[path]++, &child});
+            way.push_back({&child, child.begin(), Siblings(twin)});
+        } else if (twin == nullptr || twin->Count() == 0) {
+            tell(way, child, twin);
+        } else if (child.GetType() != PT_NODE) {
+            tell(way, child, nullptr);
         }
     }
-    return leaves;
 }
 
-const Property* Find(const Leaves& leaves, const Leaf& wanted) {
-    const auto leaf = std::find_if(leaves.begin(), leaves.end(), [&wanted](const Leaf& l) {
-        return l.ordinal == wanted.ordinal && l.path == wanted.path;
-    });
-    return leaf != leaves.end() ? leaf->value : nullptr;
+std::string PathOf(const std::vector<Step>& way, const Property& leaf) {
+    std::string path;
+    for (auto step = std::next(way.begin()); step != way.end(); ++step) {
+        path += step->node->GetName();
+        path += Property::SEPARATOR;
+    }
+    return path += leaf.GetName();
 }
 
 bool IsSame(const Property& one, const Property& two) {
@@ -64,80 +93,163 @@ bool IsSame(const Property& one, const Property& two) {
     return one == two || (one.GetType() == PT_DOUBLE && std::isnan(one.GetDouble()) && std::isnan(two.GetDouble()));
 }
 
-/// Whether the leaf is a node that the other tree has with children in it: those tell what happened.
-bool IsOnlyEmptied(const Leaf& leaf, const Property& other) {
-    return leaf.value->GetType() == PT_NODE && other.ChildExists(leaf.path) && other[leaf.path].GetType() == PT_NODE;
-}
+struct Change {
+    CorrectedValue told;
+    const Property* value;  ///< that is there now, or null
+};
 
-/// The leaves in which two states of a tree differ, those that are still there first.
-Leaves DifferingLeaves(const Property& before, const Leaves& old, const Property& after, const Leaves& now) {
-    Leaves differing;
-    for (const Leaf& leaf : now) {
-        const Property* const former = Find(old, leaf);
-        if (former != nullptr ? !IsSame(*former, *leaf.value) : !IsOnlyEmptied(leaf, before)) differing.push_back(leaf);
-    }
-    for (const Leaf& leaf : old) {
-        if (Find(now, leaf) == nullptr && !IsOnlyEmptied(leaf, after)) differing.push_back(leaf);
-    }
-    return differing;
-}
-
-std::optional<Property> Copy(const Property* value) {
-    return value != nullptr ? std::optional<Property>(*value) : std::nullopt;
-}
-
-/// What the former value would break if all others stood as they stand now.
-std::optional<Finding> WhatBroke(const CorrectedValue& change, Property settled, const NamedHelper& named) {
-    // A path that cannot be followed is one with a separator within a name.
-    if (!change.before || !change.after || !settled.ChildExists(change.path)) return std::nullopt;
-    settled[change.path].CopyDataFrom(*change.before);
-    for (Finding& finding : CheckPreset(AssemblePreset({settled}), {named})) {
-        if (StreamPathOf(finding.path) == change.path) return std::move(finding);
-    }
-    return std::nullopt;
-}
-
-std::vector<CorrectedValue> Compare(const Property& before, const Property& after, const NamedHelper& named) {
-    const Leaves old = LeavesOf(before);
-    const Leaves now = LeavesOf(after);
-    const Property defaults = named.helper->GetDefaults();
-    std::vector<CorrectedValue> changes;
-    for (const Leaf& leaf : DifferingLeaves(before, old, after, now)) {
-        const std::string& path = leaf.path;
-        CorrectedValue change;
-        change.helperKind = named.kind;
-        change.helperId = named.id;
-        change.path = path;
-        change.before = Copy(Find(old, leaf));
-        change.after = Copy(Find(now, leaf));
-        if (leaf.ordinal == 0) change.broken = WhatBroke(change, after, named);
-        if (change.broken) {
-            change.reason = CorrectedValue::Reason::Broken;
-        } else if (change.after && defaults.ChildExists(path) && defaults[path] == *change.after) {
-            change.reason = CorrectedValue::Reason::Default;
-        }
-        changes.push_back(std::move(change));
-    }
+/// What differs in two states of a stream: what is there now first, then what was taken away.
+std::vector<Change> ChangesBetween(const Property& before, const Property& after, const NamedHelper& named) {
+    std::vector<Change> changes;
+    const auto add = [&](std::string path, const Property* former, const Property* now) {
+        CorrectedValue told;
+        told.helperKind = named.kind;
+        told.helperId = named.id;
+        told.path = std::move(path);
+        if (former != nullptr) told.before = *former;
+        if (now != nullptr) told.after = *now;
+        changes.push_back({std::move(told), now});
+    };
+    if (before == after) return changes;
+    CompareLeaves(after, before, [&](const auto& way, const Property& leaf, const Property* former) {
+        if (former == nullptr || !IsSame(*former, leaf)) add(PathOf(way, leaf), former, &leaf);
+    });
+    CompareLeaves(before, after, [&](const auto& way, const Property& leaf, const Property* now) {
+        if (now == nullptr) add(PathOf(way, leaf), &leaf, nullptr);
+    });
     return changes;
 }
+
+// ------------------------------------------------------------------------------------------------- why it changed
+
+/// A part of what another helper says.
+class Excerpt final : public PlainHelper {
+public:
+    Property GetDefaults() const override { return Property(std::string()); }
+    void GetConstraints(ConstraintMap& out) const override { out = constraints; }
+    void GetValidationRules(RuleList& out) const override { out = rules; }
+
+    ConstraintMap constraints;
+    RuleList rules;
+};
+
+/// Says why a helper changed a value. The helper is asked once, whatever the number of changes.
+class Reasons {
+public:
+    /// `stream` is settled. Throws what the helper throws.
+    Reasons(const NamedHelper& named, const Property& stream)
+        : m_named(named),
+          m_stream(stream),
+          m_defaults(named.helper->GetDefaults()),
+          m_preset(AssemblePreset({stream})) {
+        const SP<Excerpt> said(new Excerpt);
+        named.helper->GetConstraints(said->constraints);
+        for (const Finding& finding : ExplainPreset(m_preset, {{named.kind, named.id, said}})) {
+            About(finding.path).excerpt->constraints[finding.key] = finding.constraint;
+        }
+        named.helper->GetValidationRules(said->rules);
+        for (const auto& rule : said->rules) {
+            if (rule.second) About(rule.second->GetSecondPath()).excerpt->rules.push_back(rule);
+        }
+    }
+
+    void GiveTo(Change& change) {
+        CorrectedValue& told = change.told;
+        told.broken = WhatBroke(change);
+        if (told.broken) {
+            told.reason = CorrectedValue::Reason::Broken;
+        } else if (told.after && m_defaults.ChildExists(told.path) && m_defaults[told.path] == *told.after &&
+                   ValueAt(told.path) == change.value) {
+            told.reason = CorrectedValue::Reason::Default;
+        }
+    }
+
+private:
+    /// What the helper says about one value of the stream.
+    struct Said {
+        const Property* value;
+        SP<Excerpt> excerpt;
+    };
+
+    /// What a path of the stream leads to. Values that share a name, or have a separator in it, share a path; it leads
+    /// to one of them.
+    const Property* ValueAt(const std::string& path) const {
+        return m_stream.ChildExists(path) ? &m_stream[path] : nullptr;
+    }
+
+    Said& About(const std::string& presetPath) {
+        std::string path = StreamPathOf(presetPath);
+        const auto said = m_said.find(path);
+        if (said != m_said.end()) return said->second;
+        const Property* const value = ValueAt(path);
+        return m_said.emplace(std::move(path), Said{value, SP<Excerpt>(new Excerpt)}).first->second;
+    }
+
+    /// What the former value would break if all others stood as they stand now.
+    std::optional<Finding> WhatBroke(const Change& change) {
+        const CorrectedValue& told = change.told;
+        const auto said = m_said.find(told.path);
+        if (!told.before || !told.after || said == m_said.end() || said->second.value != change.value) {
+            return std::nullopt;
+        }
+        Put(told.path, *told.before);
+        std::vector<Finding> findings = CheckPreset(m_preset, {{m_named.kind, m_named.id, said->second.excerpt}});
+        Put(told.path, *told.after);
+        for (Finding& finding : findings) {
+            if (StreamPathOf(finding.path) == told.path) return std::move(finding);
+        }
+        return std::nullopt;
+    }
+
+    void Put(const std::string& path, const Property& value) {
+        for (const std::string& place : PresetPathsOf(m_stream.GetName(), path)) m_preset[place].CopyDataFrom(value);
+    }
+
+    const NamedHelper& m_named;
+    const Property& m_stream;
+    const Property m_defaults;
+    Property m_preset;
+    std::unordered_map<std::string, Said> m_said;
+};
 
 }  // namespace
 
 CorrectionReport CorrectWithReport(Property& stream, const std::vector<NamedHelper>& helpers) {
     CorrectionReport report;
+    const auto ask = [&report](const auto& operation) {
+        try {
+            operation();
+        } catch (...) {
+            if (!report.failure) report.failure = std::current_exception();
+        }
+    };
     for (const NamedHelper& named : helpers) {
         if (!named.helper) continue;
         const Property before = stream;
+        std::exception_ptr failure;
         try {
             named.helper->CorrectFormatCodec(stream);
         } catch (...) {
-            report.failure = std::current_exception();
+            failure = std::current_exception();
         }
-        std::vector<CorrectedValue> changes = Compare(before, stream, named);
-        std::move(changes.begin(), changes.end(), std::back_inserter(report.changes));
-        if (report.failure) break;
+        std::vector<Change> changes = ChangesBetween(before, stream, named);
+        if (failure) report.failure = failure;
+        if (!changes.empty()) {
+            ask([&] {
+                Reasons reasons(named, stream);
+                for (Change& change : changes) reasons.GiveTo(change);
+            });
+        }
+        for (Change& change : changes) report.changes.push_back(std::move(change.told));
+        if (failure) break;
     }
-    report.left = CheckPreset(AssemblePreset({stream}), helpers);
+    const Property preset = AssemblePreset({stream});
+    for (const NamedHelper& named : helpers) {
+        ask([&] {
+            std::vector<Finding> left = CheckPreset(preset, {named});
+            std::move(left.begin(), left.end(), std::back_inserter(report.left));
+        });
+    }
     return report;
 }
 

@@ -30,6 +30,13 @@ const std::vector<Place>& VideoPlaces() {
         {V::TAG_WIDTH, WidthPath()},
         {V::TAG_HEIGHT, HeightPath()},
         {V::TAG_FPS, FrameRatePath()},
+    });
+    return places;
+}
+
+/// The same for a value of the video codec's section, be it a stream's or a preset's.
+const std::vector<Place>& FormatPlaces() {
+    static const std::vector<Place>& places = Lasting(std::vector<Place>{
         {V::TAG_COVER_FLAG, CoverFlagPath()},
         {ProfileKey(), FormatProfilePath()},
     });
@@ -57,17 +64,20 @@ Property& MakePath(Property& root, std::string_view path) {
     }
 }
 
-void AddStream(Property& preset, const std::string& codecKey, const Property& stream,
-               const std::vector<Place>& places) {
-    preset.SetChild(codecKey, stream);
+void AddValues(Property& preset, const Property& section, const std::vector<Place>& places) {
     for (const auto& [tag, path] : places) {
-        if (stream.ChildExists(tag)) MakePath(preset, path).CopyDataFrom(stream[tag]);
+        if (section.ChildExists(tag)) MakePath(preset, path).CopyDataFrom(section[tag]);
     }
 }
 
-}  // namespace
+void AddStream(Property& preset, const std::string& codecKey, const Property& stream,
+               const std::vector<Place>& places) {
+    preset.SetChild(codecKey, stream);
+    AddValues(preset, stream, places);
+}
 
-Property AssemblePreset(const std::vector<Property>& sections) {
+template <class Sections>
+Property Assemble(const Sections& sections) {
     Property preset(std::string("preset"));
     for (const Property& section : sections) {
         const std::string& name = section.GetName();
@@ -83,11 +93,23 @@ Property AssemblePreset(const std::vector<Property>& sections) {
             }
         }
     }
+    const auto video = preset.FindChild(P::KEY_FILTER_VIDEO_CODEC);
+    if (video != preset.end()) AddValues(preset, *video, FormatPlaces());
     return preset;
 }
 
+}  // namespace
+
+Property AssemblePreset(const std::vector<Property>& sections) {
+    return Assemble(sections);
+}
+
+Property AssembleDocument(const Property& preset) {
+    return Assemble(preset);
+}
+
 std::string StreamPathOf(const std::string& presetPath) {
-    for (const auto* const places : {&VideoPlaces(), &AudioPlaces()}) {
+    for (const auto* const places : {&VideoPlaces(), &FormatPlaces(), &AudioPlaces()}) {
         for (const auto& [tag, path] : *places) {
             if (path == presetPath) return tag;
         }
@@ -97,6 +119,29 @@ std::string StreamPathOf(const std::string& presetPath) {
         if (presetPath.compare(0, prefix.size(), prefix) == 0) return presetPath.substr(prefix.size());
     }
     return presetPath;
+}
+
+std::string DocumentPathOf(const std::string& presetPath) {
+    if (presetPath == SampleFormatPath()) return Path(Proc::IFilterResample::CLASS_ID, A::TAG_SAMPLE_FORMAT);
+    for (const auto& [tag, path] : FormatPlaces()) {
+        if (path == presetPath) return Path(P::KEY_FILTER_VIDEO_CODEC, tag);
+    }
+    return presetPath;
+}
+
+std::vector<std::string> PresetPathsOf(const std::string& streamName, const std::string& streamPath) {
+    const bool isVideo = streamName == V::TAG_FORMAT_CODEC_VIDEO;
+    if (!isVideo && streamName != A::TAG_FORMAT_CODEC_AUDIO) return {};
+    std::vector<std::string> paths = {
+        Path(isVideo ? P::KEY_FILTER_VIDEO_CODEC : P::KEY_FILTER_AUDIO_CODEC, streamPath)};
+    std::vector<const std::vector<Place>*> tables = {&AudioPlaces()};
+    if (isVideo) tables = {&VideoPlaces(), &FormatPlaces()};
+    for (const std::vector<Place>* const places : tables) {
+        for (const auto& [tag, path] : *places) {
+            if (tag == streamPath) paths.push_back(path);
+        }
+    }
+    return paths;
 }
 
 }  // namespace Norvex::Conf

@@ -1,17 +1,22 @@
 #include "norvex/Conf/Review/PresetCheck.h"
 
 #include <algorithm>
+#include <array>
 #include <initializer_list>
+#include <string_view>
 #include <utility>
 
 #include "norvex/Conf/DataHelpers/Lookup/Catalogue.h"
 #include "norvex/Conf/DataHelpers/Lookup/DataHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
-#include "norvex/foundation/Localization.h"
+#include "norvex/Conf/Review/PresetAssembly.h"
+#include "norvex/Conf/Review/Sentences.h"
+#include "norvex/foundation/Excerpt.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IFormatFile.h"
 #include "norvex/interfaces/Conf/IPreset.h"
+#include "norvex/interfaces/Conf/Messages.h"
 
 namespace Norvex::Conf {
 
@@ -33,36 +38,21 @@ const char* const missingWhenMessage = "Parameter %1 is missing but must be %3 w
 const char* const wrongTypeMessage = "Parameter %1 is %2, which is no value of its type, but must be %3";
 const char* const wrongTypeWhenMessage =
     "Parameter %1 is %2, which is no value of its type, but must be %3 when %4 is %5";
-// What stands for %3.
+// %1 the section or the stream, %2 the container, %3 the kind of stream, %4 a number.
+const char* const sectionMessage = "Section %1 has no place: %2 holds no %3";
+const char* const streamMessage = "Stream %1 has no place: %2 holds no %3";
+const char* const surplusMessage = "Stream %1 is one too many: %2 holds no more than %4 of %3";
+// %1 a section of a stream, %2 the type of that stream.
+const char* const otherKindMessage = "Section %1 has no place in a stream of type %2";
+const char* const videoWord = "video";
+const char* const audioWord = "audio";
+const char* const subtitlesWord = "subtitles";
+const char* const otherWord = "other types";
+// What stands for %3 of a parameter.
 const char* const oneOfMessage = "one of %1";
 const char* const rangeMessage = "from %1 to %2";
 const char* const evenMessage = "even";
 const char* const otherMessage = "another value";
-
-std::string Translate(const std::string& message) {
-    const Core::LocalizationDomain localization = Core::GetLocalizationManagerForDomain("core");
-    return localization.manager.Translate(message, localization.domain);
-}
-
-/// Puts the texts in the places of the marks, in one go: a text may look like a mark itself.
-std::string Fill(const std::string& message, std::initializer_list<std::string> texts) {
-    std::string filled;
-    for (std::size_t i = 0; i < message.size(); ++i) {
-        const std::size_t mark =
-            message[i] == '%' && i + 1 < message.size() ? static_cast<std::size_t>(message[i + 1] - '1') : texts.size();
-        if (mark < texts.size()) {
-            filled += *(texts.begin() + mark);
-            ++i;
-        } else {
-            filled += message[i];
-        }
-    }
-    return filled;
-}
-
-std::string TextOf(const std::optional<Property>& value) {
-    return value ? Core::PropertyValueToString(*value) : std::string();
-}
 
 /// Takes down what a constraint offers.
 class AllowedConsumer final : public RefCounted<IConstraintConsumer> {
@@ -119,9 +109,9 @@ std::string MessageFor(const Finding& finding) {
     if (finding.problem == Problem::Missing) message = isConditional ? missingWhenMessage : missingMessage;
     if (finding.problem == Problem::WrongType) message = isConditional ? wrongTypeWhenMessage : wrongTypeMessage;
     const std::string& words = finding.allowed.words;
-    return Fill(Translate(message),
-                {finding.path, TextOf(finding.value), words.empty() ? Translate(otherMessage) : words,
-                 finding.conditionPath, TextOf(finding.condition)});
+    return Fill(Translate(message), {Core::Excerpt(finding.documentPath), TextOf(finding.value),
+                                     words.empty() ? Translate(otherMessage) : words,
+                                     Core::Excerpt(DocumentPathOf(finding.conditionPath)), TextOf(finding.condition)});
 }
 
 // ------------------------------------------------------------------------------------------------------ judging
@@ -135,18 +125,27 @@ Problem Judge(const IPropertyConstraint& constraint, const Property& value) {
     }
 }
 
-std::optional<Property> Read(const Property& preset, const std::string& path) {
-    if (!preset.ChildExists(path)) return std::nullopt;
-    return preset[path];
+/// The value at a path, or null.
+const Property* At(const Property& preset, const std::string& path) {
+    return preset.ChildExists(path) ? &preset[path] : nullptr;
 }
 
-/// Judges the finding's value, and says what comes of it.
-void Conclude(Finding& finding) {
-    if (!finding.constraint) return;
-    finding.problem = finding.value ? Judge(*finding.constraint, *finding.value) : Problem::Missing;
-    if (finding.problem == Problem::None) return;
+Finding Begin(const NamedHelper& named, Finding::Source source, const std::string& key) {
+    Finding finding;
+    finding.helperKind = named.kind;
+    finding.helperId = named.id;
+    finding.source = source;
+    finding.key = key;
+    return finding;
+}
+
+/// Says what comes of the finding's value.
+void Conclude(Finding& finding, Problem problem) {
+    finding.problem = problem;
+    if (problem == Problem::None) return;
     finding.verdict = Verdict::Violated;
     finding.allowed = WhatIsAllowed(*finding.constraint);
+    finding.documentPath = DocumentPathOf(finding.path);
     finding.message = MessageFor(finding);
 }
 
@@ -155,6 +154,13 @@ const std::string& SectionOf(const std::string& kind) {
     const auto& aliases = GetCatalogue().kindAliases;
     const auto alias = aliases.find(kind);
     return alias != aliases.end() ? alias->second : kind;
+}
+
+/// Empty where the stream does not say.
+std::string_view TypeOf(const Property& stream) {
+    const auto type = stream.FindChild(P::KEY_TYPE_ID);
+    return type != stream.end() && type->GetType() == PT_STRING ? std::string_view(type->GetString())
+                                                                : std::string_view();
 }
 
 /// The values that a constraint is about, with their paths. Streams may share a name, and so a path.
@@ -172,8 +178,7 @@ std::vector<std::pair<std::string, const Property*>> ValuesOf(const Property& pr
         const std::string streams = Path(section, P::KEY_STREAMS);
         if (preset.ChildExists(streams)) {
             for (const Property& stream : preset[streams]) {
-                const auto typeId = stream.FindChild(P::KEY_TYPE_ID);
-                if (typeId == stream.end() || *typeId != Property(std::string(), type)) continue;
+                if (TypeOf(stream) != type) continue;
                 if (stream.ChildExists(below)) {
                     values.emplace_back(Path(streams, stream.GetName(), below), &stream[below]);
                 }
@@ -187,51 +192,174 @@ std::vector<std::pair<std::string, const Property*>> ValuesOf(const Property& pr
     return values;
 }
 
-void ExplainConstraints(const Property& preset, const NamedHelper& named, std::vector<Finding>& findings) {
+// ------------------------------------------------------------------------------------ what a container has room for
+
+/// One kind of stream: its type, the section of its codec, its limit, and its name in messages.
+struct StreamKind {
+    const std::string& type;
+    const std::string& section;
+    const std::string& limit;
+    const char* word;
+};
+
+std::array<StreamKind, 3> StreamKinds() {
+    return {{{P::STREAM_TYPE_VIDEO, P::KEY_FILTER_VIDEO_CODEC, IFormatFile::TAG_LIMITS_VIDEO, videoWord},
+             {P::STREAM_TYPE_AUDIO, P::KEY_FILTER_AUDIO_CODEC, IFormatFile::TAG_LIMITS_AUDIO, audioWord},
+             {P::STREAM_TYPE_SUBTITLES_TEXT, P::KEY_FILTER_SUBTITLE_CODEC, IFormatFile::TAG_LIMITS_SUBTITLE,
+              subtitlesWord}}};
+}
+
+/// Tells what of a preset a container has no room for.
+class RoomCheck {
+public:
+    RoomCheck(const Property& preset, const NamedHelper& container, const ConstraintMap& constraints,
+              std::vector<Finding>& findings)
+        : m_preset(preset), m_container(container), m_constraints(constraints), m_findings(findings) {}
+
+    void Run() {
+        for (const StreamKind& kind : StreamKinds()) {
+            const auto section = m_preset.FindChild(kind.section);
+            if (section != m_preset.end() && !Holds(kind)) Refuse(sectionMessage, kind.section, kind.word);
+        }
+        const auto format = m_preset.FindChild(P::KEY_FORMAT);
+        if (format == m_preset.end()) return;
+        const auto streams = format->FindChild(P::KEY_STREAMS);
+        if (streams != format->end()) CheckStreams(*streams);
+    }
+
+private:
+    bool Holds(const StreamKind& kind) const {
+        return m_constraints.count(StreamCodecPattern(kind.type, kind.section)) > 0;
+    }
+
+    void CheckStreams(const Property& streams) {
+        const auto kinds = StreamKinds();
+        std::array<std::size_t, kinds.size() + 1> counts{};  // of other types last
+        for (const Property& stream : streams) {
+            const std::string_view type = TypeOf(stream);
+            const std::string path = Path(P::KEY_FORMAT, P::KEY_STREAMS, stream.GetName());
+            const auto kind =
+                std::find_if(kinds.begin(), kinds.end(), [type](const auto& k) { return k.type == type; });
+            std::size_t& count = counts[static_cast<std::size_t>(kind - kinds.begin())];
+            if (kind == kinds.end()) {
+                RequireRoom(path, std::string(), IFormatFile::TAG_LIMITS_OTHER, otherWord, ++count);
+            } else if (!Holds(*kind)) {
+                Refuse(streamMessage, path, kind->word);
+            } else if (++count > 1) {
+                RequireRoom(path, kind->type, kind->limit, kind->word, count);
+            }
+            for (const StreamKind& other : kinds) {
+                if (other.type == type || stream.FindChild(other.section) == stream.end()) continue;
+                const std::string section = Path(path, other.section);
+                Add(Problem::NoPlace, section,
+                    Fill(Translate(otherKindMessage), {Core::Excerpt(section), Core::Excerpt(type)}));
+            }
+        }
+    }
+
+    void RequireRoom(const std::string& path, const std::string& type, const std::string& limit, const char* word,
+                     std::size_t count) {
+        // Helpers make their defaults anew on each call, and few presets need them.
+        if (!m_defaults) m_defaults = m_container.helper->GetDefaults();
+        const std::size_t most = std::max(Limit(*m_defaults, limit), CountOf(*m_defaults, type));
+        if (count <= most) return;
+        Add(Problem::TooMany, path,
+            Fill(Translate(surplusMessage),
+                 {Core::Excerpt(path), m_container.id, Translate(word), std::to_string(most)}));
+    }
+
+    static std::size_t Limit(const Property& defaults, const std::string& tag) {
+        const std::string path = Path(IFormatFile::TAG_LIMITS, tag);
+        if (!defaults.ChildExists(path) || defaults[path].GetType() != PT_INT64) return 0;
+        return static_cast<std::size_t>(std::max(defaults[path].GetInt64(), 0LL));
+    }
+
+    /// Default streams have room whatever the limit says: FLV starts with subtitles and states a limit of none.
+    static std::size_t CountOf(const Property& defaults, const std::string& type) {
+        const auto streams = defaults.FindChild(P::KEY_STREAMS);
+        if (streams == defaults.end()) return 0;
+        return static_cast<std::size_t>(std::count_if(
+            streams->begin(), streams->end(), [&type](const Property& stream) { return TypeOf(stream) == type; }));
+    }
+
+    void Refuse(const char* message, const std::string& path, const char* word) {
+        Add(Problem::NoPlace, path, Fill(Translate(message), {Core::Excerpt(path), m_container.id, Translate(word)}));
+    }
+
+    void Add(Problem problem, const std::string& path, const std::string& message) {
+        Finding finding = Begin(m_container, Finding::Source::Helper, std::string());
+        finding.verdict = Verdict::Violated;
+        finding.problem = problem;
+        finding.path = path;
+        finding.documentPath = path;
+        finding.message = message;
+        m_findings.push_back(std::move(finding));
+    }
+
+    const Property& m_preset;
+    const NamedHelper& m_container;
+    const ConstraintMap& m_constraints;
+    std::vector<Finding>& m_findings;
+    std::optional<Property> m_defaults;
+};
+
+// ------------------------------------------------------------------------------------------------------ explaining
+
+enum class Wanted { All, Violations };
+
+void ExplainConstraints(const Property& preset, const NamedHelper& named, Wanted wanted,
+                        std::vector<Finding>& findings) {
     ConstraintMap constraints;
     named.helper->GetConstraints(constraints);
+    if (SectionOf(named.kind) == P::KEY_FORMAT) RoomCheck(preset, named, constraints, findings).Run();
     for (const auto& [key, constraint] : constraints) {
         for (const auto& [path, value] : ValuesOf(preset, SectionOf(named.kind), key)) {
-            Finding finding;
-            finding.helperKind = named.kind;
-            finding.helperId = named.id;
-            finding.source = Finding::Source::Constraint;
-            finding.key = key;
+            const Problem problem = constraint ? Judge(*constraint, *value) : Problem::None;
+            if (problem == Problem::None && wanted == Wanted::Violations) continue;
+            Finding finding = Begin(named, Finding::Source::Constraint, key);
             finding.path = path;
             finding.value = *value;
             finding.constraint = constraint;
-            Conclude(finding);
+            Conclude(finding, problem);
             findings.push_back(std::move(finding));
         }
     }
 }
 
-void ExplainRules(const Property& preset, const NamedHelper& named, std::vector<Finding>& findings) {
+void ExplainRules(const Property& preset, const NamedHelper& named, Wanted wanted, std::vector<Finding>& findings) {
     RuleList rules;
     named.helper->GetValidationRules(rules);
     for (const auto& [key, rule] : rules) {
         if (!rule) continue;
-        Finding finding;
-        finding.helperKind = named.kind;
-        finding.helperId = named.id;
-        finding.source = Finding::Source::Rule;
-        finding.key = key;
+        const SP<IPropertyConstraint> first = rule->GetFirstConstraint();
+        const SP<IPropertyConstraint> second = rule->GetSecondConstraint();
+        const Property* const condition = first ? At(preset, rule->GetFirstPath()) : nullptr;
+        const bool applies = !first || (condition != nullptr && IsLegal(*condition, *first));
+        if (!applies && wanted == Wanted::Violations) continue;
+        const Property* const value = At(preset, rule->GetSecondPath());
+        Problem problem = Problem::None;
+        if (applies && second) problem = value != nullptr ? Judge(*second, *value) : Problem::Missing;
+        if (problem == Problem::None && wanted == Wanted::Violations) continue;
+        Finding finding = Begin(named, Finding::Source::Rule, key);
         finding.path = rule->GetSecondPath();
-        finding.value = Read(preset, finding.path);
-        finding.constraint = rule->GetSecondConstraint();
-        bool applies = true;
-        if (const auto condition = rule->GetFirstConstraint()) {
-            finding.conditionPath = rule->GetFirstPath();
-            finding.condition = Read(preset, finding.conditionPath);
-            applies = finding.condition && Judge(*condition, *finding.condition) == Problem::None;
-        }
-        if (applies) {
-            Conclude(finding);
-        } else {
-            finding.verdict = Verdict::DoesNotApply;
-        }
+        if (value != nullptr) finding.value = *value;
+        finding.constraint = second;
+        if (first) finding.conditionPath = rule->GetFirstPath();
+        if (condition != nullptr) finding.condition = *condition;
+        Conclude(finding, problem);
+        if (!applies) finding.verdict = Verdict::DoesNotApply;
         findings.push_back(std::move(finding));
     }
+}
+
+std::vector<Finding> Explain(const Property& preset, const std::vector<NamedHelper>& helpers, Wanted wanted) {
+    std::vector<Finding> findings;
+    for (const NamedHelper& named : helpers) {
+        if (!named.helper) continue;
+        ExplainConstraints(preset, named, wanted, findings);
+        ExplainRules(preset, named, wanted, findings);
+    }
+    return findings;
 }
 
 }  // namespace
@@ -243,8 +371,8 @@ NamedHelper FindHelper(const std::string& kind, const std::string& id) {
 std::vector<NamedHelper> HelpersOf(const Property& preset) {
     std::vector<NamedHelper> helpers;
     const auto add = [&](const std::string& kind, const std::string& idTag) {
-        const std::optional<Property> id = Read(preset, Path(kind, idTag));
-        if (!id || id->GetType() != PT_STRING) return;
+        const Property* const id = At(preset, Path(kind, idTag));
+        if (id == nullptr || id->GetType() != PT_STRING) return;
         const auto& table = GetAvailableDataHelpers(kind);
         const auto helper = table.find(id->GetString());
         if (helper != table.end()) helpers.push_back({kind, helper->first, helper->second});
@@ -272,22 +400,28 @@ Allowed WhatIsAllowed(const IPropertyConstraint& constraint) {
     return allowed;
 }
 
+bool IsLegal(const Property& value, const IPropertyConstraint& constraint) noexcept {
+    return Judge(constraint, value) == Problem::None;
+}
+
 std::vector<Finding> ExplainPreset(const Property& preset, const std::vector<NamedHelper>& helpers) {
-    std::vector<Finding> findings;
-    for (const NamedHelper& named : helpers) {
-        if (!named.helper) continue;
-        ExplainConstraints(preset, named, findings);
-        ExplainRules(preset, named, findings);
-    }
-    return findings;
+    return Explain(preset, helpers, Wanted::All);
 }
 
 std::vector<Finding> CheckPreset(const Property& preset, const std::vector<NamedHelper>& helpers) {
-    std::vector<Finding> findings = ExplainPreset(preset, helpers);
-    findings.erase(std::remove_if(findings.begin(), findings.end(),
-                                  [](const Finding& finding) { return finding.verdict != Verdict::Violated; }),
-                   findings.end());
-    return findings;
+    return Explain(preset, helpers, Wanted::Violations);
+}
+
+std::vector<Finding> TellOnce(std::vector<Finding> violations) {
+    std::vector<Finding> told;
+    for (Finding& finding : violations) {
+        const bool isTold = std::any_of(told.begin(), told.end(), [&finding](const Finding& known) {
+            return known.documentPath == finding.documentPath && known.problem == finding.problem &&
+                   known.value == finding.value && known.allowed.words == finding.allowed.words;
+        });
+        if (!isTold) told.push_back(std::move(finding));
+    }
+    return told;
 }
 
 }  // namespace Norvex::Conf

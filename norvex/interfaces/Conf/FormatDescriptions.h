@@ -46,7 +46,8 @@ public:
     const Core::Property& GetProperty() const override { return m_settings; }
     MediaType GetMediaType() const override { return MediaType::Audio; }
     SP<const ICodecData> GetCodecData() const override { return m_codecData; }
-    /// The layout that TAG_LAYOUT names; Unknown without that child. Throws FormatException for a name that is none.
+    /// The layout that TAG_LAYOUT names; Unknown without that child. Throws FormatException for a name that is none,
+    /// and Core::PropertyException for what is no text.
     ChannelLayout GetChannelLayout() const override;
 
 private:

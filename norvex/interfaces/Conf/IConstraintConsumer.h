@@ -8,7 +8,8 @@
 namespace Norvex::Conf {
 
 /// Receives what a constraint allows, for instance to fill a control of a dialog. A host implements it. A list
-/// comes as AddValue for each value and then EndValues; a range as its bounds and its step, if it has one.
+/// comes as AddValue for each value and then EndValues; a range as its bounds and its step, if it has one. What it
+/// throws passes through the constraint.
 class NORVEX_API IConstraintConsumer : public IRefCountable {
 public:
     /// Forgets what was received. The caller does this between constraints; constraints never do.

@@ -20,7 +20,8 @@ public:
     /// type than theirs.
     virtual bool IsValid(const Core::Property& value) const = 0;
     /// Makes the value an allowed one if it can, keeping its name. True: it is allowed now, changed or not. False:
-    /// it is not, and was not touched.
+    /// it is not, and was not touched. Throws as IsValid does where the class does not say otherwise, and leaves the
+    /// value as it was then.
     virtual bool Fixup(Core::Property& value) const = 0;
     /// What is allowed, worded for a message about the parameter of that name; empty where there are no words.
     virtual std::string Description(const std::string& parameterName) const = 0;

@@ -19,13 +19,14 @@ namespace Norvex {
 /// Every codec that FFmpeg describes: its number and its name, which is the codec id of the system.
 NORVEX_API const std::map<AVCodecID, std::string>& GetFFCodecsMap();
 
-/// The reverse of GetFFCodecsMap; AV_CODEC_ID_NONE for a text that is no codec's name.
+/// The reverse of GetFFCodecsMap; AV_CODEC_ID_NONE for a text that is no codec's name, such as one with a NUL in it.
 NORVEX_API AVCodecID CodecIDFromTextID(const std::string& codecId);
 
 namespace Proc {
 
 /// An encoder of the running build, or none, and what it declares. The lists belong to FFmpeg and live as long as
-/// the process; null stands for an encoder that declares none.
+/// the process; null stands for an encoder that declares none, and for no encoder. Members of AVCodec may be reached
+/// where there is an encoder only.
 class NORVEX_API SafeEncoderCodec {
 public:
     SafeEncoderCodec() = default;
@@ -43,6 +44,9 @@ public:
     const int* GetSupportedSampleRates() const;
     /// Ends with an entry for which IsZeroed holds.
     const AVChannelLayout* GetSupportedChannelLayouts() const;
+    /// Whether the encoder has the option and, as far as the option says, takes the value: by the name of a constant
+    /// or as a number within its bounds. Names are FFmpeg's.
+    bool TakesOption(const std::string& option, const std::string& value) const;
 
 private:
     const AVCodec* m_codec = nullptr;

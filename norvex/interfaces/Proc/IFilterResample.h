@@ -27,7 +27,8 @@ struct NORVEX_API SettingsFilterResample : Settings {
 struct NORVEX_API IFilterResample {
     static const std::string CLASS_ID;
 
-    /// Rate and layout stand in IResample's section, a sample format that is chosen directly in the filter's.
+    /// Rate and layout stand in IResample's section, a sample format that is chosen directly in the filter's. Throws
+    /// Conf::FormatException for a layout or sample format that is none of its enumeration.
     static Core::Property Settings2Property(const SettingsFilterResample& settings);
 };
 

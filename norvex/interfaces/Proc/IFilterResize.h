@@ -71,16 +71,18 @@ struct NORVEX_API SettingsResizer : Settings {
     /// Switches to a custom frame.
     void SetCustomMode(CustomModes customMode, const Conf::FrameInfo& frame);
     /// The frame that comes out for an input frame. Sizes that are worked out are even and at least 2; an aspect
-    /// below 1 counts as 1, and an input without a size fits any frame.
+    /// below 1 counts as 1 and comes back as it is, and an input without a size fits any frame. A number outside
+    /// the enumerations is a custom frame, taken as it is.
     Conf::FrameInfo GetOutputFrameSize(const Conf::FrameInfo& input) const;
 };
 
 struct NORVEX_API IFilterResize {
     static const std::string CLASS_ID;
 
+    /// Throws SettingsException for a number that is none of its enumeration.
     static Core::Property Settings2Property(const SettingsResizer& settings);
-    /// Reads the form that Settings2Property gives. Throws Core::PropertyException for what is missing or of the
-    /// wrong type, and SettingsException for a text that names no mode or method.
+    /// Reads the form that Settings2Property gives; of numbers, the lower 32 bits. Throws Core::PropertyException for
+    /// what is missing or of the wrong type, and SettingsException for a text that names no mode or method.
     static SettingsResizer Property2Settings(const Core::Property& property);
 };
 

@@ -13,8 +13,7 @@ struct NORVEX_API ImplNames {
     static const std::string FFMPEG;
 };
 
-/// A text in a settings tree that names no value of its parameter; TagDetails has the text, TagDescription the
-/// parameter.
+/// A text or number that names no value of its parameter; TagDetails has it, TagDescription the parameter.
 class NORVEX_API SettingsException : public Exception {};
 
 /// What the settings of every processing object begin with.

@@ -17,6 +17,7 @@ const std::map<AVCodecID, std::string>& GetFFCodecsMap() {
 }
 
 AVCodecID CodecIDFromTextID(const std::string& codecId) {
+    if (codecId.find('\0') != std::string::npos) return AV_CODEC_ID_NONE;  // FFmpeg would read up to it
     const AVCodecDescriptor* const codec = avcodec_descriptor_get_by_name(codecId.c_str());
     return codec != nullptr ? codec->id : AV_CODEC_ID_NONE;
 }

@@ -1,6 +1,12 @@
 // What an encoder of the running build declares. Nothing else of the library looks at encoders, so that a test can
 // put a build of its own making in the place of this file.
 
+extern "C" {
+#include <libavutil/opt.h>
+}
+
+#include <boost/lexical_cast/try_lexical_convert.hpp>
+
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
 #include "norvex/interfaces/Proc/Settings.h"
 
@@ -12,6 +18,7 @@ namespace {
 
 template <class Entry>
 const Entry* SupportedConfig(const AVCodec* codec, AVCodecConfig config) {
+    if (codec == nullptr) return nullptr;
     const void* list = nullptr;
     const int result = avcodec_get_supported_config(nullptr, codec, config, 0, &list, nullptr);
     return result >= 0 ? static_cast<const Entry*>(list) : nullptr;
@@ -33,16 +40,16 @@ const AVChannelLayout* ChannelLayouts(const AVCodec* c) {
 #else
 
 const AVRational* FrameRates(const AVCodec* c) {
-    return c->supported_framerates;
+    return c != nullptr ? c->supported_framerates : nullptr;
 }
 const AVSampleFormat* SampleFormatsOf(const AVCodec* c) {
-    return c->sample_fmts;
+    return c != nullptr ? c->sample_fmts : nullptr;
 }
 const int* SampleRates(const AVCodec* c) {
-    return c->supported_samplerates;
+    return c != nullptr ? c->supported_samplerates : nullptr;
 }
 const AVChannelLayout* ChannelLayouts(const AVCodec* c) {
-    return c->ch_layouts;
+    return c != nullptr ? c->ch_layouts : nullptr;
 }
 
 #endif
@@ -73,6 +80,22 @@ const int* SafeEncoderCodec::GetSupportedSampleRates() const {
 
 const AVChannelLayout* SafeEncoderCodec::GetSupportedChannelLayouts() const {
     return ChannelLayouts(m_codec);
+}
+
+bool SafeEncoderCodec::TakesOption(const std::string& option, const std::string& value) const {
+    // The encoder's own options stand before those of all codecs.
+    for (const AVClass* options : {m_codec->priv_class, avcodec_get_class()}) {
+        const auto find = [&options](const std::string& name, const char* unit) {
+            return options == nullptr ? nullptr : av_opt_find(&options, name.c_str(), unit, 0, AV_OPT_SEARCH_FAKE_OBJ);
+        };
+        const AVOption* const found = find(option, nullptr);
+        if (found == nullptr) continue;
+        if (found->unit != nullptr && find(value, found->unit) != nullptr) return true;
+        double number = 0;
+        const bool isNumber = boost::conversion::try_lexical_convert(value, number);
+        return isNumber ? found->min <= number && number <= found->max : found->type == AV_OPT_TYPE_STRING;
+    }
+    return false;
 }
 
 }  // namespace Norvex::Proc

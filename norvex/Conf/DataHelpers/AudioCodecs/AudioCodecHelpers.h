@@ -27,7 +27,7 @@ public:
     Core::Property GetDefaults() const override;
     void GetValidationRules(RuleList& rules) const override;
     void GetConstraints(ConstraintMap& constraints) const override;
-    /// Caps the bitrate by the sample rate, after the common correction.
+    /// Caps the bitrate by the sample rate, after the common correction. Throws what that throws.
     void CorrectFormatCodec(Core::Property& tree) const override;
 };
 
@@ -72,6 +72,7 @@ public:
     void GetValidationRules(RuleList& rules) const override;
     void GetConstraints(ConstraintMap& constraints) const override;
     /// Moves layout, sample rate and bitrate together to the nearest legal combination, after the common correction.
+    /// Throws what that throws; all three are read before one is written.
     void CorrectFormatCodec(Core::Property& tree) const override;
 };
 
@@ -81,7 +82,9 @@ public:
     Core::Property GetDefaults() const override;
     /// Sets the codec id. The preset is not read.
     void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
-    /// Corrects the audio format, and sets the VBR mode and an estimate of the bitrate.
+    /// Corrects the audio format, and sets the VBR mode and an estimate of the bitrate. Throws as
+    /// CorrectAudioResamplerSettings does, and FormatException for a layout or sample format without a record that no
+    /// rule has corrected: the mode is set then, and the bitrate as it was.
     void CorrectFormatCodec(Core::Property& tree) const override;
 
 protected:
@@ -94,7 +97,8 @@ public:
     static SP<IDataHelper> Create();
 
     /// An estimate of a lossless stream's bitrate in bits per second, from its sample rate, layout and sample format.
-    /// Throws Core::PropertyException where one of them is missing, and FormatException for an unknown name.
+    /// Throws Core::PropertyException where one of them is missing or of the wrong type, and only then FormatException
+    /// for an unknown name, first of the layout.
     static long long CalculateBitrate(const Core::Property& tree);
 
     void GetValidationRules(RuleList& rules) const override;
@@ -119,9 +123,12 @@ public:
 
     Core::Property GetDefaults() const override;
     void GetValidationRules(RuleList& rules) const override;
-    /// Sets the codec id, and merges the encoder options. Nothing else of the preset is read.
+    /// Sets the codec id, and merges the encoder options. Nothing else of the preset is read. Throws nothing for what
+    /// the preset holds.
     void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
-    /// Corrects the audio format, and sets the CBR mode and the exact bitrate.
+    /// Corrects the audio format, and sets the CBR mode and the exact bitrate. Throws as CorrectAudioResamplerSettings
+    /// does, and FormatException for a sample format without a record that no rule has corrected: mode and bitrate are
+    /// as they were then.
     void CorrectFormatCodec(Core::Property& tree) const override;
 
 private:

@@ -32,7 +32,7 @@ constexpr Name profiles_aac[] = {
 DataHelperAudioCodecAac::DataHelperAudioCodecAac() : AudioCodecHelper(A::CODEC_ID_AAC) {}
 
 SP<IDataHelper> DataHelperAudioCodecAac::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecAac);
+    return Keeping(new DataHelperAudioCodecAac);
 }
 
 Core::Property DataHelperAudioCodecAac::GetDefaults() const {
@@ -60,8 +60,7 @@ void DataHelperAudioCodecAac::GetConstraints(ConstraintMap& constraints) const {
     constraints[A::TAG_BITRATE] = OneOf(availableBitrateList_aac);
     constraints[ProfileKey()] = OneOf(profiles_aac);
     constraints[A::TAG_BITRATE_MODE] = OneOf({A::TAG_BITRATE_MODE_CBR});
-    SP<const IPropertyConstraint>& layouts = constraints[LayoutPath()];
-    if (!layouts) layouts = OneOf(channelLayouts_aac);
+    if (constraints.count(LayoutPath()) == 0) constraints[LayoutPath()] = OneOf(channelLayouts_aac);
 }
 
 }  // namespace Norvex::Conf

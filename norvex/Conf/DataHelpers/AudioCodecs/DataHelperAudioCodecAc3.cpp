@@ -26,7 +26,7 @@ constexpr Name channelLayouts_ac3[] = {A::TAG_CH_LAYOUT_MONO, A::TAG_CH_LAYOUT_S
 DataHelperAudioCodecAc3::DataHelperAudioCodecAc3() : AudioCodecHelper(A::CODEC_ID_AC3) {}
 
 SP<IDataHelper> DataHelperAudioCodecAc3::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecAc3);
+    return Keeping(new DataHelperAudioCodecAc3);
 }
 
 Core::Property DataHelperAudioCodecAc3::GetDefaults() const {

@@ -20,7 +20,7 @@ constexpr long long availableBitrateList_amr[] = {4750, 5150, 5900, 6700, 7400, 
 DataHelperAudioCodecAmrNB::DataHelperAudioCodecAmrNB() : AudioCodecHelper(A::CODEC_ID_AMR_NB) {}
 
 SP<IDataHelper> DataHelperAudioCodecAmrNB::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecAmrNB);
+    return Keeping(new DataHelperAudioCodecAmrNB);
 }
 
 Core::Property DataHelperAudioCodecAmrNB::GetDefaults() const {

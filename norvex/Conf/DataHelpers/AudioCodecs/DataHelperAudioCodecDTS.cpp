@@ -17,7 +17,7 @@ using A = IFormatCodecAudio;
 DataHelperAudioCodecDTS::DataHelperAudioCodecDTS() : AudioCodecHelper(A::CODEC_ID_DTS) {}
 
 SP<IDataHelper> DataHelperAudioCodecDTS::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecDTS);
+    return Keeping(new DataHelperAudioCodecDTS);
 }
 
 Core::Property DataHelperAudioCodecDTS::GetDefaults() const {

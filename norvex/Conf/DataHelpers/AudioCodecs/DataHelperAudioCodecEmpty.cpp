@@ -19,7 +19,7 @@ constexpr long long keepSampleRate = -1;
 DataHelperAudioCodecEmpty::DataHelperAudioCodecEmpty(const std::string& codecId) : m_emptyCodecId(codecId) {}
 
 SP<IDataHelper> DataHelperAudioCodecEmpty::Create(const std::string& codecId) {
-    return SP<IDataHelper>(new DataHelperAudioCodecEmpty(codecId));
+    return Keeping(new DataHelperAudioCodecEmpty(codecId));
 }
 
 Core::Property DataHelperAudioCodecEmpty::GetDefaults() const {

@@ -77,15 +77,15 @@ void LosslessAudioCodecHelper::CorrectFormatCodec(Core::Property& tree) const {
 DataHelperAudioCodecFlac::DataHelperAudioCodecFlac() : LosslessAudioCodecHelper(A::CODEC_ID_FLAC) {}
 
 SP<IDataHelper> DataHelperAudioCodecFlac::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecFlac);
+    return Keeping(new DataHelperAudioCodecFlac);
 }
 
 long long DataHelperAudioCodecFlac::CalculateBitrate(const Core::Property& tree) {
-    const long long sampleRate = tree[A::TAG_SAMPLE_RATE].GetInt64();
-    const std::size_t row = NearestIndex(g_possibleSamplerates, sampleRate);
-    const std::size_t column = NearestIndex(g_possibleChannels, ChannelsOf(tree));
+    const AudioFormat sound = AudioFormatOf(tree);
+    const std::size_t row = NearestIndex(g_possibleSamplerates, sound.sampleRate);
+    const std::size_t column = NearestIndex(g_possibleChannels, sound.channels);
     // The table's own values and not the stream's: beyond its edges the estimate stays what it is there.
-    const long long pcmBitrate = g_possibleSamplerates[row] * BitsPerSampleOf(tree) * g_possibleChannels[column];
+    const long long pcmBitrate = g_possibleSamplerates[row] * sound.bitsPerSample * g_possibleChannels[column];
     return static_cast<long long>(static_cast<double>(pcmBitrate) * g_coeff[row][column]);
 }
 
@@ -99,7 +99,7 @@ void DataHelperAudioCodecFlac::GetValidationRules(RuleList& rules) const {
 DataHelperAudioCodecAlac::DataHelperAudioCodecAlac() : LosslessAudioCodecHelper(A::CODEC_ID_ALAC) {}
 
 SP<IDataHelper> DataHelperAudioCodecAlac::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecAlac);
+    return Keeping(new DataHelperAudioCodecAlac);
 }
 
 }  // namespace Norvex::Conf

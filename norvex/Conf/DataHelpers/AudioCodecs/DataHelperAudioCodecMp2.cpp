@@ -23,7 +23,7 @@ constexpr long long availableSampleRateList[] = {32000, 44100, 48000};  // Hz
 DataHelperAudioCodecMp2::DataHelperAudioCodecMp2() : AudioCodecHelper(A::CODEC_ID_MP2) {}
 
 SP<IDataHelper> DataHelperAudioCodecMp2::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecMp2);
+    return Keeping(new DataHelperAudioCodecMp2);
 }
 
 Core::Property DataHelperAudioCodecMp2::GetDefaults() const {

@@ -55,7 +55,7 @@ long long MaxBitrate(long long sampleRate) {
 DataHelperAudioCodecMp3::DataHelperAudioCodecMp3() : AudioCodecHelper(A::CODEC_ID_MP3) {}
 
 SP<IDataHelper> DataHelperAudioCodecMp3::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecMp3);
+    return Keeping(new DataHelperAudioCodecMp3);
 }
 
 Core::Property DataHelperAudioCodecMp3::GetDefaults() const {

@@ -25,7 +25,7 @@ DataHelperAudioCodecPCM::DataHelperAudioCodecPCM(const std::string& codecId)
     : AudioCodecHelper(codecId), m_pcmCodecId(codecId) {}
 
 SP<IDataHelper> DataHelperAudioCodecPCM::Create(const std::string& codecId) {
-    return SP<IDataHelper>(new DataHelperAudioCodecPCM(codecId));
+    return Keeping(new DataHelperAudioCodecPCM(codecId));
 }
 
 int DataHelperAudioCodecPCM::GetStoredBitsPerSample(const std::string& codecId) {
@@ -54,10 +54,9 @@ void DataHelperAudioCodecPCM::ApplyPresetSettings(const Core::Property& preset, 
 
 void DataHelperAudioCodecPCM::CorrectFormatCodec(Core::Property& tree) const {
     CorrectAudioResamplerSettings(tree);
-    const long long sampleRate = tree[A::TAG_SAMPLE_RATE].GetInt64();
-    const long long bitrate = sampleRate * ChannelsOf(tree) * BitsPerSampleOf(tree);
+    const AudioFormat sound = AudioFormatOf(tree);
     tree.SetChildT(A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR);
-    tree.SetChildT(A::TAG_BITRATE, bitrate);
+    tree.SetChildT(A::TAG_BITRATE, sound.sampleRate * sound.channels * sound.bitsPerSample);
 }
 
 }  // namespace Norvex::Conf

@@ -33,7 +33,7 @@ constexpr long long bitrates_44100[] = {48000, 64000, 96000, 128000, 160000, 192
 DataHelperAudioCodecVorbis::DataHelperAudioCodecVorbis() : AudioCodecHelper(A::CODEC_ID_VORBIS) {}
 
 SP<IDataHelper> DataHelperAudioCodecVorbis::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecVorbis);
+    return Keeping(new DataHelperAudioCodecVorbis);
 }
 
 Core::Property DataHelperAudioCodecVorbis::GetDefaults() const {

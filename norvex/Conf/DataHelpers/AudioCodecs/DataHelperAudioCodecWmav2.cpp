@@ -23,7 +23,7 @@ constexpr long long availableBitrateList_wmvv2[] = {
 DataHelperAudioCodecWmav2::DataHelperAudioCodecWmav2() : AudioCodecHelper(A::CODEC_ID_WMAV2) {}
 
 SP<IDataHelper> DataHelperAudioCodecWmav2::Create() {
-    return SP<IDataHelper>(new DataHelperAudioCodecWmav2);
+    return Keeping(new DataHelperAudioCodecWmav2);
 }
 
 Core::Property DataHelperAudioCodecWmav2::GetDefaults() const {

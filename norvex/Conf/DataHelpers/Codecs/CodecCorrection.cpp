@@ -1,9 +1,11 @@
 // Correction of DataHelperCodecFFMPEG.
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <stdexcept>
 
+#include "norvex/Conf/DataHelpers/Answers.h"
 #include "norvex/Conf/DataHelpers/Codecs/DataHelperCodecFFMPEG.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/Exceptions.h"
@@ -29,17 +31,54 @@ void AddDefault(Property& tree, const Property& defaults, const std::string& tag
     if (!tree.ChildExists(tag) && defaults.ChildExists(tag)) tree.SetChild(tag, defaults[tag]);
 }
 
+void CorrectFrameSequences(Property& tree, const Property& defaults, bool hasBFrames) {
+    AddDefault(tree, defaults, V::TAG_MAX_B_FRAME_SEQUENCE);
+    AddDefault(tree, defaults, V::TAG_MAX_I_FRAME_INTERVAL);
+    if (!hasBFrames) tree.RemoveChild(V::TAG_MAX_B_FRAME_SEQUENCE);
+}
+
+void CorrectResampler(Property& tree, const ResamplerConstraints& constraints, const std::string& codecId) {
+    const std::array tags = {&A::TAG_SAMPLE_RATE, &A::TAG_SAMPLE_FORMAT, &A::TAG_LAYOUT};
+    for (std::size_t i = 0; i < tags.size(); ++i) {
+        Property& value = tree[*tags[i]];
+        if (!constraints[i] || constraints[i]->Fixup(value)) continue;
+        NORVEX_THROW(AddStack(std::logic_error("Can't fix value [" + *tags[i] + "] = " +
+                                               Core::PropertyValueToString(value) + " for encoder [" + codecId + "]")));
+    }
+}
+
+void CorrectRateControl(Property& tree, const Property& defaults, const ConstraintMap& constraints) {
+    for (const std::string* tag : {&V::TAG_BITRATE_MODE, &V::TAG_BITRATE, &V::TAG_QUALITY}) {
+        const auto writeDefault = [&tree, &defaults, tag] {
+            if (defaults.ChildExists(*tag)) tree.SetChild(*tag, defaults[*tag]);
+        };
+        // A value without a constraint does not count as legal.
+        bool isLegal = false;
+        try {
+            const auto value = tree.FindChild(*tag);
+            if (value != tree.end()) {
+                const auto constraint = constraints.find(*tag);
+                isLegal = constraint != constraints.end() && constraint->second && constraint->second->Fixup(*value);
+            }
+        } catch (...) {
+            writeDefault();
+            throw;
+        }
+        if (!isLegal) writeDefault();
+    }
+}
+
 }  // namespace
 
 void DataHelperCodecFFMPEG::CorrectFormatCodec(Property& tree) const {
     switch (m_mediaType) {
         case MediaType::Video: {
             CorrectBitrate(tree);
-            const Property defaults = GetDefaults();
-            AddDefault(tree, defaults, V::TAG_MAX_B_FRAME_SEQUENCE);
-            AddDefault(tree, defaults, V::TAG_MAX_I_FRAME_INTERVAL);
-            if (!HasBFrames(m_codecId)) tree.RemoveChild(V::TAG_MAX_B_FRAME_SEQUENCE);
-            return;
+            const bool hasBFrames = HasBFrames(m_codecId);
+            if (const Answers* const kept = GetKeptAnswers()) {
+                return CorrectFrameSequences(tree, kept->defaults, hasBFrames);
+            }
+            return CorrectFrameSequences(tree, GetDefaults(), hasBFrames);
         }
         case MediaType::Audio:
             // A helper's bitrate rule may depend on rate and layout.
@@ -55,41 +94,18 @@ void DataHelperCodecFFMPEG::CorrectFormatCodec(Property& tree) const {
 }
 
 void DataHelperCodecFFMPEG::CorrectAudioResamplerSettings(Property& tree) const {
-    RuleList rules;
-    GetValidationRules(rules);
-    for (const std::string* tag : {&A::TAG_SAMPLE_RATE, &A::TAG_SAMPLE_FORMAT, &A::TAG_LAYOUT}) {
-        Property& value = tree[*tag];
-        // The first rule about the tag decides, which is the encoder's where the encoder declares a list.
-        const auto rule = std::find_if(rules.begin(), rules.end(), [tag](const auto& candidate) {
-            return candidate.second->GetSecondPath().find(*tag) != std::string::npos;
-        });
-        if (rule == rules.end() || rule->second->GetSecondConstraint()->Fixup(value)) continue;
-        NORVEX_THROW(
-            AddStack(std::logic_error("Can't fix value [" + *tag + "] = " + Core::PropertyValueToString(value) +
-                                      " for encoder [" + m_codecId + "]")));
-    }
+    if (const Answers* const kept = GetKeptAnswers()) return CorrectResampler(tree, kept->resampler, m_codecId);
+    CorrectResampler(tree, ResamplerConstraintsOf(RulesOf(*this)), m_codecId);
 }
 
 void DataHelperCodecFFMPEG::CorrectBitrate(Property& tree) const {
+    if (const Answers* const kept = GetKeptAnswers()) {
+        return CorrectRateControl(tree, kept->defaults, kept->constraints);
+    }
     const Property defaults = GetDefaults();
     ConstraintMap constraints;
     GetConstraints(constraints);
-    for (const std::string* tag : {&V::TAG_BITRATE_MODE, &V::TAG_BITRATE, &V::TAG_QUALITY}) {
-        const auto writeDefault = [&tree, &defaults, tag] {
-            if (defaults.ChildExists(*tag)) tree.SetChild(*tag, defaults[*tag]);
-        };
-        // A value without a constraint does not count as legal.
-        bool isLegal = false;
-        try {
-            const auto constraint = constraints.find(*tag);
-            isLegal =
-                tree.ChildExists(*tag) && constraint != constraints.end() && constraint->second->Fixup(tree[*tag]);
-        } catch (...) {
-            writeDefault();
-            throw;
-        }
-        if (!isLegal) writeDefault();
-    }
+    CorrectRateControl(tree, defaults, constraints);
 }
 
 }  // namespace Norvex::Conf

@@ -57,6 +57,7 @@ DataHelperCodecFFMPEG::DataHelperCodecFFMPEG(const std::string& codecId, MediaTy
 }
 
 void DataHelperCodecFFMPEG::Load() {
+    DropAnswers();
     const Proc::SafeEncoderCodec encoder = Proc::FindEncoder(m_codecId, Proc::ImplNames::FFMPEG);
     if (!encoder) return;
 

@@ -7,7 +7,8 @@
 
 namespace Norvex::Conf {
 
-/// Whatever a function accepts. It lists nothing and corrects nothing.
+/// Whatever a function accepts. It lists nothing and corrects nothing. What the function throws passes through IsValid
+/// and Fixup.
 class NORVEX_API ConstraintMethod final : public RefCounted<IPropertyConstraint> {
 public:
     using Method = std::function<bool(const Core::Property&)>;

@@ -1,5 +1,7 @@
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintRange.h"
 
+#include <cmath>
+
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintFailure.h"
 
 namespace Norvex::Conf {
@@ -32,6 +34,8 @@ void ConstraintRange::FillValueList(const SP<IConstraintConsumer>& consumer) con
 bool ConstraintRange::IsValid(const Core::Property& value) const {
     switch (m_type) {
         case PT_INT64:
+            // As an integer it would read as the largest, which a range may allow.
+            if (value.GetType() == PT_DOUBLE && std::isnan(value.GetDouble())) return false;
             return m_loBound.GetInt64() <= value.GetInt64() && value.GetInt64() <= m_hiBound.GetInt64();
         case PT_DOUBLE:
             return m_loBound.GetDouble() <= value.GetDouble() && value.GetDouble() <= m_hiBound.GetDouble();

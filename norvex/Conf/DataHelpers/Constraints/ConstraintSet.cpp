@@ -7,6 +7,7 @@
 
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintFailure.h"
 #include "norvex/foundation/Localization.h"
+#include "norvex/interfaces/Conf/Messages.h"
 
 namespace Norvex::Conf {
 
@@ -14,7 +15,6 @@ namespace {
 
 using Core::Property;
 
-const char* const DATAHELPERS_MESSAGE_DOMAIN = "core";
 /// The gettext message. The parameter's name and the list of values take the places of the marks.
 const char* const listMessage = "Parameter %1 must be one of the following values: %2";
 

@@ -21,8 +21,10 @@ public:
     static SP<IPropertyConstraint> Create(const ValueList<long long>& values);
     static SP<IPropertyConstraint> Create(const ValueList<std::string>& values);
     static SP<IPropertyConstraint> Create(const ValueList<Core::Ratio>& values);
+    /// The values must be of that type: Fixup throws Core::PropertyException where it meets a value that is no number
+    /// and should be one.
     static SP<IPropertyConstraint> Create(PropertyTypes type, const ValueList<Core::Property>& values);
-    /// Each child of `list` is a value under its own name, as a consumer gives them back.
+    /// The same. Each child of `list` is a value under its own name, as a consumer gives them back.
     static SP<IPropertyConstraint> Create(PropertyTypes type, const Core::Property& list);
 
     void FillValueList(const SP<IConstraintConsumer>& consumer) const override;

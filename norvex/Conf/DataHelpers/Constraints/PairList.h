@@ -25,7 +25,9 @@ std::pair<std::string, T> Pair(T value) {
     }
 }
 
-/// A list of one pair, to which the comma operator appends: BeginPairList<long long>(8000), 16000.
+/// A list of one pair, to which the comma operator appends: BeginPairList<long long>(8000), 16000. A list is a vector
+/// of the standard library, so that outside of this namespace the comma is the built-in one, which gives its right
+/// operand alone; `using Norvex::Conf::operator,;` brings this one in.
 template <class T>
 PairList<T> BeginPairList(T value) {
     PairList<T> list;
@@ -33,6 +35,7 @@ PairList<T> BeginPairList(T value) {
     return list;
 }
 
+/// Converts the value as an assignment would: 2.7 becomes 2 in a list of integers, and a pointer true in one of flags.
 template <class T, class U, class = std::enable_if_t<std::is_convertible_v<U, T>>>
 PairList<T> operator,(PairList<T> list, U value) {
     list.push_back(Pair<T>(static_cast<T>(std::move(value))));

@@ -27,7 +27,7 @@ constexpr long long keepSampleRate = -1;
 }  // namespace
 
 SP<IDataHelper> DataHelperAudioFormatter::Create() {
-    return SP<IDataHelper>(new DataHelperAudioFormatter);
+    return Keeping(new DataHelperAudioFormatter);
 }
 
 Core::Property DataHelperAudioFormatter::GetDefaults() const {
@@ -39,7 +39,7 @@ Core::Property DataHelperAudioFormatter::GetDefaults() const {
 }
 
 SP<IDataHelper> DataHelperAudioResample::Create() {
-    return SP<IDataHelper>(new DataHelperAudioResample);
+    return Keeping(new DataHelperAudioResample);
 }
 
 Core::Property DataHelperAudioResample::GetDefaults() const {
@@ -69,7 +69,7 @@ void DataHelperAudioResample::ApplyPresetSettings(const Core::Property& preset, 
 }
 
 SP<IDataHelper> DataHelperAudioVolume::Create() {
-    return SP<IDataHelper>(new DataHelperAudioVolume);
+    return Keeping(new DataHelperAudioVolume);
 }
 
 Core::Property DataHelperAudioVolume::GetDefaults() const {

@@ -23,7 +23,9 @@ public:
     Core::Property GetDefaults() const override;
     void GetConstraints(ConstraintMap& constraints) const override;
     /// Rate and layout, which the preset must have, go to the stream's own children, which must exist. A sample
-    /// format is optional, and brings the bits per sample with it.
+    /// format is optional, and brings the bits per sample with it. Throws Core::PropertyException for what is missing
+    /// or of the wrong type, and FormatException for a sample format without a record; what was written before, the
+    /// sample format included, stays.
     void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
 };
 
@@ -42,7 +44,8 @@ public:
 
     Core::Property GetDefaults() const override;
     void GetConstraints(ConstraintMap& constraints) const override;
-    /// The rate goes to the stream's own child, which must exist, unless it is the mark that keeps the source's.
+    /// The rate goes to the stream's own child, which must exist, unless it is the mark that keeps the source's. Throws
+    /// Core::PropertyException for what is missing or no rate; nothing is written then.
     void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
 };
 
@@ -55,7 +58,9 @@ public:
     /// Two rules without a condition: width and height are even.
     void GetValidationRules(RuleList& rules) const override;
     void GetConstraints(ConstraintMap& constraints) const override;
-    /// Replaces width, height and aspect of the stream, which must exist, by what the resizer makes of them.
+    /// Replaces width, height and aspect of the stream, which must exist, by what the resizer makes of them. Throws
+    /// Core::PropertyException for what is missing or of the wrong type, and Proc::SettingsException for a text that
+    /// names no mode or method; nothing is written then.
     void ApplyPresetSettings(const Core::Property& preset, Core::Property& stream) const override;
 };
 

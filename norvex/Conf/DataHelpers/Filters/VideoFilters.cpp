@@ -65,7 +65,7 @@ constexpr Name resizeMethods[] = {
 }  // namespace
 
 SP<IDataHelper> DataHelperVideoResample::Create() {
-    return SP<IDataHelper>(new DataHelperVideoResample);
+    return Keeping(new DataHelperVideoResample);
 }
 
 Core::Property DataHelperVideoResample::GetDefaults() const {
@@ -82,7 +82,7 @@ void DataHelperVideoResample::ApplyPresetSettings(const Core::Property& preset, 
 }
 
 SP<IDataHelper> DataHelperVideoResize::Create() {
-    return SP<IDataHelper>(new DataHelperVideoResize);
+    return Keeping(new DataHelperVideoResize);
 }
 
 Core::Property DataHelperVideoResize::GetDefaults() const {

@@ -30,7 +30,7 @@ DataHelperFormatAvi::DataHelperFormatAvi() {
 }
 
 SP<IDataHelper> DataHelperFormatAvi::Create() {
-    return SP<IDataHelper>(new DataHelperFormatAvi);
+    return Keeping(new DataHelperFormatAvi);
 }
 
 Core::Property DataHelperFormatAvi::GetDefaults() const {

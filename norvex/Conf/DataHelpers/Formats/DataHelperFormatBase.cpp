@@ -48,15 +48,18 @@ SP<IPropertyConstraint> DataHelperFormatBase::SetCodecConstraint(const std::vect
 
 void DataHelperFormatBase::SetVideoCodecs(const std::vector<std::string>& codecs, const std::string& defaultCodec) {
     m_videoCodecsConstraint = SetCodecConstraint(codecs, defaultCodec);
+    DropAnswers();
 }
 
 void DataHelperFormatBase::SetAudioCodecs(const std::vector<std::string>& codecs, const std::string& defaultCodec) {
     m_audioCodecsConstraint = SetCodecConstraint(codecs, defaultCodec);
+    DropAnswers();
 }
 
 void DataHelperFormatBase::SetSubtitleTextCodecs(const std::vector<std::string>& codecs,
                                                  const std::string& defaultCodec) {
     m_subtitleTextCodecsConstraint = SetCodecConstraint(codecs, defaultCodec);
+    DropAnswers();
 }
 
 SP<IPropertyConstraint> DataHelperFormatBase::VideoCodecsConstraint() const {

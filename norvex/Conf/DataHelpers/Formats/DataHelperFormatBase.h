@@ -3,13 +3,13 @@
 #include <string>
 #include <vector>
 
-#include "norvex/interfaces/Conf/IDataHelper.h"
+#include "norvex/Conf/DataHelpers/KeepingHelper.h"
 
 namespace Norvex::Conf {
 
 /// Base of the format helpers: which codecs the container may carry for each kind of stream, with a default of each,
 /// and the format's correction. What a concrete format adds are its codec lists, its default tree and its rules.
-class NORVEX_API DataHelperFormatBase : public IDataHelper {
+class NORVEX_API DataHelperFormatBase : public KeepingHelper {
 public:
     /// A constraint that allows these codec ids. Throws HelperException for an empty list and for a default that is
     /// not in it.
@@ -35,7 +35,8 @@ public:
     void CorrectFormatCodec(Core::Property& formatCodec) const override;
 
 protected:
-    /// Throw as SetCodecConstraint does, and leave the former list in place then.
+    /// Throw as SetCodecConstraint does, and leave the former list in place then. The answers that were kept are
+    /// forgotten.
     void SetVideoCodecs(const std::vector<std::string>& codecs, const std::string& defaultCodec);
     void SetAudioCodecs(const std::vector<std::string>& codecs, const std::string& defaultCodec);
     void SetSubtitleTextCodecs(const std::vector<std::string>& codecs, const std::string& defaultCodec);

@@ -31,7 +31,7 @@ DataHelperFormatDVD::DataHelperFormatDVD(const std::string& id) : m_formatId(id)
 }
 
 SP<IDataHelper> DataHelperFormatDVD::Create(const std::string& id) {
-    return SP<IDataHelper>(new DataHelperFormatDVD(id));
+    return Keeping(new DataHelperFormatDVD(id));
 }
 
 Core::Property DataHelperFormatDVD::GetDefaults() const {

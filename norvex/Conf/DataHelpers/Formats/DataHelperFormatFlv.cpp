@@ -37,7 +37,7 @@ DataHelperFormatFlv::DataHelperFormatFlv() {
 }
 
 SP<IDataHelper> DataHelperFormatFlv::Create() {
-    return SP<IDataHelper>(new DataHelperFormatFlv);
+    return Keeping(new DataHelperFormatFlv);
 }
 
 Core::Property DataHelperFormatFlv::GetDefaults() const {
@@ -57,7 +57,7 @@ DataHelperFormatSwf::DataHelperFormatSwf() {
 }
 
 SP<IDataHelper> DataHelperFormatSwf::Create() {
-    return SP<IDataHelper>(new DataHelperFormatSwf);
+    return Keeping(new DataHelperFormatSwf);
 }
 
 Core::Property DataHelperFormatSwf::GetDefaults() const {

@@ -46,7 +46,7 @@ DataHelperFormatMkv::DataHelperFormatMkv() {
 }
 
 SP<IDataHelper> DataHelperFormatMkv::Create() {
-    return SP<IDataHelper>(new DataHelperFormatMkv);
+    return Keeping(new DataHelperFormatMkv);
 }
 
 Core::Property DataHelperFormatMkv::GetDefaults() const {
@@ -60,7 +60,7 @@ DataHelperFormatMka::DataHelperFormatMka() {
 }
 
 SP<IDataHelper> DataHelperFormatMka::Create() {
-    return SP<IDataHelper>(new DataHelperFormatMka);
+    return Keeping(new DataHelperFormatMka);
 }
 
 Core::Property DataHelperFormatMka::GetDefaults() const {
@@ -77,7 +77,7 @@ DataHelperFormatWebm::DataHelperFormatWebm() {
 }
 
 SP<IDataHelper> DataHelperFormatWebm::Create() {
-    return SP<IDataHelper>(new DataHelperFormatWebm);
+    return Keeping(new DataHelperFormatWebm);
 }
 
 Core::Property DataHelperFormatWebm::GetDefaults() const {

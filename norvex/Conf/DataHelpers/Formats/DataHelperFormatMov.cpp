@@ -31,7 +31,7 @@ DataHelperFormatMov::DataHelperFormatMov() {
 }
 
 SP<IDataHelper> DataHelperFormatMov::Create() {
-    return SP<IDataHelper>(new DataHelperFormatMov);
+    return Keeping(new DataHelperFormatMov);
 }
 
 Core::Property DataHelperFormatMov::GetDefaults() const {

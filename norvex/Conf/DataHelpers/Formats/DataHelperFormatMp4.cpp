@@ -49,7 +49,7 @@ DataHelperFormatMp4::DataHelperFormatMp4(const std::string& id, bool ipodMode, b
 }
 
 SP<IDataHelper> DataHelperFormatMp4::Create(const std::string& id, bool ipodMode, bool m4vMode) {
-    return SP<IDataHelper>(new DataHelperFormatMp4(id, ipodMode, m4vMode));
+    return Keeping(new DataHelperFormatMp4(id, ipodMode, m4vMode));
 }
 
 Core::Property DataHelperFormatMp4::GetDefaults() const {
@@ -66,7 +66,7 @@ DataHelperFormatM4a::DataHelperFormatM4a(const std::string& id)
     : SoundWithCoverHelper({A::CODEC_ID_AAC, A::CODEC_ID_ALAC}, A::CODEC_ID_AAC), m_formatId(id) {}
 
 SP<IDataHelper> DataHelperFormatM4a::Create(const std::string& id) {
-    return SP<IDataHelper>(new DataHelperFormatM4a(id));
+    return Keeping(new DataHelperFormatM4a(id));
 }
 
 Core::Property DataHelperFormatM4a::GetDefaults() const {
@@ -79,7 +79,7 @@ DataHelperFormatF4a::DataHelperFormatF4a() {
 }
 
 SP<IDataHelper> DataHelperFormatF4a::Create() {
-    return SP<IDataHelper>(new DataHelperFormatF4a);
+    return Keeping(new DataHelperFormatF4a);
 }
 
 Core::Property DataHelperFormatF4a::GetDefaults() const {
@@ -98,7 +98,7 @@ DataHelperFormat3gp::DataHelperFormat3gp(const std::string& id) : m_formatId(id)
 }
 
 SP<IDataHelper> DataHelperFormat3gp::Create(const std::string& id) {
-    return SP<IDataHelper>(new DataHelperFormat3gp(id));
+    return Keeping(new DataHelperFormat3gp(id));
 }
 
 Core::Property DataHelperFormat3gp::GetDefaults() const {

@@ -34,7 +34,7 @@ DataHelperFormatVOB::DataHelperFormatVOB(const std::string& id) : m_formatId(id)
 }
 
 SP<IDataHelper> DataHelperFormatVOB::Create(const std::string& id) {
-    return SP<IDataHelper>(new DataHelperFormatVOB(id));
+    return Keeping(new DataHelperFormatVOB(id));
 }
 
 Core::Property DataHelperFormatVOB::GetDefaults() const {
@@ -55,7 +55,7 @@ DataHelperFormatMpeg1::DataHelperFormatMpeg1(const std::string& id) : m_formatId
 }
 
 SP<IDataHelper> DataHelperFormatMpeg1::Create(const std::string& id) {
-    return SP<IDataHelper>(new DataHelperFormatMpeg1(id));
+    return Keeping(new DataHelperFormatMpeg1(id));
 }
 
 Core::Property DataHelperFormatMpeg1::GetDefaults() const {
@@ -64,7 +64,7 @@ Core::Property DataHelperFormatMpeg1::GetDefaults() const {
 }
 
 void DataHelperFormatMpeg1::GetValidationRules(RuleList& rules) const {
-    // The codec is listed twice, as hosts have always seen it.
+    // That the codec is listed twice is meant: a list is offered as it is written.
     AddRule(rules, VideoCodecIdPath(), OneOf({V::CODEC_ID_MPEG1VIDEO, V::CODEC_ID_MPEG1VIDEO}), FrameRatePath(),
             ConstraintSet::Create(ProgramStreamRates()));
 }
@@ -76,7 +76,7 @@ DataHelperFormatMpegTS::DataHelperFormatMpegTS() {
 }
 
 SP<IDataHelper> DataHelperFormatMpegTS::Create() {
-    return SP<IDataHelper>(new DataHelperFormatMpegTS);
+    return Keeping(new DataHelperFormatMpegTS);
 }
 
 Core::Property DataHelperFormatMpegTS::GetDefaults() const {
@@ -94,7 +94,7 @@ DataHelperFormatMpeg2TS::DataHelperFormatMpeg2TS() {
 }
 
 SP<IDataHelper> DataHelperFormatMpeg2TS::Create() {
-    return SP<IDataHelper>(new DataHelperFormatMpeg2TS);
+    return Keeping(new DataHelperFormatMpeg2TS);
 }
 
 Core::Property DataHelperFormatMpeg2TS::GetDefaults() const {
@@ -109,7 +109,7 @@ DataHelperFormatMxf::DataHelperFormatMxf() {
 }
 
 SP<IDataHelper> DataHelperFormatMxf::Create() {
-    return SP<IDataHelper>(new DataHelperFormatMxf);
+    return Keeping(new DataHelperFormatMxf);
 }
 
 Core::Property DataHelperFormatMxf::GetDefaults() const {

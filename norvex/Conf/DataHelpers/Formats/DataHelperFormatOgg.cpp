@@ -18,7 +18,7 @@ DataHelperFormatOgv::DataHelperFormatOgv() {
 }
 
 SP<IDataHelper> DataHelperFormatOgv::Create() {
-    return SP<IDataHelper>(new DataHelperFormatOgv);
+    return Keeping(new DataHelperFormatOgv);
 }
 
 Core::Property DataHelperFormatOgv::GetDefaults() const {
@@ -31,7 +31,7 @@ DataHelperFormatOgg::DataHelperFormatOgg() {
 }
 
 SP<IDataHelper> DataHelperFormatOgg::Create() {
-    return SP<IDataHelper>(new DataHelperFormatOgg);
+    return Keeping(new DataHelperFormatOgg);
 }
 
 Core::Property DataHelperFormatOgg::GetDefaults() const {

@@ -23,7 +23,7 @@ DataHelperFormatQFX::DataHelperFormatQFX() {
 }
 
 SP<IDataHelper> DataHelperFormatQFX::Create() {
-    return SP<IDataHelper>(new DataHelperFormatQFX);
+    return Keeping(new DataHelperFormatQFX);
 }
 
 Core::Property DataHelperFormatQFX::GetDefaults() const {

@@ -18,7 +18,7 @@ DataHelperFormatWmv::DataHelperFormatWmv(const std::string& id) : m_formatId(id)
 }
 
 SP<IDataHelper> DataHelperFormatWmv::Create(const std::string& id) {
-    return SP<IDataHelper>(new DataHelperFormatWmv(id));
+    return Keeping(new DataHelperFormatWmv(id));
 }
 
 Core::Property DataHelperFormatWmv::GetDefaults() const {
@@ -31,7 +31,7 @@ DataHelperFormatWma::DataHelperFormatWma() {
 }
 
 SP<IDataHelper> DataHelperFormatWma::Create() {
-    return SP<IDataHelper>(new DataHelperFormatWma);
+    return Keeping(new DataHelperFormatWma);
 }
 
 Core::Property DataHelperFormatWma::GetDefaults() const {

@@ -1,5 +1,6 @@
 // Correction of DataHelperFormatBase.
 
+#include "norvex/Conf/DataHelpers/Answers.h"
 #include "norvex/Conf/DataHelpers/Constraints/FakeConstraintConsumer.h"
 #include "norvex/Conf/DataHelpers/Formats/DataHelperFormatBase.h"
 #include "norvex/Conf/DataHelpers/Words.h"
@@ -14,31 +15,27 @@ using Core::Property;
 using A = IFormatCodecAudio;
 using V = IFormatCodecVideo;
 
-/// A boolean set corrects nothing by itself; where it lists one value only, there is no doubt which is meant.
-void TakeOnlyValue(const IPropertyConstraint& constraint, Property& value) {
+/// A boolean set corrects nothing by itself; where it lists one value only, there is no doubt which is meant. What any
+/// other constraint left alone stays.
+void TakeOnlyBoolean(const IPropertyConstraint& constraint, Property& value) {
     const SP<IConstraintConsumer> consumer = FakeConstraintConsumer::Create();
     constraint.FillValueList(consumer);
     const Property values = consumer->GetValue();
-    if (values.Count() == 1) value.CopyDataFrom(values[0]);
+    if (values.Count() == 1 && values[0].GetType() == PT_BOOL) value.CopyDataFrom(values[0]);
 }
 
 /// Applies to one value, in order, every rule that ties it to the codec. The rules speak in paths of a preset.
 void CorrectProperty(Property& value, const std::string& codecIdPath, const std::string& rulePath,
-                     const Property& codecId, const RuleList& rules) {
-    for (const auto& [key, rule] : rules) {
-        if (rule->GetFirstPath() != codecIdPath || rule->GetSecondPath() != rulePath) continue;
-        if (!rule->GetFirstConstraint()->IsValid(codecId)) continue;
-        const SP<IPropertyConstraint> constraint = rule->GetSecondConstraint();
-        if (constraint->IsValid(value) || constraint->Fixup(value)) continue;
-        TakeOnlyValue(*constraint, value);
+                     const Property& codecId, const ReadRules& rules) {
+    for (const ReadRule& read : rules) {
+        if (read.rule->GetFirstPath() != codecIdPath || read.rule->GetSecondPath() != rulePath) continue;
+        if (!read.first->IsValid(codecId)) continue;
+        if (read.second->IsValid(value) || read.second->Fixup(value)) continue;
+        TakeOnlyBoolean(*read.second, value);
     }
 }
 
-}  // namespace
-
-void DataHelperFormatBase::CorrectFormatCodec(Property& formatCodec) const {
-    RuleList rules;
-    GetValidationRules(rules);
+void Correct(Property& formatCodec, const ReadRules& rules) {
     const Property& codecId = formatCodec[V::TAG_CODEC_ID];
     const auto correct = [&](const std::string& path, const std::string& codecIdPath, const std::string& rulePath) {
         if (!formatCodec.ChildExists(path)) return;
@@ -52,6 +49,13 @@ void DataHelperFormatBase::CorrectFormatCodec(Property& formatCodec) const {
         correct(A::TAG_SAMPLE_RATE, AudioCodecIdPath(), SampleRatePath());
         correct(A::TAG_LAYOUT, AudioCodecIdPath(), LayoutPath());
     }
+}
+
+}  // namespace
+
+void DataHelperFormatBase::CorrectFormatCodec(Property& formatCodec) const {
+    if (const Answers* const kept = GetKeptAnswers()) return Correct(formatCodec, kept->rules);
+    Correct(formatCodec, ReadRulesOf(RulesOf(*this)));
 }
 
 }  // namespace Norvex::Conf

@@ -39,7 +39,7 @@ DataHelperFormatImage::DataHelperFormatImage(const std::string& id, const std::s
 }
 
 SP<IDataHelper> DataHelperFormatImage::Create(const std::string& id, const std::string& codec) {
-    return SP<IDataHelper>(new DataHelperFormatImage(id, codec));
+    return Keeping(new DataHelperFormatImage(id, codec));
 }
 
 Core::Property DataHelperFormatImage::GetDefaults() const {
@@ -52,7 +52,7 @@ DataHelperFormatHeic::DataHelperFormatHeic() {
 }
 
 SP<IDataHelper> DataHelperFormatHeic::Create() {
-    return SP<IDataHelper>(new DataHelperFormatHeic);
+    return Keeping(new DataHelperFormatHeic);
 }
 
 Core::Property DataHelperFormatHeic::GetDefaults() const {
@@ -65,7 +65,7 @@ DataHelperFormatHeif::DataHelperFormatHeif() {
 }
 
 SP<IDataHelper> DataHelperFormatHeif::Create() {
-    return SP<IDataHelper>(new DataHelperFormatHeif);
+    return Keeping(new DataHelperFormatHeif);
 }
 
 Core::Property DataHelperFormatHeif::GetDefaults() const {
@@ -78,7 +78,7 @@ DataHelperFormatAvif::DataHelperFormatAvif() {
 }
 
 SP<IDataHelper> DataHelperFormatAvif::Create() {
-    return SP<IDataHelper>(new DataHelperFormatAvif);
+    return Keeping(new DataHelperFormatAvif);
 }
 
 Core::Property DataHelperFormatAvif::GetDefaults() const {
@@ -91,7 +91,7 @@ DataHelperFormatGif::DataHelperFormatGif() {
 }
 
 SP<IDataHelper> DataHelperFormatGif::Create() {
-    return SP<IDataHelper>(new DataHelperFormatGif);
+    return Keeping(new DataHelperFormatGif);
 }
 
 Core::Property DataHelperFormatGif::GetDefaults() const {
@@ -100,7 +100,7 @@ Core::Property DataHelperFormatGif::GetDefaults() const {
 }
 
 void DataHelperFormatGif::GetValidationRules(RuleList& rules) const {
-    // The repeats, here and below, are what hosts have always seen.
+    // The repeats, here and above, are meant: a list is offered as it is written.
     AddRule(rules, VideoCodecIdPath(), OneOf({V::CODEC_ID_GIF, V::CODEC_ID_GIF}), FrameRatePath(),
             ConstraintSet::Create(GifRates()));
 }

@@ -13,7 +13,7 @@ namespace {
 using A = IFormatCodecAudio;
 using F = IFormatFile;
 
-/// Hz. The second is no usual rate of sound; hosts have always seen it.
+/// Hz. The second is no usual rate of sound, and is meant.
 constexpr long long sampleRates_au[] = {8000, 8192};
 
 }  // namespace
@@ -21,7 +21,7 @@ constexpr long long sampleRates_au[] = {8000, 8192};
 DataHelperFormatMp3::DataHelperFormatMp3() : SoundWithCoverHelper({A::CODEC_ID_MP3}, A::CODEC_ID_MP3) {}
 
 SP<IDataHelper> DataHelperFormatMp3::Create() {
-    return SP<IDataHelper>(new DataHelperFormatMp3);
+    return Keeping(new DataHelperFormatMp3);
 }
 
 Core::Property DataHelperFormatMp3::GetDefaults() const {
@@ -32,7 +32,7 @@ Core::Property DataHelperFormatMp3::GetDefaults() const {
 DataHelperFormatFlac::DataHelperFormatFlac() : SoundWithCoverHelper({A::CODEC_ID_FLAC}, A::CODEC_ID_FLAC) {}
 
 SP<IDataHelper> DataHelperFormatFlac::Create() {
-    return SP<IDataHelper>(new DataHelperFormatFlac);
+    return Keeping(new DataHelperFormatFlac);
 }
 
 Core::Property DataHelperFormatFlac::GetDefaults() const {
@@ -45,7 +45,7 @@ DataHelperFormatAAC::DataHelperFormatAAC() {
 }
 
 SP<IDataHelper> DataHelperFormatAAC::Create() {
-    return SP<IDataHelper>(new DataHelperFormatAAC);
+    return Keeping(new DataHelperFormatAAC);
 }
 
 Core::Property DataHelperFormatAAC::GetDefaults() const {
@@ -58,7 +58,7 @@ DataHelperFormatAC3::DataHelperFormatAC3() {
 }
 
 SP<IDataHelper> DataHelperFormatAC3::Create() {
-    return SP<IDataHelper>(new DataHelperFormatAC3);
+    return Keeping(new DataHelperFormatAC3);
 }
 
 Core::Property DataHelperFormatAC3::GetDefaults() const {
@@ -71,7 +71,7 @@ DataHelperFormatAu::DataHelperFormatAu() {
 }
 
 SP<IDataHelper> DataHelperFormatAu::Create() {
-    return SP<IDataHelper>(new DataHelperFormatAu);
+    return Keeping(new DataHelperFormatAu);
 }
 
 Core::Property DataHelperFormatAu::GetDefaults() const {
@@ -90,7 +90,7 @@ DataHelperFormatWav::DataHelperFormatWav(const std::string& id) : m_formatId(id)
 }
 
 SP<IDataHelper> DataHelperFormatWav::Create(const std::string& id) {
-    return SP<IDataHelper>(new DataHelperFormatWav(id));
+    return Keeping(new DataHelperFormatWav(id));
 }
 
 Core::Property DataHelperFormatWav::GetDefaults() const {

@@ -16,7 +16,7 @@ DataHelperFormatSubtitleText::DataHelperFormatSubtitleText(const std::string& id
 }
 
 SP<IDataHelper> DataHelperFormatSubtitleText::Create(const std::string& id, const std::string& codec) {
-    return SP<IDataHelper>(new DataHelperFormatSubtitleText(id, codec));
+    return Keeping(new DataHelperFormatSubtitleText(id, codec));
 }
 
 Core::Property DataHelperFormatSubtitleText::GetDefaults() const {
@@ -29,7 +29,7 @@ DataHelperFormatSrt::DataHelperFormatSrt() {
 }
 
 SP<IDataHelper> DataHelperFormatSrt::Create() {
-    return SP<IDataHelper>(new DataHelperFormatSrt);
+    return Keeping(new DataHelperFormatSrt);
 }
 
 Core::Property DataHelperFormatSrt::GetDefaults() const {

@@ -3,6 +3,7 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/AudioCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Filters/FilterHelpers.h"
 #include "norvex/Conf/DataHelpers/Formats/FormatHelpers.h"
+#include "norvex/Conf/DataHelpers/Lookup/Registry.h"
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
 #include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
@@ -195,13 +196,52 @@ IDataHelper::DataHelperMap MakeFormatTable() {
 }
 // clang-format on
 
+namespace {
+
+/// Rows of the host's own stand in the place of ours.
+void Put(Table& table, const std::string& key, SP<const IDataHelper> helper) {
+    table.erase(key);
+    table.emplace(key, std::move(helper));
+}
+
+Catalogue BuildCatalogue() {
+    TableBuild build(Tables::Codecs);
+    Catalogue catalogue = {AudioCodecs(), VideoCodecs(), Filters(), KindAliases()};
+    build.MakeRegistered([&catalogue](const Registration& registration, SP<const IDataHelper> helper) {
+        if (registration.kind == IPreset::KEY_FILTER_AUDIO_CODEC) {
+            Put(catalogue.audioCodecs, registration.id, std::move(helper));
+        } else if (registration.kind == IPreset::KEY_FILTER_VIDEO_CODEC) {
+            Put(catalogue.videoCodecs, registration.id, std::move(helper));
+        } else {
+            Put(catalogue.filters, registration.kind, std::move(helper));
+        }
+    });
+    build.Finish();
+    return catalogue;
+}
+
+Table BuildFormatTable() {
+    TableBuild build(Tables::Formats);
+    if (HasRegistered(Tables::Codecs)) GetCatalogue();
+    Table formats = MakeFormatTable();
+    build.MakeRegistered([&formats](const Registration& registration, SP<const IDataHelper> helper) {
+        Put(formats, registration.id, std::move(helper));
+    });
+    build.Finish();
+    return formats;
+}
+
+}  // namespace
+
 const Catalogue& GetCatalogue() {
-    static const Catalogue& catalogue = Lasting(Catalogue{AudioCodecs(), VideoCodecs(), Filters(), KindAliases()});
+    RequireNotWithinBuild(Tables::Codecs);
+    static const Catalogue& catalogue = Lasting(BuildCatalogue());
     return catalogue;
 }
 
 const IDataHelper::DataHelperMap& GetFormatTable() {
-    static const Table& formats = Lasting(MakeFormatTable());
+    RequireNotWithinBuild(Tables::Formats);
+    static const Table& formats = Lasting(BuildFormatTable());
     return formats;
 }
 

@@ -2,6 +2,7 @@
 
 #include "norvex/Conf/DataHelpers/Constraints/FakeConstraintConsumer.h"
 #include "norvex/Conf/DataHelpers/Constraints/PairValidationRule.h"
+#include "norvex/Conf/DataHelpers/PlainHelper.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IPreset.h"
@@ -32,9 +33,16 @@ bool Allows(const IPropertyConstraint& constraint, const Property& value) {
     }
 }
 
+/// Stands in for a helper that is not there.
+class NoHelper final : public PlainHelper {
+public:
+    Property GetDefaults() const override { return Property(std::string()); }
+};
+
 }  // namespace
 
 SP<const IDataHelper> DataHelperProxyAuto::Create(const std::string& type, SP<const IDataHelper> helper) {
+    if (!helper) helper = new NoHelper;
     return SP<const IDataHelper>(new DataHelperProxyAuto(type, std::move(helper)));
 }
 
@@ -56,9 +64,13 @@ void DataHelperProxyAuto::GetValidationRules(RuleList& rules) const {
     };
     const SP<IConstraintConsumer> consumer = FakeConstraintConsumer::Create();
     for (const auto& [key, rule] : own) {
+        if (!rule) {
+            rules.emplace_back(key, nullptr);
+            continue;
+        }
         SP<IPropertyConstraint> second = rule->GetSecondConstraint();
         const auto automatic = automaticValues.find(rule->GetSecondPath());
-        if (automatic != automaticValues.end() && !Allows(*second, automatic->second)) {
+        if (second && automatic != automaticValues.end() && !Allows(*second, automatic->second)) {
             second = Widened(*second, "Auto", automatic->second, consumer);
         }
         rules.emplace_back(key, PairValidationRule::Create(rule->GetFirstPath(), rule->GetFirstConstraint(),
@@ -77,7 +89,7 @@ void DataHelperProxyAuto::GetConstraints(ConstraintMap& constraints) const {
     for (const auto& [path, constraint] : own) {
         const auto automatic = automaticValues.find(path);
         constraints[path] =
-            automatic == automaticValues.end()
+            !constraint || automatic == automaticValues.end()
                 ? constraint
                 : Widened(*constraint, automatic->second, Property(std::string(), automatic->second), consumer);
     }

@@ -2,6 +2,7 @@
 
 #include "norvex/Conf/DataHelpers/Lookup/Catalogue.h"
 #include "norvex/Conf/DataHelpers/Lookup/DataHelperProxyAuto.h"
+#include "norvex/Conf/DataHelpers/Lookup/Registry.h"
 #include "norvex/interfaces/Conf/Exceptions.h"
 #include "norvex/interfaces/Conf/IPreset.h"
 
@@ -58,4 +59,8 @@ const IDataHelper::DataHelperMap& GetAvailableDataHelpers(const std::string& typ
     const auto* const table = FindTable(type);
     if (table == nullptr) NORVEX_THROW(UnknownKind(type));
     return *table;
+}
+
+void RegisterDataHelper(const std::string& type, const std::string& id, Conf::DataHelperMaker make) {
+    Conf::Register({{type, id, std::move(make)}});
 }

@@ -2,7 +2,6 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 #include <libavutil/pixfmt.h>
 }
 
@@ -11,6 +10,7 @@ extern "C" {
 #include <string>
 #include <vector>
 
+#include "norvex/Conf/DataHelpers/Queries/Muxers.h"
 #include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
@@ -35,16 +35,6 @@ bool ContainsOneOf(const std::string& text, const std::vector<std::string>& need
 template <class List, class T>
 bool IsIn(const List& list, const T& value) {
     return std::find(std::begin(list), std::end(list), value) != std::end(list);
-}
-
-/// The muxer that stands for a container whose id has none of its own.
-std::string MuxerName(std::string name) {
-    if (name == F::FORMAT_MPEG2TS) name = F::FORMAT_MPEGTS;
-    if (name == F::FORMAT_MPEG1VIDEO) name = F::FORMAT_MPEG;
-    if (name == F::FORMAT_MPEG2VIDEO) name = F::FORMAT_VOB;
-    if (name == F::FORMAT_WMV || name == F::FORMAT_WMA) name = F::FORMAT_ASF;
-    if (name == F::FORMAT_M4A || name == F::FORMAT_M4V) name = F::FORMAT_IPOD;
-    return name;
 }
 
 /// What a stream says of itself, and what judging it needs.
@@ -192,8 +182,8 @@ bool IsSupportedByTags(const AVOutputFormat& muxer, const Stream& stream) {
 }  // namespace
 
 bool CodecIsSupported(const SP<const IFormatFile>& format, const SP<const IFormatCodec>& codec) {
-    const std::string name = MuxerName(format->GetProperty()[F::TAG_CONTAINER].GetString());
-    const AVOutputFormat* const muxer = av_guess_format(name.c_str(), nullptr, nullptr);
+    const std::string name = JudgedMuxerName(format->GetProperty()[F::TAG_CONTAINER].GetString());
+    const AVOutputFormat* const muxer = FindMuxer(name);
     if (muxer == nullptr) return false;
 
     const Core::Property& settings = codec->GetProperty();

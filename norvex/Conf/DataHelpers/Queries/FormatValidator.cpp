@@ -2,12 +2,13 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
 }
 
 #include <algorithm>
 
 #include "norvex/Conf/DataHelpers/Lookup/DataHelpers.h"
+#include "norvex/Conf/DataHelpers/Queries/Census.h"
+#include "norvex/Conf/DataHelpers/Queries/Muxers.h"
 #include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IPreset.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
@@ -65,8 +66,8 @@ void RemoveWithoutHelper(std::vector<std::string>& names, AVMediaType type) {
 std::vector<std::string> GetSupportedCodecs(AVMediaType type, const std::string& format,
                                             const std::vector<std::string>& fallback,
                                             const std::vector<std::string>& exclusions) {
-    if (Census().empty()) return fallback;
-    const AVOutputFormat* const muxer = av_guess_format(format.c_str(), nullptr, nullptr);
+    if (CensusIsEmpty()) return fallback;
+    const AVOutputFormat* const muxer = FindMuxer(format);
     if (muxer == nullptr) return fallback;
 
     std::vector<std::string> names = AskFFmpeg(muxer, type);
@@ -80,6 +81,14 @@ std::vector<std::string> GetSupportedCodecs(AVMediaType type, const std::string&
 }
 
 }  // namespace
+
+bool CensusIsEmpty() {
+    return Census().empty();
+}
+
+bool CensusHas(AVCodecID codec) {
+    return std::find(Census().begin(), Census().end(), codec) != Census().end();
+}
 
 FormatValidator& FormatValidator::Instance() {
     static FormatValidator validator;

@@ -37,6 +37,12 @@ bool CodecHasGlobalHeader(const std::string& name) {
         helper = CreateDataHelper(IPreset::KEY_FILTER_VIDEO_CODEC, name);
     } else if (IsAudioCodec(name)) {
         helper = CreateDataHelper(IPreset::KEY_FILTER_AUDIO_CODEC, name);
+    } else {
+        // Beyond the vocabulary there may be a helper that was registered.
+        for (const std::string& kind : {IPreset::KEY_FILTER_VIDEO_CODEC, IPreset::KEY_FILTER_AUDIO_CODEC}) {
+            const auto& helpers = GetAvailableDataHelpers(kind);
+            if (const auto row = helpers.find(name); !helper && row != helpers.end()) helper = row->second;
+        }
     }
     return helper && HasGlobalHeader(*helper);
 }

@@ -10,8 +10,9 @@ namespace Norvex::Conf {
 /// and for one that the catalogue does not hold.
 NORVEX_API bool FormatHasGlobalHeader(const std::string& name);
 
-/// Whether this codec can do so. False for a name that is no video or audio codec, the empty one included. Throws
-/// HelperException for a codec of the vocabulary that the catalogue has no helper for.
+/// Whether this codec can do so. False for a name that is no video or audio codec, the empty one included: one that is
+/// neither of the vocabulary nor registered. Throws HelperException for a codec of the vocabulary that the catalogue
+/// has no helper for.
 NORVEX_API bool CodecHasGlobalHeader(const std::string& name);
 
 }  // namespace Norvex::Conf

@@ -20,7 +20,7 @@ constexpr SizeConstraints::SizeList::value_type sizes_dv[] = {{720, 480}, {720, 
 DataHelperVideoCodecDV::DataHelperVideoCodecDV() : VideoCodecHelper(V::CODEC_ID_DVVIDEO) {}
 
 SP<IDataHelper> DataHelperVideoCodecDV::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecDV);
+    return Keeping(new DataHelperVideoCodecDV);
 }
 
 Core::Property DataHelperVideoCodecDV::GetDefaults() const {

@@ -13,7 +13,7 @@ DataHelperVideoCodecFlv1::DataHelperVideoCodecFlv1()
     : RefCounted<DataHelperCodecFFMPEG>(V::CODEC_ID_FLV1, MediaType::Video) {}
 
 SP<IDataHelper> DataHelperVideoCodecFlv1::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecFlv1);
+    return Keeping(new DataHelperVideoCodecFlv1);
 }
 
 Core::Property DataHelperVideoCodecFlv1::GetDefaults() const {

@@ -22,7 +22,7 @@ SizeConstraints::SizeList StandardSizes() {
 DataHelperVideoCodecH263::DataHelperVideoCodecH263() : VideoCodecHelper(V::CODEC_ID_H263) {}
 
 SP<IDataHelper> DataHelperVideoCodecH263::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecH263);
+    return Keeping(new DataHelperVideoCodecH263);
 }
 
 Core::Property DataHelperVideoCodecH263::GetDefaults() const {

@@ -12,7 +12,7 @@ using V = IFormatCodecVideo;
 DataHelperVideoCodecImageBase::DataHelperVideoCodecImageBase(const std::string& codecId) : VideoCodecHelper(codecId) {}
 
 SP<IDataHelper> DataHelperVideoCodecImageBase::Create(const std::string& codecId) {
-    return SP<IDataHelper>(new DataHelperVideoCodecImageBase(codecId));
+    return Keeping(new DataHelperVideoCodecImageBase(codecId));
 }
 
 Core::Property DataHelperVideoCodecImageBase::GetDefaults() const {
@@ -33,7 +33,7 @@ void DataHelperVideoCodecImageBase::GetConstraints(ConstraintMap& constraints) c
 DataHelperVideoCodecMjpeg::DataHelperVideoCodecMjpeg() : DataHelperVideoCodecImageBase(V::CODEC_ID_MJPEG) {}
 
 SP<IDataHelper> DataHelperVideoCodecMjpeg::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecMjpeg);
+    return Keeping(new DataHelperVideoCodecMjpeg);
 }
 
 Core::Property DataHelperVideoCodecMjpeg::GetDefaults() const {

@@ -25,7 +25,7 @@ void AddSizeRules(RuleList& rules, const std::string& codecId) {
 DataHelperVideoCodecMpeg1::DataHelperVideoCodecMpeg1() : VideoCodecHelper(V::CODEC_ID_MPEG1VIDEO) {}
 
 SP<IDataHelper> DataHelperVideoCodecMpeg1::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecMpeg1);
+    return Keeping(new DataHelperVideoCodecMpeg1);
 }
 
 Core::Property DataHelperVideoCodecMpeg1::GetDefaults() const {
@@ -52,7 +52,7 @@ void DataHelperVideoCodecMpeg1::GetConstraints(ConstraintMap& constraints) const
 DataHelperVideoCodecMpeg2::DataHelperVideoCodecMpeg2() : VideoCodecHelper(V::CODEC_ID_MPEG2VIDEO) {}
 
 SP<IDataHelper> DataHelperVideoCodecMpeg2::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecMpeg2);
+    return Keeping(new DataHelperVideoCodecMpeg2);
 }
 
 Core::Property DataHelperVideoCodecMpeg2::GetDefaults() const {

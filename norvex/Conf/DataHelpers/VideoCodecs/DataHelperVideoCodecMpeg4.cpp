@@ -23,7 +23,7 @@ constexpr Name profiles_mpeg4[] = {
 DataHelperVideoCodecMpeg4::DataHelperVideoCodecMpeg4() : VideoCodecHelper(V::CODEC_ID_MPEG4) {}
 
 SP<IDataHelper> DataHelperVideoCodecMpeg4::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecMpeg4);
+    return Keeping(new DataHelperVideoCodecMpeg4);
 }
 
 Core::Property DataHelperVideoCodecMpeg4::GetDefaults() const {

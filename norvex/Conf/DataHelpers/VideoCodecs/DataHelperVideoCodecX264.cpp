@@ -35,7 +35,7 @@ constexpr Name passes_x264[] = {V::TAG_ONE_PASS_MODE, V::TAG_TWO_PASS_MODE};
 DataHelperVideoCodecX264::DataHelperVideoCodecX264() : VideoCodecHelper(V::CODEC_ID_H264) {}
 
 SP<IDataHelper> DataHelperVideoCodecX264::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecX264);
+    return Keeping(new DataHelperVideoCodecX264);
 }
 
 Core::Property DataHelperVideoCodecX264::GetDefaults() const {

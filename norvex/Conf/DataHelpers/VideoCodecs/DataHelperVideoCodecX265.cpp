@@ -24,7 +24,7 @@ constexpr Name profiles_x265[] = {V::TAG_X265_PROFILE_MAIN, V::TAG_X265_PROFILE_
 DataHelperVideoCodecX265::DataHelperVideoCodecX265() : VideoCodecHelper(V::CODEC_ID_H265) {}
 
 SP<IDataHelper> DataHelperVideoCodecX265::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecX265);
+    return Keeping(new DataHelperVideoCodecX265);
 }
 
 Core::Property DataHelperVideoCodecX265::GetDefaults() const {

@@ -24,7 +24,7 @@ using V = IFormatCodecVideo;
 DataHelperVideoCodecAV1::DataHelperVideoCodecAV1() : AnyFrameRateVideoCodecHelper(V::CODEC_ID_AV1) {}
 
 SP<IDataHelper> DataHelperVideoCodecAV1::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecAV1);
+    return Keeping(new DataHelperVideoCodecAV1);
 }
 
 Core::Property DataHelperVideoCodecAV1::GetDefaults() const {
@@ -48,7 +48,7 @@ void DataHelperVideoCodecAV1::GetConstraints(ConstraintMap& constraints) const {
 DataHelperVideoCodecHAP::DataHelperVideoCodecHAP() : AnyFrameRateVideoCodecHelper(V::CODEC_ID_HAP) {}
 
 SP<IDataHelper> DataHelperVideoCodecHAP::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecHAP);
+    return Keeping(new DataHelperVideoCodecHAP);
 }
 
 Core::Property DataHelperVideoCodecHAP::GetDefaults() const {
@@ -73,7 +73,7 @@ void DataHelperVideoCodecHAP::GetConstraints(ConstraintMap& constraints) const {
 DataHelperVideoCodecProres::DataHelperVideoCodecProres() : VideoCodecHelper(V::CODEC_ID_PRORES) {}
 
 SP<IDataHelper> DataHelperVideoCodecProres::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecProres);
+    return Keeping(new DataHelperVideoCodecProres);
 }
 
 Core::Property DataHelperVideoCodecProres::GetDefaults() const {
@@ -96,7 +96,7 @@ void DataHelperVideoCodecProres::GetConstraints(ConstraintMap& constraints) cons
 DataHelperVideoCodecRLE::DataHelperVideoCodecRLE() : VideoCodecHelper(V::CODEC_ID_QTRLE) {}
 
 SP<IDataHelper> DataHelperVideoCodecRLE::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecRLE);
+    return Keeping(new DataHelperVideoCodecRLE);
 }
 
 Core::Property DataHelperVideoCodecRLE::GetDefaults() const {
@@ -117,7 +117,7 @@ void DataHelperVideoCodecRLE::GetConstraints(ConstraintMap& constraints) const {
 DataHelperVideoCodecTheora::DataHelperVideoCodecTheora() : AnyFrameRateVideoCodecHelper(V::CODEC_ID_THEORA) {}
 
 SP<IDataHelper> DataHelperVideoCodecTheora::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecTheora);
+    return Keeping(new DataHelperVideoCodecTheora);
 }
 
 Core::Property DataHelperVideoCodecTheora::GetDefaults() const {
@@ -139,7 +139,7 @@ void DataHelperVideoCodecTheora::GetConstraints(ConstraintMap& constraints) cons
 DataHelperVideoCodecUTVideo::DataHelperVideoCodecUTVideo() : VideoCodecHelper(V::CODEC_ID_UTVIDEO) {}
 
 SP<IDataHelper> DataHelperVideoCodecUTVideo::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecUTVideo);
+    return Keeping(new DataHelperVideoCodecUTVideo);
 }
 
 Core::Property DataHelperVideoCodecUTVideo::GetDefaults() const {
@@ -155,7 +155,7 @@ Core::Property DataHelperVideoCodecUTVideo::GetDefaults() const {
 DataHelperVideoCodecVP8::DataHelperVideoCodecVP8() : AnyFrameRateVideoCodecHelper(V::CODEC_ID_VP8) {}
 
 SP<IDataHelper> DataHelperVideoCodecVP8::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecVP8);
+    return Keeping(new DataHelperVideoCodecVP8);
 }
 
 Core::Property DataHelperVideoCodecVP8::GetDefaults() const {
@@ -177,7 +177,7 @@ void DataHelperVideoCodecVP8::GetConstraints(ConstraintMap& constraints) const {
 DataHelperVideoCodecVP9::DataHelperVideoCodecVP9() : AnyFrameRateVideoCodecHelper(V::CODEC_ID_VP9) {}
 
 SP<IDataHelper> DataHelperVideoCodecVP9::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecVP9);
+    return Keeping(new DataHelperVideoCodecVP9);
 }
 
 Core::Property DataHelperVideoCodecVP9::GetDefaults() const {
@@ -201,7 +201,7 @@ void DataHelperVideoCodecVP9::GetConstraints(ConstraintMap& constraints) const {
 DataHelperVideoCodecWmv2::DataHelperVideoCodecWmv2() : AnyFrameRateVideoCodecHelper(V::CODEC_ID_WMV2) {}
 
 SP<IDataHelper> DataHelperVideoCodecWmv2::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecWmv2);
+    return Keeping(new DataHelperVideoCodecWmv2);
 }
 
 Core::Property DataHelperVideoCodecWmv2::GetDefaults() const {
@@ -223,7 +223,7 @@ void DataHelperVideoCodecWmv2::GetConstraints(ConstraintMap& constraints) const 
 DataHelperVideoCodecWmv3::DataHelperVideoCodecWmv3() : AnyFrameRateVideoCodecHelper(V::CODEC_ID_WMV3) {}
 
 SP<IDataHelper> DataHelperVideoCodecWmv3::Create() {
-    return SP<IDataHelper>(new DataHelperVideoCodecWmv3);
+    return Keeping(new DataHelperVideoCodecWmv3);
 }
 
 Core::Property DataHelperVideoCodecWmv3::GetDefaults() const {

@@ -1,0 +1,54 @@
+#include "norvex/Conf/DataHelpers/Answers.h"
+
+#include <algorithm>
+#include <string>
+
+#include "norvex/interfaces/Conf/IFormatCodecAudio.h"
+
+namespace Norvex::Conf {
+
+namespace {
+
+using A = IFormatCodecAudio;
+
+ConstraintMap ConstraintsOf(const IDataHelper& helper) {
+    ConstraintMap constraints;
+    helper.GetConstraints(constraints);
+    return constraints;
+}
+
+}  // namespace
+
+RuleList RulesOf(const IDataHelper& helper) {
+    RuleList rules;
+    helper.GetValidationRules(rules);
+    return rules;
+}
+
+ReadRules ReadRulesOf(const RuleList& rules) {
+    ReadRules read;
+    read.reserve(rules.size());
+    for (const auto& [key, rule] : rules) {
+        if (rule) read.emplace_back(rule);
+    }
+    return read;
+}
+
+ResamplerConstraints ResamplerConstraintsOf(const RuleList& rules) {
+    // The first rule about the tag decides, which is the encoder's where the encoder declares a list.
+    const auto firstAbout = [&rules](const std::string& tag) -> SP<const IPropertyConstraint> {
+        const auto rule = std::find_if(rules.begin(), rules.end(), [&tag](const auto& candidate) {
+            return candidate.second && candidate.second->GetSecondPath().find(tag) != std::string::npos;
+        });
+        return rule != rules.end() ? rule->second->GetSecondConstraint() : nullptr;
+    };
+    return {firstAbout(A::TAG_SAMPLE_RATE), firstAbout(A::TAG_SAMPLE_FORMAT), firstAbout(A::TAG_LAYOUT)};
+}
+
+Answers::Answers(const IDataHelper& helper, const RuleList& asked)
+    : defaults(helper.GetDefaults()),
+      constraints(ConstraintsOf(helper)),
+      rules(ReadRulesOf(asked)),
+      resampler(ResamplerConstraintsOf(asked)) {}
+
+}  // namespace Norvex::Conf

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "norvex/interfaces/Conf/IDataHelper.h"
+
+/// What a helper answers, as correction and the check read it. Not for hosts.
+
+namespace Norvex::Conf {
+
+/// A rule with its constraints at hand: asking the rule for one takes a reference, over which threads would fight.
+struct ReadRule {
+    explicit ReadRule(SP<IValidationRule> asked)
+        : rule(std::move(asked)), first(rule->GetFirstConstraint()), second(rule->GetSecondConstraint()) {}
+
+    SP<IValidationRule> rule;
+    SP<const IPropertyConstraint> first;  ///< null in a rule without a condition
+    SP<const IPropertyConstraint> second;
+};
+using ReadRules = std::vector<ReadRule>;
+
+RuleList RulesOf(const IDataHelper& helper);
+/// The rules in their order, without null ones.
+ReadRules ReadRulesOf(const RuleList& rules);
+
+/// The constraints by which sample rate, sample format and layout of a stream of sound are corrected, in this order:
+/// each that of the first rule about it, null where there is none.
+using ResamplerConstraints = std::array<SP<const IPropertyConstraint>, 3>;
+ResamplerConstraints ResamplerConstraintsOf(const RuleList& rules);
+
+/// Everything that a helper answers, made once. It never changes, and callers are handed none of it.
+struct Answers {
+    explicit Answers(const IDataHelper& helper) : Answers(helper, RulesOf(helper)) {}
+
+    const Core::Property defaults;
+    const ConstraintMap constraints;
+    const ReadRules rules;
+    const ResamplerConstraints resampler;
+
+private:
+    Answers(const IDataHelper& helper, const RuleList& asked);
+};
+
+}  // namespace Norvex::Conf

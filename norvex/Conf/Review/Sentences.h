@@ -1,0 +1,22 @@
+#pragma once
+
+#include <initializer_list>
+#include <optional>
+#include <string>
+
+#include "norvex/foundation/Property.h"
+
+/// How the reviews word what they tell. Not for hosts.
+
+namespace Norvex::Conf {
+
+/// In the language of the locale, by the gettext domain of the library.
+std::string Translate(const std::string& message);
+
+/// Puts the texts in the places of the marks %1, %2 and so on, in one go: a text may look like a mark itself.
+std::string Fill(const std::string& message, std::initializer_list<std::string> texts);
+
+/// A value as a message shows it; empty for none.
+std::string TextOf(const std::optional<Core::Property>& value);
+
+}  // namespace Norvex::Conf

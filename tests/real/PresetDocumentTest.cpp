@@ -1,0 +1,263 @@
+#include "norvex/document/PresetDocument.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+#include <sstream>
+
+#include "norvex/Norvex.h"
+#include "support/TestHelpers.h"
+#include "support/Trees.h"
+
+namespace {
+
+using namespace Norvex::Document;
+using namespace NorvexTest;
+using namespace Norvex::Conf;
+using Norvex::Core::Property;
+using Norvex::Core::Ratio;
+
+void ExpectRoundTrip(const Property& tree) {
+    const std::string text = WritePreset(tree);
+    EXPECT_EQ(TreeDiff(tree, ParsePreset(text).preset), "") << text;
+}
+
+Property None(const std::string& name) {
+    Property node(name);
+    node.CopyDataFrom(Property());
+    return node;
+}
+
+std::vector<Property> OddLeaves(const std::string& name) {
+    using Doubles = std::numeric_limits<double>;
+    using Integers = std::numeric_limits<long long>;
+    std::vector<Property> leaves = {Property(name), None(name), Property(name, true), Property(name, false)};
+    for (const double number :
+         {2.0, -0.0, 0.1, 1e300, 5e-324, Doubles::max(), Doubles::infinity(), -Doubles::infinity(), std::nan("")}) {
+        leaves.emplace_back(name, number);
+    }
+    for (const long long number : {0LL, -1LL, Integers::max(), Integers::min()}) leaves.emplace_back(name, number);
+    for (const Ratio& ratio : {Ratio(30000, 1001), Ratio(25), Ratio(0), Ratio(-1, 2), Ratio(Integers::max(), 2),
+                               Ratio(-Integers::max(), Integers::max() - 1)}) {
+        leaves.emplace_back(name, ratio);
+    }
+    for (const char* const text : {"", "25", "1/2", "2/4", "-1/2", "1/0", "1/-2", "/", "$text", "nan", "true",
+                                   "\xff\xfe", "1/\xff", "ü", "\"\\\n\x01", "</script>"}) {
+        leaves.emplace_back(name, text);
+    }
+    leaves.emplace_back(name, std::string("a\0b", 3));
+    return leaves;
+}
+
+TEST(PresetDocument, LosesNothing) {
+    std::mt19937 random(7);
+    const std::string names[] = {"a", "b", "", "$text", "$", "a/b", "\xff", "1/2", "codec_id", "a"};
+    for (const std::string& name : names) {
+        for (const Property& leaf : OddLeaves(name)) {
+            ExpectRoundTrip(Node("preset", {leaf}));
+            ExpectRoundTrip(Node("preset", {leaf, Property("a", 1), Node(name, {leaf})}));
+        }
+    }
+    const std::function<Property(int)> make = [&](int depth) {
+        Property node(names[random() % std::size(names)]);
+        for (auto count = random() % 5; count > 0; --count) {
+            const auto leaves = OddLeaves(names[random() % std::size(names)]);
+            node.AddNamed(depth < 4 && random() % 3 == 0 ? make(depth + 1) : leaves[random() % leaves.size()]);
+        }
+        return node;
+    };
+    for (int i = 0; i < 200; ++i) ExpectRoundTrip(Node("preset", {make(0), make(0)}));
+}
+
+TEST(PresetDocument, TakesTheDefaultsOfEveryHelper) {
+    int count = 0;
+    for (const char* const kind : {"format", "video_codec", "audio_codec"}) {
+        for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
+            SCOPED_TRACE(id);
+            const Property preset = Node("preset", {helper->GetDefaults()});
+            ExpectRoundTrip(preset);
+            EXPECT_NO_THROW(ReadPreset(WritePreset(preset)));
+            ++count;
+        }
+    }
+    EXPECT_EQ(count, 126);
+}
+
+TEST(PresetDocument, SaysInWhichLineItFails) {
+    const auto document = [](const std::string& preset) {
+        return "{\"norvex-preset\": 1,\n\"preset\": " + preset + "}";
+    };
+    const auto section = [&](const std::string& body) { return document("{\n\"video_codec\": {\n" + body + "\n}\n}"); };
+    const auto h264 = [&](const std::string& body) { return section("\"codec_id\": \"h264\",\n" + body); };
+    const auto stream = [&](const std::string& body) {
+        return document("{\n\"format\": {\"container\": \"mp4\", \"streams\": {\n\"0\": " + body + "}}}");
+    };
+    std::string deep = "5";
+    for (int i = 0; i < 101; ++i) deep = "{\"a\":\n" + deep + "}";
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "line 1: this is no JSON, at the end of the text"},
+        {"{\n\"norvex-preset\": 1\n,\n]", "line 4: this is no JSON, at "},
+        {h264("\"bitrate\": 05"), "line 5: this is no JSON, at '5'"},
+        {h264("\"bitrate\" 5"), "line 5: this is no JSON, at '5'"},
+        {h264("\"bitrate\": 5\n,,"), "line 6: this is no JSON, at "},
+        {document("{}") + "\n\n}", "line 4: this is no JSON, at "},
+        {h264("\"bitrate\": 9223372036854775808"), "line 5: the number 9223372036854775808 is too large"},
+        {h264("\"bitrate\": -9223372036854775809"), "line 5: the number -9223372036854775809 is too large"},
+        {h264("\"bitrate\": 99999999999999999999"), "line 5: the number 99999999999999999999 is too large"},
+        {h264("\"bitrate\": 1e999"), "line 5: the number 1e999 is too large"},
+        {"5", "line 1: this is no preset: it has no 'norvex-preset'"},
+        {"{\n\"preset\": {}\n}", "line 1: this is no preset: it has no 'norvex-preset'"},
+        {"{\n\"norvex-preset\": 2\n}", "line 2: the preset is of another version; this program knows version 1"},
+        {"{\n\"norvex-preset\": \"1\"\n}", "line 2: the preset is of another version; this program knows version 1"},
+        {"{\n\"norvex-preset\": 1\n}", "line 1: there is no 'preset'"},
+        {document("{}, \"preset\": {}"), "line 2: 'preset' stands there twice"},
+        {h264("\"fps\": {\"$text\": \"1\",\n\"$text\": \"2\"}"), "line 6: 'video_codec/fps/$text' stands there twice"},
+        {std::string(g_largestPreset + 1, ' '), "line 1: the document is larger than 1 MB, which no preset is"},
+        {h264("\"\\u001b[31m\\u202e" + std::string(200, 'x') + "\": 1"),
+         "line 5: there is no parameter 'video_codec/[31m" + std::string(84, 'x') + "…'"},
+        {h264("\"bitrate\": " + std::string(500, '9')),
+         "line 5: the number " + std::string(100, '9') + "… is too large"},
+        {document("{},\n\"more\": {}"), "line 3: there is no member 'more'"},
+        {document("5"), "line 2: the preset holds no sections"},
+        {document("[]"), "line 2: '' is neither a value nor a section"},
+        {document(deep), "line 101: the document is too deep"},
+        {h264("\"bitrate\": null\n"), "line 5: 'video_codec/bitrate' is neither a value nor a section"},
+        {h264("\"bitrate\": 5,\n\"bitrate\": 5\n"), "line 6: 'video_codec/bitrate' stands there twice"},
+        {h264("\"$text\": \"1/2\""), "line 5: '$text' stands beside other members"},
+        {h264("\"fps\": {\"$text\": 5}"), "line 5: '$text' does not hold what it should"},
+        {h264("\"fps\": {\"$double\": \"infinite\"}"), "line 5: '$double' does not hold what it should"},
+        {h264("\"fps\": {\"$none\": false}"), "line 5: '$none' does not hold what it should"},
+        {h264("\"fps\": {\"$more\": 5}"), "line 5: '$more' does not hold what it should"},
+        {h264("\"fps\": {\"$bytes\": \"abc\"}"), "line 5: 'abc' is no hexadecimal text"},
+        {h264("\"fps\": {\"$bytes\":\n\"AB\"}"), "line 6: 'AB' is no hexadecimal text"},
+        {h264("\"fps\": {\"$children\": [\n5]}"), "line 6: this is no named value"},
+        {h264("\"fps\": {\"$children\": [[5,\n5]]}"), "line 5: this is no name"},
+        {document("{\n\"filters\": {}}"), "line 3: there is no section 'filters'"},
+        {document("{\n\"filter_resize\": 5\n}"), "line 3: 'filter_resize' must be a section"},
+        {document("{\n\"filter_resize\": {\n\"resize\": 5\n}}"), "line 4: 'filter_resize/resize' must be a section"},
+        {document("{\n\"subtitle_codec\": {\n\"codec_id\": \"x\"\n}}"), "line 4: there is no codec 'x'"},
+        {document("{\n\"subtitle_codec\": {\"codec_id\": \"ass\",\n\"x\": 5\n}}"),
+         "line 4: there is no parameter 'subtitle_codec/x'"},
+        {document("{\n\"format\": {\n\"container\":\n\"mp5\"}}"), "line 5: there is no container 'mp5'"},
+        {document("{\n\"format\": {}}"), "line 3: 'format' does not say which container it is about"},
+        {section("\"codec_id\": 5"), "line 3: 'video_codec' does not say which codec it is about"},
+        {section("\"codec_id\": \"aac\""), "line 4: there is no codec 'aac'"},
+        {h264("\"bitrat\": 5"), "line 5: there is no parameter 'video_codec/bitrat'"},
+        {h264("\"encode_options\": {\n\"speed\": 5}"),
+         "line 6: there is no parameter 'video_codec/encode_options/speed'"},
+        {h264("\"quality\": {\n\"x\": 5}"), "line 5: 'video_codec/quality' must be a value"},
+        {h264("\"encode_options/preset\": \"fast\""),
+         "line 5: there is no parameter 'video_codec/encode_options/preset'"},
+        {document("{\n\"filter_resample\": {\"resample\": {\n\"sample_format\": \"s16\"}}}"),
+         "line 4: there is no parameter 'filter_resample/resample/sample_format'; it is "
+         "'filter_resample/sample_format'"},
+        {stream("5"), "line 4: 'format/streams/0' must be a section"},
+        {stream("{\"type\": 5}"), "line 4: 'format/streams/0' has no type"},
+        {stream("{\"type\":\n\"film\"}"), "line 5: there is no type of stream 'film'"},
+        {stream("{\"type\": \"audio\",\n\"video_codec\": {}}"),
+         "line 5: there is no parameter 'format/streams/0/video_codec'"},
+        {stream("{\"type\": \"audio\", \"audio_codec\": {\"codec_id\":\n\"x\"}}"), "line 5: there is no codec 'x'"},
+        {stream("{\"type\": \"audio\", \"audio_codec\": {\"codec_id\": \"aac\",\n\"x\": 5}}"),
+         "line 5: there is no parameter 'format/streams/0/audio_codec/x'"},
+    };
+    for (const auto& [text, words] : cases) {
+        SCOPED_TRACE(text);
+        try {
+            ReadPreset(text);
+            ADD_FAILURE() << "nothing failed";
+        } catch (const DocumentException& error) {
+            EXPECT_THAT(error.what(), testing::StartsWith(words));
+        }
+    }
+}
+
+TEST(PresetDocument, TakesValuesAsTheToolsPrintThem) {
+    const struct {
+        const char* section;
+        const char* written;
+        const char* read;
+    } cases[] = {
+        {"filter_rate", R"("frame_rate": 25)", "frame_rate: ratio 25/1"},
+        {"filter_rate", R"("frame_rate": "25")", "frame_rate: ratio 25/1"},
+        {"filter_rate", R"("frame_rate": "12.5")", "frame_rate: ratio 25/2"},
+        {"filter_rate", R"("frame_rate": 29.97)", "frame_rate: ratio 30000/1001"},
+        {"filter_rate", R"("frame_rate": "23.976")", "frame_rate: ratio 24000/1001"},
+        {"filter_rate", R"("frame_rate": "23.98")", "frame_rate: ratio 24000/1001"},
+        {"filter_rate", R"("frame_rate": "Auto")", "frame_rate: ratio 0/1"},
+        {"filter_rate", R"("frame_rate": "soon")", "frame_rate: string soon"},
+        {"filter_resample", R"("resample": {"sample_rate": "Auto"})", "resample/sample_rate: int -1"},
+        {"filter_resample", R"("resample": {"sample_rate": "44100"})", "resample/sample_rate: int 44100"},
+        {"filter_resample", R"("resample": {"sample_rate": 44100.0})", "resample/sample_rate: int 44100"},
+        {"filter_resample", R"("resample": {"channel_layout": "Auto"})", "resample/channel_layout: string unknown"},
+        {"filter_resize", R"("resize": {"scale": 1})", "resize/scale: double 1"},
+        {"filter_resize", R"("resize": {"frame_size_mode": "720 x 480"})",
+         "resize/frame_size_mode: string custom\nresize/width: int 720\nresize/height: int 480"},
+        {"video_codec", R"("codec_id": "mpeg1video", "frame_rate": "Auto", "cover": "true")",
+         "codec_id: string mpeg1video\nframe_rate: ratio 0/1\ncover: bool true"},
+        {"audio_codec", R"("codec_id": "aac", "bitrate": "96000", "bitrate_mode": "auto")",
+         "codec_id: string aac\nbitrate: int 96000\nbitrate_mode: string cbr_auto"},
+        {"format", R"("container": "dvd", "disk_size": "double layer")",
+         "container: string dvd\ndisk_size: int 8543666176"},
+    };
+    for (const auto& [section, written, read] : cases) {
+        const std::string text =
+            std::string(R"({"norvex-preset": 1, "preset": {")") + section + "\": {" + written + "}}}";
+        std::string expected;
+        std::istringstream lines(read);
+        for (std::string line; std::getline(lines, line);)
+            expected += "preset/" + std::string(section) + '/' + line + '\n';
+        EXPECT_EQ(Dump(ReadPreset(text).preset), expected) << text;
+    }
+}
+
+/// The value at a path that may have to be made.
+Property& Make(Property& root, const std::string& path) {
+    Property* node = &root;
+    std::istringstream tags(path);
+    for (std::string tag; std::getline(tags, tag, '/');) node = &node->SetChild(tag);
+    return *node;
+}
+
+TEST(PresetDocument, TakesWhatAMessageListsWordForWord) {
+    FormatValidator::Instance().FillEncoders(Norvex::Proc::FFmpegCodecFactory::Create());
+    int count = 0;
+    const auto take = [&count](PresetDocument document, const std::string& path,
+                               const IPropertyConstraint& constraint) {
+        for (const Property& allowed : WhatIsAllowed(constraint).values) {
+            Make(document.preset, DocumentPathOf(path)) =
+                allowed.GetType() == Norvex::PT_BOOL ? Norvex::Core::PropertyValueToString(allowed) : allowed.GetName();
+            PresetDocument read = document;
+            ASSERT_NO_THROW(InterpretPreset(read)) << path << ' ' << allowed.GetName();
+            EXPECT_TRUE(constraint.IsValid(AssembleDocument(read.preset)[path])) << path << ' ' << allowed.GetName();
+            ++count;
+        }
+    };
+    std::vector<std::pair<std::string, std::string>> names = {
+        {"filter_resample", ""}, {"filter_volume", ""}, {"filter_rate", ""}, {"filter_resize", ""}};
+    for (const char* const kind : {"format", "video_codec", "audio_codec"}) {
+        for (const auto& row : GetAvailableDataHelpers(kind)) names.emplace_back(kind, row.first);
+    }
+    for (const auto& [kind, id] : names) {
+        SCOPED_TRACE(kind + ' ' + id);
+        const auto helper = CreateDataHelperAuto(kind, id);
+        const PresetDocument defaults{Node("preset", {helper->GetDefaults()}), {}};
+        for (const auto& [key, constraint] : CollectConstraints(*helper)) {
+            if (key.rfind("streams", 0) == 0) continue;
+            take(defaults, key.rfind("filter_", 0) == 0 ? key : kind + '/' + key, *constraint);
+        }
+        for (const auto& [key, rule] : CollectRules(*helper)) {
+            PresetDocument document = defaults;
+            if (const auto condition = rule->GetFirstConstraint()) {
+                const auto values = WhatIsAllowed(*condition).values;
+                if (!values.empty()) Make(document.preset, rule->GetFirstPath()).CopyDataFrom(values.front());
+            }
+            take(document, rule->GetSecondPath(), *rule->GetSecondConstraint());
+        }
+    }
+    EXPECT_GT(count, 500);
+}
+
+}  // namespace

@@ -1,0 +1,172 @@
+// Presets that were turned into those of another container or codec, on the codecs of the installed FFmpeg.
+
+#include <gmock/gmock.h>
+
+#include <set>
+
+#include "norvex/Norvex.h"
+#include "norvex/document/PresetDocument.h"
+#include "support/TestHelpers.h"
+#include "support/Trees.h"
+
+namespace {
+
+using namespace Norvex;
+using namespace Norvex::Conf;
+using namespace NorvexTest;
+using Core::Property;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<std::string> Messages(const std::vector<Finding>& findings) {
+    std::vector<std::string> messages;
+    for (const Finding& finding : findings) {
+        if (finding.problem != Finding::Problem::Missing) messages.push_back(finding.message);
+    }
+    return messages;
+}
+
+/// Everything that a container starts from: its own defaults, those of its codecs, and those of the filters.
+Property DefaultPreset(const IDataHelper& container) {
+    const Property format = container.GetDefaults();
+    Property preset = Node("preset", {format});
+    for (const Property& stream : format["streams"]) {
+        for (const char* const kind : {"video_codec", "audio_codec", "subtitle_codec"}) {
+            if (!stream.ChildExists(kind)) continue;
+            const std::string id = stream[kind]["codec_id"].GetString();
+            const bool hasHelper = std::string(kind) != "subtitle_codec";
+            preset.SetChild(kind, hasHelper ? CreateDataHelper(kind, id)->GetDefaults() : stream[kind]);
+        }
+    }
+    for (const char* const filter : {"filter_resample", "filter_resize", "filter_rate"}) {
+        preset.AddNamed(CreateDataHelper(filter, "")->GetDefaults());
+    }
+    return preset;
+}
+
+class PresetMending : public testing::Test {
+protected:
+    PresetMending() { FormatValidator::Instance().FillEncoders(Proc::FFmpegCodecFactory::Create()); }
+};
+
+TEST_F(PresetMending, MakesEachContainersPresetLegalInEachOther) {
+    const auto& containers = GetAvailableDataHelpers("format");
+    std::set<std::string> starts, documents;  // some containers start alike, and many pairs end in the same document
+    int broken = 0;
+    for (const auto& [from, helper] : containers) {
+        Property preset = DefaultPreset(*helper);
+        preset["format"]["container"] = "";
+        if (!starts.insert(Dump(preset)).second) continue;
+        for (const auto& [to, other] : containers) {
+            SCOPED_TRACE(from + " to " + to);
+            preset["format"]["container"] = to;
+            const MendedPreset mended = MendPreset(preset);
+            broken += mended.broken.empty() ? 0 : 1;
+            EXPECT_THAT(Messages(mended.left), IsEmpty());
+            const std::string document = Document::WritePreset(mended.preset);
+            if (!documents.insert(document).second) continue;
+            Property read;
+            ASSERT_NO_THROW(read = Document::ReadPreset(document).preset) << document;
+            EXPECT_EQ(TreeDiff(mended.preset, read), "");
+            EXPECT_THAT(Messages(JudgePreset(read)), IsEmpty());
+        }
+    }
+    EXPECT_GT(broken, 1500);
+    EXPECT_GT(documents.size(), 500U);
+}
+
+TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
+    const auto mend = [](const std::string& sections) {
+        const std::string text = R"({"norvex-preset": 1, "preset": {)" + sections + "}}";
+        const MendedPreset mended = MendPreset(Document::ReadPreset(text, Document::Foreign::Left).preset);
+        EXPECT_THAT(Messages(mended.left), IsEmpty());
+        std::vector<std::string> told;
+        for (const MendedValue& value : mended.values) told.push_back(value.message);
+        return std::pair(told, Dump(mended.preset));
+    };
+    const std::string h264 = R"("video_codec": {"codec_id": "h264", "bitrate_mode": "cbr", "bitrate": 3000000)";
+    const std::string dv = R"("video_codec": {"codec_id": "dvvideo", "bitrate_mode": "cbr", "bitrate": 2000000})";
+    const std::string surround = R"x("filter_resample": {"resample": {"channel_layout": "5.1(side)"}})x";
+    const auto options = [](const std::string& values) { return R"(, "encode_options": {)" + values + "}}"; };
+    const struct {
+        std::string sections;
+        std::vector<std::string> told;
+        std::string mended;
+    } cases[] = {
+        // Legal as it is: nothing is touched, be it narrower than the container or beyond a dialog's list.
+        {R"("format": {"container": "mp4", "limits": {"audio": 1}}, )" + surround +
+             R"(, "audio_codec": {"codec_id": "aac", "bitrate": 96000})",
+         {},
+         "preset/format/container: string mp4\npreset/format/limits/audio: int 1\n"
+         "preset/filter_resample/resample/channel_layout: string 5.1(side)\n"
+         "preset/audio_codec/codec_id: string aac\npreset/audio_codec/bitrate: int 96000\n"},
+        // A codec that the container does not carry.
+        {R"("format": {"container": "webm"}, )" + h264 + options(R"("tune": "film")"),
+         {"Parameter video_codec/codec_id is vp8 now, the default of webm",
+          "Parameter video_codec/bitrate_mode stays cbr", "Parameter video_codec/bitrate stays 3000000",
+          "video_codec/encode_options/tune is left out",
+          "Parameter video_codec/encode_options/disable_transparency is false now, the default of vp8",
+          "Parameter video_codec/quality is 10 now, the default of vp8"},
+         "preset/format/container: string webm\npreset/video_codec/codec_id: string vp8\n"
+         "preset/video_codec/bitrate_mode: string cbr\npreset/video_codec/bitrate: int 3000000\n"
+         "preset/video_codec/quality: int 10\npreset/video_codec/encode_options/disable_transparency: bool false\n"},
+        // A codec that somebody wrote in the place of another.
+        {R"("video_codec": {"codec_id": "mpeg4", "bitrate": 5, "quality": 20)" +
+             options(R"("profile": "high", "tune": "film")"),
+         {"Parameter video_codec/bitrate is 2000000 now, the default of mpeg4",
+          "Parameter video_codec/quality stays 20",
+          "Parameter video_codec/encode_options/profile is simple now, the default of mpeg4",
+          "video_codec/encode_options/tune is left out",
+          "Parameter video_codec/bitrate_mode is cbr now, the default of mpeg4",
+          "Parameter video_codec/global_header is true now, the default of mpeg4"},
+         "preset/video_codec/codec_id: string mpeg4\npreset/video_codec/quality: int 20\n"
+         "preset/video_codec/bitrate: int 2000000\npreset/video_codec/bitrate_mode: string cbr\n"
+         "preset/video_codec/encode_options/profile: string simple\npreset/video_codec/global_header: bool true\n"},
+        // A rule on a stream's profile that is told of the container.
+        {R"("format": {"container": "mxf"}, )" + h264 + options(R"("profile": "high")"),
+         {"Parameter video_codec/encode_options/profile is baseline now; it was high"},
+         "preset/format/container: string mxf\npreset/video_codec/codec_id: string h264\n"
+         "preset/video_codec/bitrate_mode: string cbr\npreset/video_codec/bitrate: int 3000000\n"
+         "preset/video_codec/encode_options/profile: string baseline\n"},
+        // What only a test knows, and the nearest that is no mark.
+        {R"("filter_resize": {"resize": {"width": 641, "height": 16}}, "filter_rate": {"frame_rate": "0.4"})",
+         {"Parameter filter_rate/frame_rate is 1/1 now; it was 2/5",
+          "Parameter filter_resize/resize/height is 32 now; it was 16",
+          "Parameter filter_resize/resize/width is 640 now; it was 641"},
+         "preset/filter_resize/resize/width: int 640\npreset/filter_resize/resize/height: int 32\n"
+         "preset/filter_rate/frame_rate: ratio 1/1\n"},
+        // Sizes that a codec offers, which its rule does not look at.
+        {dv + R"(, "filter_resize": {"resize": {"frame_size_mode": "original", "width": 800, "height": 600}})",
+         {"Parameter filter_resize/resize/width is 720 now; it was 800",
+          "Parameter filter_resize/resize/height is 576 now; it was 600",
+          "Parameter filter_resize/resize/frame_size_mode is custom now, the default of filter_resize"},
+         "preset/video_codec/codec_id: string dvvideo\npreset/video_codec/bitrate_mode: string cbr\n"
+         "preset/video_codec/bitrate: int 2000000\npreset/filter_resize/resize/frame_size_mode: string custom\n"
+         "preset/filter_resize/resize/width: int 720\npreset/filter_resize/resize/height: int 576\n"},
+        // No value at all.
+        {R"("audio_codec": {"codec_id": "aac", "bitrate": {"$bytes": "ff"}}, "filter_volume": {"volume": "loud"})",
+         {"Parameter audio_codec/bitrate is 256000 now, the default of aac",
+          "Parameter filter_volume/volume is 100 now, the default of filter_volume"},
+         "preset/audio_codec/codec_id: string aac\npreset/audio_codec/bitrate: int "
+         "256000\npreset/filter_volume/volume: int 100\n"},
+        // A container's tags, facts and streams.
+        {R"("format": {"container": "wav", "global_header": true, "disk_size": 1, "limits": {"video": 9, "audio": 1}, "streams": {
+            "0": {"type": "video", "video_codec": {"codec_id": "mpeg2video"}}, "1": {"type": "audio", "audio_codec": {"codec_id": "pcm_s16le"}},
+            "2": {"type": "audio", "audio_codec": {"codec_id": "pcm_s16le"}}}})",
+         {"format/streams/0 is left out", "format/streams/2 is left out",
+          "Parameter format/global_header is false now, the default of wav",
+          "Parameter format/limits/video is 0 now, the default of wav", "format/disk_size is left out"},
+         "preset/format/container: string wav\npreset/format/global_header: bool false\npreset/format/limits/video: "
+         "int 0\n"
+         "preset/format/limits/audio: int 1\npreset/format/streams/0/type: string audio\n"
+         "preset/format/streams/0/audio_codec/codec_id: string pcm_s16le\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.sections);
+        const auto [told, mended] = mend(c.sections);
+        EXPECT_EQ(told, c.told);
+        EXPECT_EQ(mended, c.mended);
+    }
+}
+
+}  // namespace

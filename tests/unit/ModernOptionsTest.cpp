@@ -1,0 +1,45 @@
+// What the second set asks of an encoder beyond the lists of every codec helper.
+
+#include <gtest/gtest.h>
+
+#include "norvex/Conf/DataHelpers/Modern/ModernHelpers.h"
+#include "support/FakeBuild.h"
+#include "support/TestHelpers.h"
+#include "support/Trees.h"
+
+namespace {
+
+using namespace Norvex::Conf;
+using namespace NorvexTest;
+
+TEST(ModernOptions, AreThoseThatTheEncoderTakes) {
+    const std::string all = Dump(DataHelperVideoCodecFfv1::Create()->GetDefaults());
+    EXPECT_NE(all.find("coder: string range_tab"), std::string::npos) << "without an encoder the whole table stands";
+    EXPECT_EQ(CollectConstraints(*DataHelperVideoCodecFfv1::Create()).size(), 6U);
+
+    const FakeBuild build({{"ffv1", {{}, {}, {}, {}, {{"coder", {"rice"}}, {"slices", {"6", "9", "10"}}}}}});
+    const auto ffv1 = DataHelperVideoCodecFfv1::Create();
+    const auto options = ffv1->GetDefaults()["encode_options"];
+    EXPECT_EQ(options.Count(), 2U);
+    EXPECT_EQ(options["coder"].GetString(), "rice");
+    EXPECT_EQ(options["slices"].GetInt64(), 6);
+    EXPECT_EQ(WhatIsAllowed(*CollectConstraints(*ffv1).at("encode_options/slices")).words, "one of 6, 9");
+}
+
+TEST(ModernOptions, OpusHasTheLowRatesOfItsEncoderToo) {
+    const auto rates = [] {
+        const auto stream = [](long long rate) {
+            return Node("format_codec_audio",
+                        {Norvex::Core::Property("sample_rate", rate), Norvex::Core::Property("sample_format", "flt"),
+                         Norvex::Core::Property("channel_layout", "mono")});
+        };
+        auto low = stream(8000);
+        DataHelperAudioCodecOpus::Create()->CorrectFormatCodec(low);
+        return low["sample_rate"].GetInt64();
+    };
+    EXPECT_EQ(rates(), 8000);
+    const FakeBuild build({{"opus", {{}, {}, {48000}, {}}}});
+    EXPECT_EQ(rates(), 48000);
+}
+
+}  // namespace
