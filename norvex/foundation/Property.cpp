@@ -7,9 +7,11 @@
 #include <limits>
 #include <vector>
 
+#include "norvex/foundation/Lasting.h"
+
 namespace Norvex::Core {
 
-const std::string Property::SEPARATOR = "/";
+NORVEX_CONSTANT(const std::string, Property::SEPARATOR) = "/";
 
 namespace {
 

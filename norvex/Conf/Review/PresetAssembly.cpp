@@ -7,6 +7,7 @@
 
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/Conf/Review/Explaining.h"
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IPreset.h"
@@ -28,29 +29,29 @@ struct Place {
 };
 
 const std::vector<Place>& VideoPlaces() {
-    static const std::vector<Place> places = {
+    static const std::vector<Place>& places = Lasting(std::vector<Place>{
         {V::TAG_WIDTH, WidthPath()},
         {V::TAG_HEIGHT, HeightPath()},
         {V::TAG_FPS, FrameRatePath()},
-    };
+    });
     return places;
 }
 
 /// The same for a value of the video codec's section, be it a stream's or a preset's.
 const std::vector<Place>& FormatPlaces() {
-    static const std::vector<Place> places = {
+    static const std::vector<Place>& places = Lasting(std::vector<Place>{
         {V::TAG_COVER_FLAG, CoverFlagPath()},
         {ProfileKey(), FormatProfilePath()},
-    };
+    });
     return places;
 }
 
 const std::vector<Place>& AudioPlaces() {
-    static const std::vector<Place> places = {
+    static const std::vector<Place>& places = Lasting(std::vector<Place>{
         {A::TAG_SAMPLE_RATE, SampleRatePath()},
         {A::TAG_SAMPLE_FORMAT, SampleFormatPath()},
         {A::TAG_LAYOUT, LayoutPath()},
-    };
+    });
     return places;
 }
 
