@@ -158,8 +158,8 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
           "Parameter format/limits/video is 0 now, the default of wav", "format/disk_size is left out"},
          "preset/format/container: string wav\npreset/format/global_header: bool false\npreset/format/limits/video: "
          "int 0\n"
-         "preset/format/limits/audio: int 1\npreset/format/streams/0/type: string audio\n"
-         "preset/format/streams/0/audio_codec/codec_id: string pcm_s16le\n"},
+         "preset/format/limits/audio: int 1\npreset/format/streams/1/type: string audio\n"
+         "preset/format/streams/1/audio_codec/codec_id: string pcm_s16le\n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.sections);
