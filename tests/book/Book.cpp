@@ -172,7 +172,14 @@ void TellHelpers(const std::string& known = {}) {
 
 void TellWithoutEncoders() {
     TellHelpers();
-    std::cout << "\n== f4a of its own class\n" << Say(*DataHelperFormatF4a::Create());
+    const auto f4a = DataHelperFormatF4a::Create();
+    std::cout << "\n== f4a of its own class\n" << Say(*f4a) + FormatCorrections(*f4a);
+    for (const bool isIpod : {false, true}) {
+        for (const bool isM4v : {false, true}) {
+            std::cout << "\n== mp4, iPod " << isIpod << ", M4V " << isM4v << '\n'
+                      << Say(*DataHelperFormatMp4::Create("mp4", isIpod, isM4v));
+        }
+    }
     std::cout << "\n== wmv3 without a row\n" << Say(*DataHelperVideoCodecWmv3::Create());
     for (const char* const id :
          {"filter_formatter", "filter_rate", "filter_resample", "filter_resize", "filter_volume"})

@@ -19,36 +19,6 @@ using V = IFormatCodecVideo;
 using Proc::IResize;
 using Proc::SettingsResizer;
 
-const std::string g_filters[] = {"filter_resample", "filter_volume", "filter_formatter", "filter_rate",
-                                 "filter_resize"};
-
-TEST(Filters, DefaultsStandUnderTheClassIdAndAreLegal) {
-    int checked = 0;
-    for (const std::string& id : g_filters) {
-        const auto helper = CreateDataHelper(id, "");
-        const Property defaults = helper->GetDefaults();
-        EXPECT_EQ(defaults.GetName(), id);
-        for (const auto& [path, constraint] : CollectConstraints(*helper)) {
-            EXPECT_TRUE(constraint->IsValid(defaults[path])) << id << ' ' << path;
-            ++checked;
-        }
-    }
-    EXPECT_EQ(checked, 9);
-    EXPECT_EQ(Dump(CreateDataHelper(Proc::IFilterAudioFormatter::CLASS_ID, "")->GetDefaults()),
-              "filter_formatter/formatter/type: string default\nfilter_formatter/packet_duration: int 100000\n");
-    EXPECT_EQ(CreateDataHelper(Proc::IFilterResample::CLASS_ID, "")->GetDefaults()["resample/sample_rate"].GetInt64(),
-              44100);
-}
-
-TEST(Filters, AVolumeGoesToTheNearerEnd) {
-    const auto constraint = CollectConstraints(*DataHelperAudioVolume::Create()).at("volume");
-    for (const auto& [volume, fixed] : {std::pair(-1, 0), std::pair(200, 200), std::pair(201, 200)}) {
-        Property value("volume", volume);
-        EXPECT_TRUE(constraint->Fixup(value));
-        EXPECT_EQ(value.GetInt64(), fixed);
-    }
-}
-
 Property ResamplePreset(long long rate, const std::string& layout) {
     return Node("p", {Node("resample", {Property(A::TAG_SAMPLE_RATE, rate), Property(A::TAG_LAYOUT, layout)})});
 }

@@ -66,29 +66,6 @@ TEST(FormatBase, KnowsOnlyTheKindsThatItHas) {
     EXPECT_EQ(former->GetRefCount(), 1U) << "released";
 }
 
-TEST(FormatBase, EveryDefaultStreamOfTheCatalogueHasALegalCodec) {
-    std::size_t checked = 0;
-    for (const auto& [id, format] : GetAvailableDataHelpers(IPreset::KEY_FORMAT)) {
-        const ConstraintMap constraints = CollectConstraints(*format);
-        const Property defaults = format->GetDefaults();
-        std::size_t position = 0;
-        for (const Property& stream : defaults[IPreset::KEY_STREAMS]) {
-            SCOPED_TRACE(id + ' ' + stream.GetName());
-            EXPECT_EQ(stream.GetName(), std::to_string(position++));
-            const Property& section = stream[1];
-            const std::string pattern =
-                "streams_any_" + stream[IPreset::KEY_TYPE_ID].GetString() + '/' + section.GetName() + "/codec_id";
-            ASSERT_TRUE(constraints.count(pattern)) << pattern;
-            EXPECT_TRUE(constraints.at(pattern)->IsValid(section[V::TAG_CODEC_ID]));
-            ++checked;
-        }
-        ObjectList objects;
-        format->GetRequiredObjects(objects);
-        EXPECT_TRUE(objects.empty()) << id;
-    }
-    EXPECT_GT(checked, GetAvailableDataHelpers(IPreset::KEY_FORMAT).size());
-}
-
 const std::string g_fpsPath = "filter_rate/frame_rate";
 
 SP<IPropertyConstraint> Codecs(const std::string& id) {
@@ -215,94 +192,6 @@ TEST(FormatCorrection, NeedsACodecIdAndValuesOfTheRightType) {
     stream[V::TAG_COVER_FLAG] = "yes";
     EXPECT_THROW(format.CorrectFormatCodec(stream), ConstraintIsNotApplicableForTypeException);
     EXPECT_EQ(stream[V::TAG_FPS].GetRatio(), Core::Ratio(8, 1)) << "what was corrected before stays so";
-}
-
-std::string CodecsOf(const IDataHelper& helper) {
-    std::string text;
-    for (const auto& [pattern, codecs] : CollectConstraints(helper)) text += pattern + ": " + ListOf(*codecs) + "; ";
-    return text;
-}
-
-TEST(Mp4Family, DiffersByItsTwoModes) {
-    const std::string subtitles = "streams_any_subtitles_text/subtitle_codec/codec_id: dvd_subtitle, mov_text; ";
-    const struct {
-        bool ipod;
-        bool m4v;
-        const char* audio;
-        const char* video;
-    } cases[] = {
-        {false, false, "aac, ac3, mp3", "h264, mpeg4, hevc, av1, vp9, vc1"},
-        {true, false, "aac, ac3", "h264, mpeg4"},
-        {false, true, "aac", "h264, mpeg4"},
-        {true, true, "aac", "h264, mpeg4"},
-    };
-    for (const auto& c : cases) {
-        const auto mp4 = DataHelperFormatMp4::Create("id", c.ipod, c.m4v);
-        EXPECT_EQ(CodecsOf(*mp4), std::string("streams_any_audio/audio_codec/codec_id: ") + c.audio + "; " + subtitles +
-                                      "streams_any_video/video_codec/codec_id: " + c.video + "; ");
-        EXPECT_EQ(Dump(mp4->GetDefaults()),
-                  "format/container: string id\nformat/global_header: bool true\nformat/psp_mode: bool false\n"
-                  "format/progressive_read: bool false\nformat/limits/video: int 2\nformat/limits/audio: int 16\n"
-                  "format/limits/subtitle: int 16\nformat/limits/other: int 16\n"
-                  "format/streams/0/type: string video\nformat/streams/0/video_codec/codec_id: string h264\n"
-                  "format/streams/1/type: string audio\nformat/streams/1/audio_codec/codec_id: string aac\n"
-                  "format/streams/2/type: string subtitles_text\nformat/streams/2/subtitle_codec/codec_id: string "
-                  "dvd_subtitle\n");
-    }
-}
-
-TEST(Mp4Family, TheAudioKindsDiffer) {
-    EXPECT_EQ(Dump(DataHelperFormatM4a::Create("m4b")->GetDefaults()),
-              "format/container: string m4b\nformat/global_header: bool true\nformat/limits/video: int 1\n"
-              "format/limits/audio: int 1\nformat/limits/subtitle: int 0\nformat/limits/other: int 1\n"
-              "format/streams/0/type: string audio\nformat/streams/0/audio_codec/codec_id: string aac\n"
-              "format/streams/1/type: string video\nformat/streams/1/video_codec/codec_id: string mjpeg\n"
-              "format/streams/1/cover: bool true\n");
-    EXPECT_EQ(Dump(DataHelperFormatF4a::Create()->GetDefaults()),
-              "format/container: string f4a\nformat/global_header: bool true\nformat/psp_mode: bool false\n"
-              "format/progressive_read: bool false\nformat/limits/video: int 0\nformat/limits/audio: int 1\n"
-              "format/limits/subtitle: int 0\nformat/limits/other: int 0\n"
-              "format/streams/0/type: string audio\nformat/streams/0/audio_codec/codec_id: string aac\n");
-    EXPECT_EQ(CodecsOf(*DataHelperFormatF4a::Create()), "streams_any_audio/audio_codec/codec_id: mp3, aac; ");
-    // Through the catalogue the id allows a cover and ALAC, since another class serves it.
-    EXPECT_EQ(
-        CodecsOf(*CreateDataHelper(IPreset::KEY_FORMAT, F::FORMAT_F4A)),
-        "streams_any_audio/audio_codec/codec_id: aac, alac; streams_any_video/video_codec/codec_id: mjpeg, png, bmp; ");
-    EXPECT_EQ(
-        CodecsOf(*DataHelperFormat3gp::Create("3gp")),
-        "streams_any_audio/audio_codec/codec_id: aac; streams_any_video/video_codec/codec_id: h263, h264, mpeg4; ");
-}
-
-TEST(Mp4Family, CorrectsBySmallRules) {
-    const struct {
-        SP<IDataHelper> format;
-        const char* node;
-        const char* codec;
-        Property value;
-        Property corrected;
-    } cases[] = {
-        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_audio", "mp3", Property("sample_rate", 12000),
-         Property("sample_rate", 16000)},
-        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_audio", "mp3", Property("sample_rate", 46050),
-         Property("sample_rate", 44100)},
-        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_audio", "aac", Property("sample_rate", 12000),
-         Property("sample_rate", 12000)},
-        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_video", "h264", Property("cover", false),
-         Property("cover", false)},
-        {DataHelperFormatM4a::Create("m4a"), "format_codec_video", "png", Property("cover", false),
-         Property("cover", true)},
-        {DataHelperFormatM4a::Create("m4a"), "format_codec_video", "h264", Property("cover", false),
-         Property("cover", false)},
-        {DataHelperFormatF4a::Create(), "format_codec_audio", "mp3", Property("sample_rate", 48000),
-         Property("sample_rate", 44100)},
-        {DataHelperFormat3gp::Create("3gp"), "format_codec_audio", "aac", Property("sample_rate", 7),
-         Property("sample_rate", 7)},
-    };
-    for (const auto& c : cases) {
-        Property stream = Node(c.node, {Property(V::TAG_CODEC_ID, c.codec), c.value});
-        c.format->CorrectFormatCodec(stream);
-        EXPECT_EQ(TreeDiff(c.corrected, stream[1]), "") << c.codec;
-    }
 }
 
 }  // namespace

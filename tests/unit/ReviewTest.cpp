@@ -2,9 +2,7 @@
 
 #include <cmath>
 #include <functional>
-#include <random>
 #include <sstream>
-#include <typeinfo>
 
 #include "norvex/Norvex.h"
 #include "support/FakeBuild.h"
@@ -274,97 +272,6 @@ TEST(PresetCheck, FindsTheHelpersThatAPresetNames) {
     EXPECT_THROW(FindHelper("audio_codec", "h264"), HelperException);
 }
 
-// ------------------------------------------------------------------------------------------------- random presets
-
-/// The words of a text, of which "-" is empty.
-Lines Words(const std::string& text) {
-    std::istringstream stream(text);
-    Lines words;
-    for (std::string word; stream >> word;) words.push_back(word == "-" ? "" : word);
-    return words;
-}
-
-class RandomTrees {
-public:
-    Property Make(const std::string& name, int depth = 0) {
-        Property node(name);
-        for (unsigned count = Below(14); count > 0; --count) {
-            const std::string tag = Any(m_tags);
-            node.AddNamed(depth < 3 && Below(4) == 0 ? Make(tag, depth + 1) : Leaf(tag));
-        }
-        return node;
-    }
-    /// A stream with most of what a correction looks at.
-    Property Stream(bool isVideo) {
-        Property stream = Make(isVideo ? "format_codec_video" : "format_codec_audio", 2);
-        if (Below(8) == 0) return stream;
-        if (Below(4) != 0) stream.SetChildT("sample_rate", static_cast<int>(Below(100000)));
-        stream.SetChildT("sample_format", Any({"s16", "fltp", "s32"}));
-        stream.SetChildT("channel_layout", Any({"mono", "stereo", "5.1"}));
-        stream.SetChildT("bitrate", static_cast<int>(Below(400000)));
-        return stream;
-    }
-    unsigned Below(unsigned end) { return static_cast<unsigned>(m_random() % end); }
-    std::string Any(const Lines& list) { return list[Below(static_cast<unsigned>(list.size()))]; }
-
-private:
-    Property Leaf(const std::string& name) {
-        const Property leaves[] = {Property(name),
-                                   Property(name, Below(2) == 0),
-                                   Property(name, Below(2) == 0 ? std::nan("") : 47999.5),
-                                   Property(name, (static_cast<long long>(m_random()) - 2147483648LL) * 4294967296LL),
-                                   Property(name, Core::Ratio(30000, 1001)),
-                                   Property(name, static_cast<int>(Below(60))),
-                                   Property(name, Any(m_texts)),
-                                   Property(name, Any(m_texts))};
-        return leaves[Below(8)];
-    }
-
-    const Lines m_tags = Words(
-        "sample_rate sample_format channel_layout bitrate bitrate_mode quality codec_id streams "
-        "encode_options profile preset frame_rate width height cover type audio_codec format "
-        "video_codec resample resize filter_resample filter_resize - a/b container filter_rate "
-        "max_b_frames 0");
-    const Lines m_texts = Words("- aac mp3 h264 mjpeg cbr vbr cbr_auto s16 stereo 5.1 25 1/0 audio video main %1 mp4");
-    std::mt19937 m_random{7};
-};
-
-std::vector<NamedHelper> Everything() {
-    std::vector<NamedHelper> helpers;
-    for (const char* const kind : {"format", "video_codec", "audio_codec"}) {
-        for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) helpers.push_back({kind, id, helper});
-    }
-    for (const char* const kind : {"filter_resample", "filter_resize", "filter_rate"}) {
-        helpers.push_back(FindHelper(kind, ""));
-    }
-    return helpers;
-}
-
-TEST(PresetCheck, JudgesWhateverAPresetHolds) {
-    RandomTrees random;
-    const std::vector<NamedHelper> all = Everything();
-    Property deep(std::string("filter_resize"));
-    for (int i = 0; i < 1000; ++i) deep = Node("resize", {deep});
-    std::vector<Property> sections = {deep};
-    std::size_t violations = 0;
-    for (int i = 0; i < 40; ++i) {
-        for (const char* const name :
-             {"format", "video_codec", "audio_codec", "filter_resample", "filter_resize", ""}) {
-            if (random.Below(3) == 0) sections.push_back(random.Make(name));
-            if (random.Below(9) == 0) sections.emplace_back(name, 5);
-        }
-        sections.push_back(random.Stream(i % 2 == 0));
-        const Property preset = AssemblePreset(sections);
-        for (const Finding& finding : CheckPreset(preset, all)) {
-            EXPECT_FALSE(finding.message.empty());
-            ++violations;
-        }
-        EXPECT_NO_THROW(ExplainPreset(sections.back(), HelpersOf(preset)));
-        sections.clear();
-    }
-    EXPECT_GT(violations, 1000U);
-}
-
 // ------------------------------------------------------------------------------------------------------- the report
 
 /// A stream's node from "TAG VALUE" words, of which those that look like numbers are some.
@@ -562,37 +469,6 @@ TEST(CorrectionReport, GivesAReasonToTheValueThatAPathLeadsTo) {
                                               : "test a/b: 2 > 1 default",
                                 "test a/b: 7 > 1 helper"));
     }
-}
-
-TEST(CorrectionReport, LeavesTheTreeAsWithoutIt) {
-    const auto correct = [](const auto& correction) -> std::string {
-        try {
-            correction();
-            return "done";
-        } catch (const std::exception& failure) {
-            return typeid(failure).name();
-        }
-    };
-    RandomTrees random;
-    std::map<std::string, int> outcomes;
-    const std::vector<NamedHelper> all = Everything();
-    for (int i = 0; i < 2000; ++i) {
-        const NamedHelper& named = all[static_cast<std::size_t>(i) % all.size()];
-        Property plain = random.Stream(named.kind == "format" ? random.Below(2) == 0 : named.kind == "video_codec");
-        Property reported = plain;
-        const std::string before = Dump(plain);
-        CorrectionReport report;
-        const std::string outcome = correct([&] { named.helper->CorrectFormatCodec(plain); });
-        EXPECT_EQ(outcome, correct([&] {
-                      report = CorrectWithReport(reported, {named});
-                      if (report.failure) std::rethrow_exception(report.failure);
-                  }));
-        EXPECT_EQ(Dump(plain), Dump(reported)) << named.id << '\n' << before;
-        EXPECT_EQ(report.changes.empty(), before == Dump(plain)) << named.id << '\n' << before;
-        ++outcomes[outcome == "done" ? outcome : "failed"];
-    }
-    EXPECT_GT(outcomes["done"], 500);
-    EXPECT_GT(outcomes["failed"], 100);
 }
 
 }  // namespace
