@@ -51,13 +51,18 @@ TEST(Modern, StandsBesideTheClassicBook) {
 }
 
 TEST(Modern, EveryDefaultIsLegalForItsOwnHelper) {
-    for (const std::string kind : {"format", "video_codec", "audio_codec"}) {
+    std::vector<NamedHelper> helpers;
+    for (const char* const kind : {"filter_resample", "filter_volume", "filter_rate", "filter_resize"})
+        helpers.push_back(FindHelper(kind, ""));
+    for (const char* const kind : {"format", "video_codec", "audio_codec"}) {
         for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
-            if (id == "hevc" || id == "auto") continue;  // start with a mode that nobody can choose
-            for (const Finding& finding : CheckPreset(AssemblePreset({helper->GetDefaults()}), {{kind, id, helper}})) {
-                EXPECT_EQ(finding.problem, Finding::Problem::Missing) << kind << ' ' << id << ": " << finding.message;
-            }
+            // These start with a mode that nobody can choose.
+            if (id != "hevc" && id != "auto") helpers.push_back({kind, id, helper});
         }
+    }
+    for (const NamedHelper& named : helpers) {
+        for (const Finding& finding : CheckPreset(AssemblePreset({named.helper->GetDefaults()}), {named}))
+            EXPECT_EQ(finding.problem, Finding::Problem::Missing) << named.id << ": " << finding.message;
     }
 }
 

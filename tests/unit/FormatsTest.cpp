@@ -80,55 +80,50 @@ SP<IPropertyConstraint> Values(std::initializer_list<T> values) {
 
 /// A stream's node with every value that correction reaches, and one that it does not.
 Property StreamNode(const std::string& name) {
-    return Node(name, {Property(V::TAG_CODEC_ID, "x"), Property(V::TAG_FPS, Core::Ratio(7, 1)),
-                       Property(V::TAG_COVER_FLAG, false), Node("encode_options", {Property(V::TAG_PROFILE, "p")}),
-                       Property(A::TAG_SAMPLE_RATE, 7), Property(A::TAG_LAYOUT, "5.1"), Property(V::TAG_BITRATE, 7)});
+    return Tree(name +
+                "{codec_id: x, frame_rate: 7/1, cover: false, encode_options: {profile: p}, sample_rate: 7, "
+                "channel_layout: 5.1, bitrate: 7}");
 }
 
 TEST(FormatCorrection, ReachesFiveValuesByTheirRulesAndNothingElse) {
     const struct {
-        const char* node;
-        const char* first;
-        const char* second;
+        std::string kind, second;
         SP<IPropertyConstraint> constraint;
         const char* path;  ///< of what changes
         Property corrected;
     } rows[] = {
-        {"format_codec_video", "video_codec/codec_id", "filter_rate/frame_rate", Values<Core::Ratio>({{8, 1}}),
-         "frame_rate", Property("", Core::Ratio(8, 1))},
-        {"format_codec_video", "video_codec/codec_id", "format/cover", Values<bool>({true}), "cover",
-         Property("", true)},
-        {"format_codec_video", "video_codec/codec_id", "format/encode_options/profile", Values<std::string>({"q"}),
-         "encode_options/profile", Property("", "q")},
-        {"format_codec_audio", "audio_codec/codec_id", "filter_resample/resample/sample_rate", Values<long long>({8}),
-         "sample_rate", Property("", 8)},
-        {"format_codec_audio", "audio_codec/codec_id", "filter_resample/resample/channel_layout",
+        {"video", g_fpsPath, Values<Core::Ratio>({{8, 1}}), "frame_rate", Property("", Core::Ratio(8, 1))},
+        {"video", "format/cover", Values<bool>({true}), "cover", Property("", true)},
+        {"video", "format/encode_options/profile", Values<std::string>({"q"}), "encode_options/profile",
+         Property("", "q")},
+        {"audio", "filter_resample/resample/sample_rate", Values<long long>({8}), "sample_rate", Property("", 8)},
+        {"audio", "filter_resample/resample/channel_layout",
          ConstraintChannelLayout::Create(std::vector<std::string>{"mono"}), "channel_layout", Property("", "mono")},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.second);
+        const std::string node = "format_codec_" + row.kind, first = row.kind + "_codec/codec_id";
         TestFormat format;
         format.AddRef();
-        format.rules = {{"/", PairValidationRule::Create(row.first, Codecs("x"), row.second, row.constraint)}};
-        for (const char* const node : {"format_codec_video", "format_codec_audio", "format_codec_subtitle"}) {
-            Property stream = StreamNode(node);
+        format.rules = {{"/", PairValidationRule::Create(first, Codecs("x"), row.second, row.constraint)}};
+        for (const char* const each : {"format_codec_video", "format_codec_audio", "format_codec_subtitle"}) {
+            Property stream = StreamNode(each);
             format.CorrectFormatCodec(stream);
-            Property expected = StreamNode(node);
-            if (std::string(node) == row.node) expected[row.path].CopyDataFrom(row.corrected);
+            Property expected = StreamNode(each);
+            if (each == node) expected[row.path].CopyDataFrom(row.corrected);
             EXPECT_EQ(TreeDiff(expected, stream), "");
         }
         // Another codec, another codec path, another second path: not this rule's business.
-        for (const auto& other :
-             {PairValidationRule::Create(row.first, Codecs("y"), row.second, row.constraint),
-              PairValidationRule::Create(std::string("x") + row.first, Codecs("x"), row.second, row.constraint),
-              PairValidationRule::Create(row.first, Codecs("x"), std::string(row.second) + "x", row.constraint)}) {
+        for (const auto& other : {PairValidationRule::Create(first, Codecs("y"), row.second, row.constraint),
+                                  PairValidationRule::Create("x" + first, Codecs("x"), row.second, row.constraint),
+                                  PairValidationRule::Create(first, Codecs("x"), row.second + "x", row.constraint)}) {
             format.rules = {{"/", other}};
-            Property stream = StreamNode(row.node);
+            Property stream = StreamNode(node);
             format.CorrectFormatCodec(stream);
-            EXPECT_EQ(TreeDiff(StreamNode(row.node), stream), "");
+            EXPECT_EQ(TreeDiff(StreamNode(node), stream), "");
         }
         // A node with the codec alone has nothing to correct.
-        Property bare = Node(row.node, {Property(V::TAG_CODEC_ID, "x"), Node("encode_options", {})});
+        Property bare = Tree(node + "{codec_id: x, encode_options: {}}");
         format.CorrectFormatCodec(bare);
         EXPECT_EQ(bare.Count(), 2U);
     }
