@@ -35,16 +35,6 @@ bool IsIn(const std::vector<T>& list, T value) {
     return std::find(list.begin(), list.end(), value) != list.end();
 }
 
-/// The muxer that stands for a container whose id has none of its own.
-std::string MuxerName(std::string name) {
-    if (name == F::FORMAT_MPEG2TS) name = F::FORMAT_MPEGTS;
-    if (name == F::FORMAT_MPEG1VIDEO) name = F::FORMAT_MPEG;
-    if (name == F::FORMAT_MPEG2VIDEO) name = F::FORMAT_VOB;
-    if (name == F::FORMAT_WMV || name == F::FORMAT_WMA) name = F::FORMAT_ASF;
-    if (name == F::FORMAT_M4A || name == F::FORMAT_M4V) name = F::FORMAT_IPOD;
-    return name;
-}
-
 /// What a stream says of itself, and what judging it needs.
 struct Stream {
     const IFormatCodec& codec;
@@ -190,7 +180,7 @@ bool IsSupportedByTags(const AVOutputFormat& muxer, const Stream& stream) {
 }  // namespace
 
 bool CodecIsSupported(const SP<const IFormatFile>& format, const SP<const IFormatCodec>& codec) {
-    const std::string name = MuxerName(format->GetProperty()[F::TAG_CONTAINER].GetString());
+    const std::string name = JudgedMuxerName(format->GetProperty()[F::TAG_CONTAINER].GetString());
     const AVOutputFormat* const muxer = FindMuxer(name);
     if (muxer == nullptr) return false;
 

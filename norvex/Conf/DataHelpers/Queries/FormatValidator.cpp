@@ -7,6 +7,7 @@ extern "C" {
 #include <algorithm>
 
 #include "norvex/Conf/DataHelpers/Lookup/DataHelpers.h"
+#include "norvex/Conf/DataHelpers/Queries/Census.h"
 #include "norvex/Conf/DataHelpers/Queries/Muxers.h"
 #include "norvex/interfaces/Conf/IPreset.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
@@ -76,6 +77,14 @@ std::vector<std::string> GetSupportedCodecs(AVMediaType type, const std::string&
 }
 
 }  // namespace
+
+bool CensusIsEmpty() noexcept {
+    return g_encoders.empty();
+}
+
+bool CensusHas(AVCodecID codec) noexcept {
+    return std::find(g_encoders.begin(), g_encoders.end(), codec) != g_encoders.end();
+}
 
 FormatValidator& FormatValidator::Instance() {
     static FormatValidator validator;
