@@ -200,8 +200,6 @@ void TellWithoutEncoders() {
 /// Where every codec has an encoder that declares something of each kind.
 void TellWithEncoders() {
     std::map<std::string, FakeEncoder> encoders;
-    std::cout << "\n== settings of a filter that nobody changed\n"
-              << Dump(Proc::IFilterResize::Settings2Property({})) << Dump(Proc::IFilterResample::Settings2Property({}));
     for (const Texts& ids : {GetAllVideoCodecs(), GetAllAudioCodecs()}) {
         for (const std::string& id : ids) {
             encoders[id] = {{{25, 1}, {30000, 1001}},

@@ -130,13 +130,13 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
             ADD_FAILURE() << "nothing failed";
         } catch (const DocumentException& error) {
             EXPECT_THAT(error.what(), testing::StartsWith(words));
-            EXPECT_EQ(words.find("line " + std::to_string(*boost::get_error_info<TagLine>(error)) + ':'), 0U);
+            EXPECT_EQ(words.find("line " + std::to_string(*boost::get_error_info<DocumentException::TagLine>(error)) + ':'), 0U);
         }
     }
 }
 
 TEST(PresetDocument, KnowsTheLinesOfValuesAndOfWhatIsWithinThem) {
-    const PresetDocument read = ParsePreset("{\"norvex-preset\": 1, \"preset\":\n{\"a\":\n{\"b\": 5}}}");
+    const PresetDocument read = ParsePreset("{\"norvex-preset\": 1, \"preset\":\n{\"a\": {\n\"b\": 5}}}");
     for (const auto& [path, line] : {std::pair("a", 2), {"a/b", 3}, {"a/c", 2}, {"a/b/c/d", 3}, {"b", 2}, {"", 2}})
         EXPECT_EQ(read.LineOf(path), line) << path;
     EXPECT_EQ(PresetDocument().LineOf("a"), 0);
