@@ -350,12 +350,11 @@ Parsed ParseCommandLine(int argc, const char* const* argv) {
     AddOptions(app, request, "Sound", AudioOptions());
     AddOptions(app, request, "Subtitles", SubtitleOptions());
     app.get_option("--quality")->excludes("--video-bitrate");
-    app.footer(g_examples);
 
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        parsed.exitStatus = NorvexApps::ExitStatus(app, error);
+        parsed.exitStatus = NorvexApps::ExitStatus(app, error, g_examples);
     }
     return parsed;
 }

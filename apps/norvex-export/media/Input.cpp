@@ -138,11 +138,11 @@ bool Input::Read(AVPacket& packet) {
     return false;
 }
 
-Input::Context Input::Open(const std::string& path) {
+Input::OwnedContext Input::Open(const std::string& path) {
     AVFormatContext* context = nullptr;  // avformat_open_input frees it where it fails
     const int result = avformat_open_input(&context, FileUrl(path).c_str(), nullptr, nullptr);
     if (result < 0) Fail("cannot open " + Quoted(path), result);
-    return Context(context);
+    return OwnedContext(context);
 }
 
 VideoSource DescribeVideo(const Input& input, const AVStream& stream) {
