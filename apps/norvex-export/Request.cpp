@@ -448,7 +448,6 @@ void Declare(CLI::App& app, Request& request) {
     AddOptions(app, request, "Sound", AudioOptions());
     AddOptions(app, request, "Subtitles", SubtitleOptions());
     app.get_option("--quality")->excludes("--video-bitrate");
-    app.footer(g_examples);
 }
 
 /// What an option said of one stream, "--audio-bitrate:2 64k": the option alone, as if it were about all.
@@ -523,7 +522,7 @@ Parsed ParseCommandLine(int argc, const char* const* argv) {
         // What is said of one stream counts more than what is said of all.
         for (const NumberedOption& option : numbered) TakeForStream(option, parsed.request);
     } catch (const CLI::ParseError& error) {
-        parsed.exitStatus = NorvexApps::ExitStatus(app, error);
+        parsed.exitStatus = NorvexApps::ExitStatus(app, error, g_examples);
     }
     return parsed;
 }

@@ -719,8 +719,10 @@ TEST_F(MediaFailure, SubtitlesKeepTheirTimesAndWords) {
             }
         }
     }
-    clip.titleCodec = "hdmv_pgs_subtitle";
+    clip.titleCodec = "ass";
     Clip(clip, "pictures.mkv");
+    std::string bytes = ReadFile(Path("pictures.mkv"));
+    WriteFile(Path("pictures.mkv"), bytes.replace(bytes.find("S_TEXT/ASS"), 10, "S_HDMV/PGS"));
     WriteFile(Path("latin1.srt"), "1\n00:00:00,100 --> 00:00:00,500\nf\xfcnf\n");
     WriteFile(Path("endless.sub"), "{1}{1}25\n{25}{50}Hi\n{75}{}Hello\n");
     const struct {
