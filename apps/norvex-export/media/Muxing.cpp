@@ -129,8 +129,8 @@ void Muxer::Begin() {
 
 bool Muxer::PlacesStreams(const std::string& container) {
     // FFmpeg's flag of a variable rate does not tell: versions differ about MP4.
-    constexpr std::array<std::string_view, 9> without = {"avi",     "dv",         "gxf", "mxf",
-                                                         "mxf_d10", "mxf_opatom", "ogg", "ogv", "swf"};
+    constexpr std::array<std::string_view, 9> without = {"avi",        "dv",  "gxf", "mxf", "mxf_d10",
+                                                         "mxf_opatom", "ogg", "ogv", "swf"};
     return std::find(without.begin(), without.end(), container) == without.end();
 }
 
