@@ -43,8 +43,7 @@ void TimeLine::Place(AVPacket& packet, const AVStream& stream, const Peek& peek)
         if (packet.dts != AV_NOPTS_VALUE) packet.dts += ticks;
     };
     if (!IsTimed(stream)) {
-        // What stands beside the film keeps its times; what is told on the film's line goes with it.
-        if (stream.codecpar->codec_type == AVMEDIA_TYPE_SUBTITLE) move(m_offsets.back());
+        move(m_offsets.back());
         return;
     }
     Clock& clock = ClockOf(stream);
