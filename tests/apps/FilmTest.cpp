@@ -205,6 +205,20 @@ TEST_F(FilmTest, PicturesKeepWhatTheCodecCanAndTheRestIsTold) {
     }
 }
 
+TEST_F(FilmTest, WhatHdrTellsOfLightGoesOver) {
+    Make(
+        "-f lavfi -i testsrc2=s=320x180:d=0.2 -pix_fmt yuv420p10le -c:v libx265 -x265-params log-level=none:colorprim="
+        "bt2020:transfer=smpte2084:colormatrix=bt2020nc:max-cll=1000,400:master-display='G(13250,34500)B(7500,3000)"
+        "R(34000,16000)WP(15635,16450)L(10000000,1)' in.mkv");
+    EXPECT_EQ(Run("in.mkv o.mp4 --video hevc --profile main10 --encoder-preset fast --quiet").text, "");
+    for (const char* const entries : {"-show_entries stream_side_data", "-show_frames -read_intervals %+#1"}) {
+        const std::string told = RunOther("ffprobe", std::string("-v error ") + entries + " o.mp4").text;
+        for (const char* const value : {"red_x=34000/50000", "max_luminance=10000000/10000", "max_content=1000"}) {
+            EXPECT_THAT(told, HasSubstr(value)) << entries;
+        }
+    }
+}
+
 TEST_F(FilmTest, RedIsRedInJpegs) {
     for (const char* const size : {"640x480", "1280x720"}) {
         Make(std::string("-f lavfi -i color=red:s=") + size + " -frames:v 1 in.png");

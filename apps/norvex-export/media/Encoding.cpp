@@ -52,8 +52,8 @@ std::string X265LogLevel() {
 }
 
 /// The job's options for x265, with our own before them.
-Options WithX265Parameters(const Options& options, const Pass& pass) {
-    std::string parameters = "log-level=" + X265LogLevel();
+Options WithX265Parameters(const Options& options, const Pass& pass, const Light& light) {
+    std::string parameters = "log-level=" + X265LogLevel() + X265ParametersOf(light);
     if (pass.record != nullptr) {
         parameters += ":pass=" + std::to_string(pass.number) + ":stats=" + Escaped(pass.record->StatisticsFile());
     }
@@ -161,7 +161,8 @@ bool HoldsQuality(RateControl rateControl, const AVCodec& codec) {
     return rateControl == RateControl::Quality && QualityControlOf(codec) != QualityControl::None;
 }
 
-Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, bool globalHeader, const Pass& pass) {
+Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, const Light& light, bool globalHeader,
+                         const Pass& pass) {
     const AVCodec& codec = FindEncoder(job.codecId, AVMEDIA_TYPE_VIDEO);
     Owned<AVCodecContext> encoder = NewEncoder(codec, globalHeader);
     encoder->width = job.width;
@@ -186,7 +187,8 @@ Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, b
     const bool isOfVpx = std::string_view(codec.name) == "libvpx";
     if (isOfVpx && HasFlag(encoder->pix_fmt, AV_PIX_FMT_FLAG_ALPHA)) SetOption(*encoder, "auto-alt-ref", "0");
     const bool isX265 = PassLogOf(codec) == PassLog::X265File;
-    OpenEncoder(*encoder, isX265 ? WithX265Parameters(job.options, pass) : job.options);
+    OpenEncoder(*encoder, isX265 ? WithX265Parameters(job.options, pass, light) : job.options);
+    TellLight(light, *encoder);
     return Encoder(std::move(encoder), pass);
 }
 

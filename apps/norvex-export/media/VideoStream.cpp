@@ -122,7 +122,7 @@ private:
 
 std::unique_ptr<OutputStream> MakeVideoStream(const Input& input, const AVStream& stream, const VideoJob& job,
                                               bool globalHeader, const Pass& pass, Muxer& muxer) {
-    Encoder encoder = OpenVideoEncoder(job, *stream.codecpar, globalHeader, pass);
+    Encoder encoder = OpenVideoEncoder(job, *stream.codecpar, LightOf(input, stream), globalHeader, pass);
     return std::make_unique<VideoStream>(input, stream, job, std::move(encoder), muxer);
 }
 
