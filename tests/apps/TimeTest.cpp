@@ -106,7 +106,7 @@ TEST_F(TimeTest, SoundKeepsToLayoutsThatPlayersKnow) {
     } cases[] = {
         {"o.m4a", "5.1", "is written as '5.1', the layout of AAC that players know, rather than as '5.1(side)'"},
         {"o.m4a --layout auto", "5.1", "is written as '5.1'"},
-        {"o.m4a --layout 5.0(side)", "5.0", "is written as '5.0'"},
+        {"o.m4a --layout '5.0(side)'", "5.0", "is written as '5.0'"},
         {"o.m4a --layout stereo", "stereo", "The 6 channels of stream 0 are mixed down to 'stereo'"},
     };
     for (const auto& c : cases) {

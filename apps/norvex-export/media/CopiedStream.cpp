@@ -132,7 +132,10 @@ private:
     bool IsInside(const AVPacket& packet) {
         const std::int64_t ticks = packet.dts != AV_NOPTS_VALUE ? packet.dts : packet.pts;
         if (ticks == AV_NOPTS_VALUE || IsAttachedPicture(m_stream)) return true;
-        if (m_input.FilmTime(ticks, m_stream) >= m_input.FilmEnd()) {
+        // Pictures are shown later than they are decoded, the first of them by as much as any other at least.
+        const bool isWhole = packet.dts != AV_NOPTS_VALUE && packet.pts != AV_NOPTS_VALUE;
+        if (m_packets == 0) m_delay = isWhole ? packet.pts - packet.dts : 0;
+        if (m_input.FilmTime(ticks + m_delay, m_stream) >= m_input.FilmEnd()) {
             m_isOver = Type() != AVMEDIA_TYPE_SUBTITLE;
             return false;
         }
@@ -195,6 +198,7 @@ private:
     std::int64_t m_lastTime = 0;                 // of decoding, in the time base of the output
     long long m_packets = 0;
     bool m_isOver = false;
+    std::int64_t m_delay = 0;  // of the first packet, in the time base of the source
     Owned<AVPacket> m_packet;
 };
 

@@ -54,14 +54,15 @@ void TimeLine::Place(AVPacket& packet, const AVStream& stream, const Peek& peek)
         clock.next += duration;
         return;
     }
+    const bool isWhole = packet.pts != AV_NOPTS_VALUE && packet.dts != AV_NOPTS_VALUE;
+    const std::int64_t delay = isWhole ? ToLine(packet.pts - packet.dts, stream) : 0;
     bool isTrue = true;
     if (!clock.hasBegun || std::abs(*stamp + clock.offset - clock.next) > slack) {
-        isTrue = Adjust(clock, *stamp, duration, peek);
+        isTrue = Adjust(clock, {*stamp, delay, duration}, peek);
     }
     move(clock.offset);
     const std::int64_t time = isTrue ? *stamp + clock.offset : clock.next;
-    if (packet.pts != AV_NOPTS_VALUE && packet.dts != AV_NOPTS_VALUE) {
-        const std::int64_t delay = ToLine(packet.pts - packet.dts, stream);
+    if (isWhole) {
         const std::int64_t usual = std::max<std::int64_t>(AV_TIME_BASE, 4 * clock.longestDelay);
         if (delay >= -slack && delay <= (clock.hasBegun ? usual : longestGap)) {
             clock.delay = delay;
@@ -78,7 +79,8 @@ void TimeLine::Place(AVPacket& packet, const AVStream& stream, const Peek& peek)
     clock.hasBegun = true;
     clock.last = time;
     clock.next = time + duration;
-    m_farthest = std::max(m_farthest.value_or(clock.next), clock.next);
+    const std::int64_t end = clock.next + clock.delay;
+    m_farthest = std::max(m_farthest.value_or(end), end);
 }
 
 TimeLine::Clock& TimeLine::ClockOf(const AVStream& stream) {
@@ -142,7 +144,9 @@ std::optional<std::int64_t> TimeLine::TrueBeginning(std::int64_t stamp, std::int
     return std::nullopt;
 }
 
-bool TimeLine::Adjust(Clock& clock, std::int64_t stamp, std::int64_t duration, const Peek& peek) {
+bool TimeLine::Adjust(Clock& clock, const Placed& packet, const Peek& peek) {
+    const std::int64_t stamp = packet.stamp;
+    const std::int64_t duration = packet.duration;
     const auto misses = [&](std::int64_t offset) { return std::abs(stamp + offset - clock.next); };
     const bool fits = Fits(clock, stamp + clock.offset);
     const std::vector<Coming> coming = peek();
@@ -172,7 +176,8 @@ bool TimeLine::Adjust(Clock& clock, std::int64_t stamp, std::int64_t duration, c
         return Refuse();
     }
     ++m_jumps;
-    clock.offset = *m_farthest - stamp;
+    const bool isDelayed = packet.delay > 0 && packet.delay <= longestGap;
+    clock.offset = *m_farthest - stamp - (isDelayed ? packet.delay : 0);
     if (!clock.hasBegun) clock.firstMoved = clock.offset;
     m_offsets.push_back(clock.offset);
     return true;

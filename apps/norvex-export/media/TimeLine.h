@@ -68,6 +68,13 @@ private:
         std::int64_t firstMoved = 0;
     };
 
+    /// The packet that is being placed.
+    struct Placed {
+        std::int64_t stamp;
+        std::int64_t delay;  // from decoding to showing, whether that can be or not
+        std::int64_t duration;
+    };
+
     Clock& ClockOf(const AVStream& stream);
     const Clock* FindClock(const AVStream& stream) const;
     /// Whether the stream comes back to where it would be without this stamp.
@@ -78,7 +85,7 @@ private:
                                               const std::vector<Coming>& coming) const;
     bool Fits(const Clock& clock, std::int64_t time) const;
     /// False where the stamp is damaged.
-    bool Adjust(Clock& clock, std::int64_t stamp, std::int64_t duration, const Peek& peek);
+    bool Adjust(Clock& clock, const Placed& packet, const Peek& peek);
     bool Refuse() {
         ++m_damaged;
         return false;
@@ -86,7 +93,7 @@ private:
 
     std::vector<Clock> m_clocks;                // by the stream's index
     std::vector<std::int64_t> m_offsets = {0};  // all so far, the last of which is that of the film
-    std::optional<std::int64_t> m_farthest;     // where the film has come to
+    std::optional<std::int64_t> m_farthest;     // where what is shown of the film has come to
     std::int64_t m_statedEnd = AV_NOPTS_VALUE;
     long long m_jumps = 0;
     long long m_damaged = 0;
