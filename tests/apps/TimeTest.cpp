@@ -83,9 +83,10 @@ TEST_F(TimeTest, GoesOnWhereTheInputJumpsAndStaysInStep) {
         const json streams = StreamsOf(c.arguments.find("o.mkv") == std::string::npos ? "o.mp4" : "o.mkv");
         ASSERT_EQ(streams.size(), 2U);
         const auto number = [&](int stream, const char* key) { return std::stod(streams[stream].value(key, "-1")); };
-        EXPECT_NEAR(number(0, "nb_read_packets"), c.frames, 1);
+        // Where packets do not say when they are decoded, a copy ends a picture or two late.
+        EXPECT_NEAR(number(0, "nb_read_packets"), c.frames, c.arguments.find("--copy") == std::string::npos ? 1 : 2);
         const double packet = streams[1]["codec_name"] == "mp2" ? 1152 : 1024;
-        EXPECT_NEAR(number(1, "nb_read_packets") * packet / 48000, c.seconds, 0.08);
+        EXPECT_NEAR(number(1, "nb_read_packets") * packet / 48000, c.seconds, 0.1);
         EXPECT_EQ(std::min(number(0, "start_time"), number(1, "start_time")), 0);
         // FFmpeg's encoder of AAC begins a packet early, which Matroska has no mark for.
         if (c.arguments.find("ordinary.mkv o.mp4") != std::string::npos &&
