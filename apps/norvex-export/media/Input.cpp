@@ -267,7 +267,7 @@ bool Input::ReadPlaced(AVPacket& packet) {
         m_ahead.pop_front();
     }
     const AVStream& stream = Stream(packet.stream_index);
-    m_timeLine.Place(packet, stream, [&] { return PeekAhead(stream); });
+    m_timeLine.Place(packet, stream, [&] { return PeekAhead(packet); });
     return true;
 }
 
@@ -287,9 +287,11 @@ bool Input::ReadStamped(AVPacket& packet) {
     return false;
 }
 
-std::vector<TimeLine::Coming> Input::PeekAhead(const AVStream& stream) {
+TimeLine::Ahead Input::PeekAhead(const AVPacket& current) {
+    const AVStream& stream = Stream(current.stream_index);
     constexpr std::size_t most = 500;
-    std::vector<TimeLine::Coming> coming;
+    TimeLine::Ahead ahead;
+    std::vector<TimeLine::Coming>& coming = ahead.coming;
     const auto take = [&](const AVPacket& packet) {
         if (packet.stream_index != stream.index) return;
         const std::int64_t duration = std::max<std::int64_t>(packet.duration, 0);
@@ -305,7 +307,17 @@ std::vector<TimeLine::Coming> Input::PeekAhead(const AVStream& stream) {
         take(*packet);
         m_ahead.push_back(std::move(packet));
     }
-    return coming;
+    const auto shown = ShownAt(current, stream);
+    std::vector<bool> isKnown(m_context->nb_streams);
+    for (const Owned<AVPacket>& packet : m_ahead) {
+        const AVStream& other = Stream(packet->stream_index);
+        const auto begin = ShownAt(*packet, other);
+        if (!shown || !begin || !IsTimed(other) || isKnown[static_cast<std::size_t>(other.index)]) continue;
+        isKnown[static_cast<std::size_t>(other.index)] = true;
+        const std::int64_t lead = *shown - *begin;
+        if (other.index != stream.index && lead < AV_TIME_BASE) ahead.lead = std::max(ahead.lead, lead);
+    }
+    return ahead;
 }
 
 void Input::ReadBeginnings() {

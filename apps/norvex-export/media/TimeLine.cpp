@@ -149,7 +149,8 @@ bool TimeLine::Adjust(Clock& clock, const Placed& packet, const Peek& peek) {
     const std::int64_t duration = packet.duration;
     const auto misses = [&](std::int64_t offset) { return std::abs(stamp + offset - clock.next); };
     const bool fits = Fits(clock, stamp + clock.offset);
-    const std::vector<Coming> coming = peek();
+    const Ahead ahead = peek();
+    const std::vector<Coming>& coming = ahead.coming;
     if (clock.hasBegun) {
         if (ComesBack(clock, stamp, duration, coming)) return Refuse();
         // Where another stream has jumped already, this one jumps with it, as far as the ends of the two and their
@@ -177,7 +178,7 @@ bool TimeLine::Adjust(Clock& clock, const Placed& packet, const Peek& peek) {
     }
     ++m_jumps;
     const bool isDelayed = packet.delay > 0 && packet.delay <= longestGap;
-    clock.offset = *m_farthest - stamp - (isDelayed ? packet.delay : 0);
+    clock.offset = *m_farthest - stamp - (isDelayed ? packet.delay : 0) + ahead.lead;
     if (!clock.hasBegun) clock.firstMoved = clock.offset;
     m_offsets.push_back(clock.offset);
     return true;

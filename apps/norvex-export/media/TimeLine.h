@@ -34,8 +34,11 @@ public:
         std::optional<std::int64_t> stamp;
         std::int64_t duration = 0;
     };
-    /// The next packets of a stream, as many as it takes to tell a jump from damage.
-    using Peek = std::function<std::vector<Coming>()>;
+    struct Ahead {
+        std::vector<Coming> coming;  ///< of the same stream, as many as it takes to tell a jump from damage
+        std::int64_t lead = 0;       ///< how much earlier another stream begins that is still to come
+    };
+    using Peek = std::function<Ahead()>;
     static constexpr std::size_t peeked = 32;
 
     /// When a packet is decoded, or none where it does not say.
