@@ -7,6 +7,7 @@ extern "C" {
 #include <map>
 #include <set>
 
+#include "Judging.h"
 #include "common/OtherNames.h"
 #include "norvex/Norvex.h"
 #include "norvex/document/TreeForm.h"
@@ -25,30 +26,6 @@ using F = IFormatFile;
 using C = IFormatCodec;
 using S = IFormatCodecSubtitle;
 
-Value AllowedJson(const IPropertyConstraint& constraint) {
-    const Allowed allowed = WhatIsAllowed(constraint);
-    Value json = {{"words", allowed.words}};
-    if (!allowed.values.empty()) {
-        for (const Property& value : allowed.values) {
-            json["values"].Append({{"name", value.GetName()}, {"value", PlainFormOf(value)}});
-        }
-    }
-    if (allowed.min) json["min"] = PlainFormOf(*allowed.min);
-    if (allowed.max) json["max"] = PlainFormOf(*allowed.max);
-    if (allowed.step) json["step"] = PlainFormOf(*allowed.step);
-    return json;
-}
-
-Value RuleJson(const IValidationRule& rule) {
-    Value json = {{"path", DocumentPathOf(rule.GetSecondPath())},
-                  {"allowed", AllowedJson(*rule.GetSecondConstraint())},
-                  {"when", Value()}};
-    if (const auto condition = rule.GetFirstConstraint()) {
-        json["when"] = {{"path", DocumentPathOf(rule.GetFirstPath())}, {"allowed", AllowedJson(*condition)}};
-    }
-    return json;
-}
-
 /// What people call the ids of a kind.
 class OtherNames {
 public:
@@ -64,18 +41,11 @@ private:
 };
 
 /// What every helper has.
-Value HelperJson(const std::string& id, const IDataHelper& helper, const OtherNames& names) {
+Value HelperJson(const std::string& kind, const std::string& id, const IDataHelper& helper, const OtherNames& names) {
     Value json = {{"id", id}, {"otherNames", names.Of(id)}, {"defaults", PlainFormOf(helper.GetDefaults())}};
-    ConstraintMap constraints;
-    helper.GetConstraints(constraints);
-    json["constraints"] = Value::List();
-    for (const auto& [path, constraint] : constraints) {
-        json["constraints"].Append({{"path", path}, {"allowed", AllowedJson(*constraint)}});
-    }
-    RuleList rules;
-    helper.GetValidationRules(rules);
-    json["rules"] = Value::List();
-    for (const auto& [key, rule] : rules) json["rules"].Append(RuleJson(*rule));
+    json["parameters"] = ParametersJson(kind, id);
+    json["constraints"] = ConstraintsJson(kind, helper);
+    json["rules"] = RulesJson(kind, helper);
     ObjectList objects;
     helper.GetRequiredObjects(objects);
     json["requires"] = Value::List();
@@ -99,7 +69,7 @@ Value CarriedJson(const IDataHelper& format, const std::string& streamType, cons
 }
 
 Value FormatJson(const std::string& id, const IDataHelper& format, const OtherNames& names) {
-    Value json = HelperJson(id, format, names);
+    Value json = HelperJson(P::KEY_FORMAT, id, format, names);
     json["globalHeader"] = FormatHasGlobalHeader(id);
     json["limits"] = Value(json["defaults"][F::TAG_LIMITS]);
     json["video"] = CarriedJson(format, P::STREAM_TYPE_VIDEO, P::KEY_FILTER_VIDEO_CODEC);
@@ -117,7 +87,7 @@ Value CodecsJson(const std::string& kind, NorvexApps::Named named) {
     const OtherNames names(named);
     Value::List list;
     for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
-        Value json = HelperJson(id, *helper, names);
+        Value json = HelperJson(kind, id, *helper, names);
         json["globalHeader"] = CodecHasGlobalHeader(id);
         json["encoder"] = EncoderJson(id);
         list.push_back(std::move(json));
@@ -161,8 +131,9 @@ Value MakeBook() {
     book["filters"] = Value::List();
     const OtherNames filterNames(NorvexApps::Named::Filter);
     for (const std::string& id : NorvexApps::IdsOf(NorvexApps::Named::Filter)) {
-        book["filters"].Append(HelperJson(id, *CreateDataHelper(id, std::string()), filterNames));
+        book["filters"].Append(HelperJson(id, id, *CreateDataHelper(id, std::string()), filterNames));
     }
+    book["judging"] = JudgingJson();
     return book;
 }
 
