@@ -75,8 +75,7 @@ private:
     std::vector<int> m_selected;
 };
 
-VideoSource DescribeVideo(const Input& input, const AVStream& stream);
-AudioSource DescribeAudio(const AVStream& stream);
-SubtitleSource DescribeSubtitle(const AVStream& stream);
+/// Adds all streams of the input to their lists.
+void DescribeStreams(const Input& input, InputInfo& info);
 
 }  // namespace NorvexExport::Media
