@@ -213,7 +213,7 @@ private:
 
     /// The host corrects by the container first. Where the other order gives something else, the table says so.
     void CompareOrders(const std::string& what, const std::string& format, const StreamPlan& stream) {
-        if (stream.kind == StreamKind::Subtitle) return;
+        if (stream.kind == NorvexExport::StreamKind::Subtitle) return;
         const NamedHelper container = FindHelper(P::KEY_FORMAT, format);
         const NamedHelper codec = FindHelper(stream.asked.GetName(), stream.asked[V::TAG_CODEC_ID].GetString());
         Property formatFirst = stream.asked;
