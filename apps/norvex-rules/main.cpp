@@ -1,11 +1,15 @@
 // norvex-rules: the rule book to look at.
 
+#include <sys/ioctl.h>
+#include <unistd.h>
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/exception/diagnostic_information.hpp>
+
 #include <cstdio>
 
 #include "Book.h"
 #include "Check.h"
+#include "ForPeople.h"
 #include "Page.h"
 #include "Texts.h"
 #include "common/CommandLine.h"
@@ -27,8 +31,15 @@ void Write(const std::string& path, const std::string& text) {
     NorvexApps::WriteText(path, text);
 }
 
-/// One helper by its kind and a name.
-std::string Show(const std::string& kindName, const std::string& name) {
+/// How wide lines may be.
+std::size_t Columns() {
+    winsize size{};
+    constexpr std::size_t usual = 100;
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
+}
+
+/// One helper by its kind and a name: what holds in the end, or every rule as it stands.
+std::string Show(const std::string& kindName, const std::string& name, bool rules) {
     const std::pair<const char*, NorvexApps::Named> kinds[] = {{"format", NorvexApps::Named::Format},
                                                                {"video", NorvexApps::Named::VideoCodec},
                                                                {"audio", NorvexApps::Named::AudioCodec},
@@ -37,7 +48,7 @@ std::string Show(const std::string& kindName, const std::string& name) {
     for (const auto& [kind, named] : kinds) {
         if (kind != boost::algorithm::to_lower_copy(kindName)) continue;
         const std::string id = NorvexApps::FindId(named, name).value_or(name);
-        if (const auto text = ShowText(book, kind, id)) return *text;
+        if (const auto text = rules ? ShowText(book, kind, id) : ShowForPeople(kind, id, Columns())) return *text;
         if (id != name)
             throw std::runtime_error("there are no rules for the " + std::string(kind) + " codec '" + id + "'");
         throw std::runtime_error(NorvexApps::WhyUnknown(named, name));
@@ -80,6 +91,7 @@ int main(int argc, char** argv) {
     std::string id;
     std::string file;
     bool json = false;
+    bool rules = false;
     bool classic = false;
 
     app.add_flag("--classic", classic, "Know the classic codecs and containers alone");
@@ -93,7 +105,8 @@ int main(int argc, char** argv) {
     show->add_option("ID", id, "Its id, as in the list, or another name of it, such as h265 or mkv")
         ->required()
         ->option_text(" ");
-    show->callback([&] { Print(Show(kind, id)); });
+    show->add_flag("--rules", rules, "Print every default, constraint and rule as it stands, with ids and raw numbers");
+    show->callback([&] { Print(Show(kind, id, rules)); });
     app.add_subcommand("matrix", "Containers by codecs")->callback([] { Print(MatrixText(MakeBook())); });
     auto* const check = app.add_subcommand("check", "Judge a preset, and show it mended; status 1 if it breaks a rule");
     check->add_option("FILE", file, "The preset, as norvex-export --save-preset writes it")

@@ -36,6 +36,7 @@ const char* const fullNameMessage = "%1 (%2)";
 const char* const rateMessage = "%1 fps";
 const char* const ratioMessage = "%1 fps (%2)";
 const char* const pixelsMessage = "%1 pixels";
+const char* const frameMessage = "%1 frame";
 const char* const framesMessage = "%1 frames";
 const char* const bitsMessage = "%1 bit";
 const char* const planarMessage = "%1 bit, planar";
@@ -149,7 +150,7 @@ std::string IntegerText(Unit unit, long long value) {
         case Unit::Pixels:
             return Fill(Translate(pixelsMessage), {std::to_string(value)});
         case Unit::Frames:
-            return Fill(Translate(framesMessage), {std::to_string(value)});
+            return Fill(Translate(value == 1 ? frameMessage : framesMessage), {std::to_string(value)});
         case Unit::Bits:
             return Fill(Translate(bitsMessage), {std::to_string(value)});
         case Unit::Bytes:
