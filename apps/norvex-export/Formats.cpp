@@ -25,6 +25,32 @@ const Row* FindRow(const Row (&rows)[N], const Predicate& predicate) {
     return row != std::end(rows) ? row : nullptr;
 }
 
+// clang-format off
+/// What a muxer writes beside the streams; one that is not here writes none of it. Tried with FFmpeg 5.1, by reading
+/// back what was written.
+struct Extras {
+    const char* muxer;
+    const char* covers;  ///< FFmpeg's codecs of cover pictures, between spaces
+    bool attachments;
+    bool chapters;
+    bool orientation;
+};
+constexpr Extras g_extras[] = {
+    // muxer      covers                     attachments chapters orientation
+    {"mp4",      " mjpeg png bmp ",          false,      true,    true},
+    {"ipod",     " mjpeg png bmp ",          false,      true,    true},
+    {"f4v",      " mjpeg png bmp ",          false,      true,    true},
+    {"mov",      "",                         false,      true,    true},
+    {"3gp",      "",                         false,      true,    true},
+    {"3g2",      "",                         false,      true,    true},
+    {"matroska", " mjpeg png gif tiff ",     true,       true,    false},
+    {"webm",     "",                         false,      true,    false},
+    {"asf",      "",                         false,      true,    false},
+    {"mp3",      " mjpeg png bmp gif tiff ", false,      true,    false},
+    {"flac",     " mjpeg png bmp tiff ",     false,      false,   false},
+};
+// clang-format on
+
 struct Codec {
     const std::string* id;
     const char* name;
@@ -127,7 +153,35 @@ struct SizeForm {
 };
 // clang-format on
 
+const Extras& ExtrasOf(const std::string& formatId) {
+    static constexpr Extras none = {"", "", false, false, false};
+    const std::string muxer = MuxerOf(formatId);
+    const Extras* const extras = FindRow(g_extras, [&muxer](const Extras& row) { return muxer == row.muxer; });
+    return extras != nullptr ? *extras : none;
+}
+
 }  // namespace
+
+bool HasMovableIndex(const std::string& formatId) {
+    // The muxers of MP4 and its kin, which are also those that keep which way up a picture is.
+    return HoldsOrientation(formatId);
+}
+
+bool HoldsChapters(const std::string& formatId) {
+    return ExtrasOf(formatId).chapters;
+}
+
+bool HoldsAttachments(const std::string& formatId) {
+    return ExtrasOf(formatId).attachments;
+}
+
+bool HoldsCover(const std::string& formatId, const std::string& codecId) {
+    return std::string(ExtrasOf(formatId).covers).find(" " + codecId + " ") != std::string::npos;
+}
+
+bool HoldsOrientation(const std::string& formatId) {
+    return ExtrasOf(formatId).orientation;
+}
 
 std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::string& formatId) {
     // Without it the packets have no time codes, and players do not know the sound of discs.

