@@ -13,8 +13,11 @@ std::string Translate(const std::string& message) {
     return localization.manager.Translate(message, localization.domain);
 }
 
-std::string Fill(const std::string& message, std::initializer_list<std::string> texts) {
+std::string Fill(std::string_view message, std::initializer_list<std::string_view> texts) {
     std::string filled;
+    std::size_t size = message.size();
+    for (const std::string_view text : texts) size += text.size();
+    filled.reserve(size);
     for (std::size_t i = 0; i < message.size(); ++i) {
         const std::size_t mark =
             message[i] == '%' && i + 1 < message.size() ? static_cast<std::size_t>(message[i + 1] - '1') : texts.size();
