@@ -110,6 +110,7 @@ struct Changes {
 /// Adds what differs in two states of a stream: what is there now first, then what was taken away.
 void AddChanges(const Property& before, const Property& after, const NamedHelper& named, Changes& changes) {
     const auto add = [&](const auto& way, const Property& leaf, const Property* former, const Property* now) {
+        if (changes.report.empty()) changes.report.reserve(4);  // who changes one value often changes a few
         CorrectedValue& told = changes.report.emplace_back();
         told.helperKind = named.kind;
         told.helperId = named.id;
@@ -201,16 +202,16 @@ private:
         std::vector<Property*> places;
         for (const std::string& path : PresetPathsOf(m_stream.GetName(), told.path)) places.push_back(&m_preset[path]);
         for (Property* const place : places) place->CopyDataFrom(*told.before);
-        std::vector<Finding> findings;
+        m_found.clear();
         for (const auto& [constraint, value, way] : said.constraints) {
-            if (findings.empty()) ExplainConstraint(m_named, constraint, value, way, Wanted::Violations, findings);
+            if (m_found.empty()) ExplainConstraint(m_named, constraint, value, way, Wanted::Violations, m_found);
         }
         for (const ReadRule* const rule : said.rules) {
-            if (findings.empty()) ExplainRule(m_preset, m_named, *rule, Wanted::Violations, findings);
+            if (m_found.empty()) ExplainRule(m_preset, m_named, *rule, Wanted::Violations, m_found);
         }
         for (Property* const place : places) place->CopyDataFrom(*told.after);
-        if (findings.empty()) return std::nullopt;
-        return std::move(findings.front());
+        if (m_found.empty()) return std::nullopt;
+        return std::move(m_found.front());
     }
 
     const NamedHelper& m_named;
@@ -219,6 +220,7 @@ private:
     const Property& m_defaults;
     Property m_preset;
     std::unordered_map<std::string_view, Said> m_about;  ///< by the path in the stream
+    std::vector<Finding> m_found;                        ///< kept for its memory
 };
 
 }  // namespace
