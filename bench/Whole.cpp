@@ -41,8 +41,10 @@ Asked Legal(const std::string& codec, double bound, const std::string& kind, con
 }
 
 Asked CheckWhole() {
+    Core::Property sound = LegalSound("aac");
+    sound.SetChildT(A::TAG_LAYOUT, A::TAG_CH_LAYOUT_STEREO);  // the resampler offers no wider one
     std::vector<Core::Property> sections = {FindHelper(P::KEY_FORMAT, "mp4").helper->GetDefaults(), LegalPicture(),
-                                            LegalSound("aac")};
+                                            sound};
     for (const std::string& filter :
          {Proc::IFilterResample::CLASS_ID, Proc::IFilterFrameRate::CLASS_ID, Proc::IFilterResize::CLASS_ID}) {
         sections.insert(sections.begin(), CreateDataHelper(filter, "")->GetDefaults());
