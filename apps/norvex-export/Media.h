@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -153,6 +154,14 @@ struct SubtitleJob {
     std::string codecId;  ///< FFmpeg's name; FFmpeg's own choice of an encoder for it is taken
 };
 
+/// What of the input is exported; in microseconds after its beginning.
+struct Span {
+    static constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
+
+    std::int64_t begin = 0;
+    std::int64_t end = endless;
+};
+
 struct ExportJob {
     std::string inputPath;
     std::string outputPath;
@@ -164,6 +173,7 @@ struct ExportJob {
     std::vector<AudioJob> audio;
     std::vector<SubtitleJob> subtitles;
     std::vector<int> copies;  ///< streams of the input that go over as they are, by index
+    Span span;
 };
 
 struct Progress {
@@ -192,6 +202,8 @@ struct ExportResult {
     std::vector<long long> audioBitrates;  ///< the same of each audio job
     double duration = 0;                   ///< seconds, of the longest stream
     std::uintmax_t bytes = 0;              ///< size of the output
+    long long jumps = 0;                   ///< of the input's time, that were closed
+    long long damagedStamps = 0;           ///< of packets of the input, that were made up for
     double elapsed = 0;                    ///< seconds that it took
     /// What the output lacks of the job, as nothing could be made of it.
     std::vector<StreamFailure> leftOut;

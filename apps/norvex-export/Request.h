@@ -51,6 +51,8 @@ struct Request {
     std::vector<Choice> choices;        ///< of two for one path the last counts
     std::vector<StreamChoice> streams;  ///< what is wanted of the input; all where it is empty
     std::vector<std::string> notes;     ///< how the choices were understood, a sentence each
+    std::optional<long long> start;     ///< what is wanted of the input begins there, in microseconds
+    std::optional<long long> duration;  ///< and lasts that long
     bool noVideo = false;
     bool noAudio = false;
     bool noSubtitles = false;

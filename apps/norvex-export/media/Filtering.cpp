@@ -184,8 +184,14 @@ std::vector<FilterStep> AudioSteps(const AVBufferSrcParameters& source, const AV
     const std::string rate = std::to_string(encoder.sample_rate);
     // The resampler counts the samples of its source.
     const std::int64_t begin = av_rescale(firstSample, source.sample_rate, encoder.sample_rate);
-    // "async" fills gaps and trims overlaps by the timestamps and does not stretch.
-    return {{"aresample", {{"sample_rate", rate}, {"async", "1"}, {"first_pts", std::to_string(begin)}}},
+    // "async" fills gaps and trims overlaps by the timestamps and does not stretch. The matrix of a down-mix adds up to
+    // 1 at most, as it does for whole numbers by itself.
+    return {{"aresample",
+             {{"sample_rate", rate},
+              {"async", "1"},
+              {"min_hard_comp", "0.004"},
+              {"first_pts", std::to_string(begin)},
+              {"rematrix_maxval", "1"}}},
             {"aformat",
              {{"sample_fmts", av_get_sample_fmt_name(encoder.sample_fmt)},
               {"sample_rates", rate},

@@ -1,8 +1,10 @@
 #include "Muxing.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <new>
+#include <string_view>
 
 extern "C" {
 #include <libavutil/dict.h>
@@ -126,12 +128,23 @@ void Muxer::Begin() {
     CheckWriting(result);
 }
 
-void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase) {
+bool Muxer::PlacesStreams(const std::string& container) {
+    // FFmpeg's flag of a variable rate does not tell: versions differ about MP4.
+    constexpr std::array<std::string_view, 9> without = {"avi",        "dv",  "gxf", "mxf", "mxf_d10",
+                                                         "mxf_opatom", "ogg", "ogv", "swf"};
+    return std::find(without.begin(), without.end(), container) == without.end();
+}
+
+void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase, std::int64_t begin) {
     if (m_isOnePicture && m_packets > 0) FailAsOnePicture();
     ++m_packets;
     packet.stream_index = stream;
     packet.pos = -1;
-    av_packet_rescale_ts(&packet, timeBase, m_context->streams[stream]->time_base);
+    const AVRational clock = m_context->streams[stream]->time_base;
+    av_packet_rescale_ts(&packet, timeBase, clock);
+    const std::int64_t later = av_rescale_q(begin, av_get_time_base_q(), clock);
+    if (packet.pts != AV_NOPTS_VALUE) packet.pts += later;
+    if (packet.dts != AV_NOPTS_VALUE) packet.dts += later;
     CheckWriting(av_interleaved_write_frame(m_context.get(), &packet));
 }
 
