@@ -1,0 +1,86 @@
+"""What the rule book tells, as plain records."""
+
+from __future__ import annotations
+
+from dataclasses import dataclass
+from typing import TYPE_CHECKING, Any, Dict, List, Literal, Optional
+
+if TYPE_CHECKING:
+    from norvex._norvex import Constraint
+
+#: A settings tree. Values are bool, int, float, str, bytes, fractions.Fraction, None and dicts of these.
+Tree = Dict[str, Any]
+
+
+@dataclass(frozen=True)
+class Rule:
+    """If the value at the first path keeps the condition, the one at `path` must keep the constraint."""
+
+    path: str  #: from the preset's root
+    constraint: Optional[Constraint]
+    condition_path: str = ""  #: empty in a rule without a condition
+    condition: Optional[Constraint] = None
+
+
+@dataclass(frozen=True)
+class Finding:
+    """What came of looking at one rule, at one constraint and one value, or at what a helper has room for."""
+
+    helper_kind: str
+    helper_id: str
+    source: Literal["constraint", "rule", "helper"]
+    verdict: Literal["kept", "does_not_apply", "violated", "failed"]
+    problem: Literal["none", "not_allowed", "missing", "wrong_type", "no_place", "too_many", "failed"]
+    path: str  #: of the value, where rules read it
+    value: Any  #: None where it is missing
+    constraint: Optional[Constraint]  #: on that value
+    condition_path: str  #: of a rule; empty for one without a condition
+    condition: Any  #: the value there
+    document_path: str  #: of what is violated, in the preset as it was given
+    message: str  #: one sentence, in the language of the locale; empty for what is kept
+    failure: Optional[Exception] = None  #: what a helper raised when it was asked
+
+
+@dataclass(frozen=True)
+class Change:
+    """One value that a correction changed."""
+
+    helper_kind: str
+    helper_id: str
+    path: str  #: in the stream
+    before: Any  #: None where there was none
+    after: Any  #: None where it was taken away
+    reason: Literal["broken", "default", "helper"]
+    broken: Optional[Finding]  #: what the former value broke
+
+
+@dataclass(frozen=True)
+class Correction:
+    """A corrected stream, and what was corrected."""
+
+    stream: Tree
+    changes: List[Change]  #: in the order in which the helpers ran
+    left: List[Finding]  #: what the stream still breaks: validation asks for more than correction mends
+    failure: Optional[Exception]  #: what a helper raised when it was asked what the report needs
+
+
+@dataclass(frozen=True)
+class MendedValue:
+    """What became of one value, section or stream of a preset that was mended."""
+
+    path: str
+    outcome: Literal["kept", "corrected", "defaulted", "dropped"]
+    before: Any
+    after: Any
+    message: str
+
+
+@dataclass(frozen=True)
+class Mended:
+    """A preset made legal, and what became of its values."""
+
+    preset: Tree
+    broken: List[Finding]  #: by the former preset
+    values: List[MendedValue]
+    left: List[Finding]  #: what the mended preset still breaks
+    open: List[Finding]  #: rules about values that the mended preset leaves to the source
