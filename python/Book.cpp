@@ -5,6 +5,7 @@
 #include <mutex>
 #include <set>
 
+#include "Classes.h"
 #include "Gil.h"
 #include "PythonHelper.h"
 #include "norvex/Norvex.h"
@@ -25,7 +26,8 @@ public:
                                           bool /*onlySoftware*/) const override {
         return m_listEncoders.With([&codecId](const py::object& listEncoders) {
             std::vector<std::string> names;
-            for (const py::handle name : py::iter(listEncoders(codecId))) names.push_back(name.cast<std::string>());
+            for (const py::handle name : Listed(Call(listEncoders, TextFrom(codecId))))
+                names.push_back(name.cast<std::string>());
             return names;
         });
     }
@@ -96,6 +98,8 @@ void RequireBook() {
     if (GetBook().stands.load(std::memory_order_acquire)) return;
     // The library itself refuses what is not there yet.
     if (t_stage == Stage::Tables) return;
+    // A thread that sleeps at the end of the interpreter may hold the lock.
+    if (IsEnding()) Refuse("It is too late for the rule book: the interpreter ends.");
     if (t_stage == Stage::Census) Refuse("The rule book is asked for while its census is taken.");
     Locked([](Book& book) {
         if (book.stands) return;

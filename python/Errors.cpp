@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Classes.h"
+#include "Gil.h"
 #include "norvex/document/DocumentException.h"
 #include "norvex/interfaces/Conf/Exceptions.h"
 #include "norvex/interfaces/Proc/Settings.h"
@@ -57,9 +58,7 @@ void Give(const py::object& error, const char* name, const Exception& failure) {
 }
 
 const char* NameOf(const Exception& failure) {
-    const auto is = [&failure](const auto* type) {
-        return dynamic_cast<decltype(type)>(&failure) != nullptr;
-    };
+    const auto is = [&failure](const auto* type) { return dynamic_cast<decltype(type)>(&failure) != nullptr; };
     // The derived ones first.
     if (is(static_cast<const Conf::RegistrationException*>(nullptr))) return "RegistrationError";
     if (is(static_cast<const HelperException*>(nullptr))) return "HelperError";
@@ -73,7 +72,7 @@ const char* NameOf(const Exception& failure) {
 }
 
 py::object ErrorOf(const Exception& failure) {
-    const py::object error = ErrorClass(NameOf(failure))();
+    const py::object error = Call(ErrorClass(NameOf(failure)));
     Give<TagDescription>(error, "description", failure);
     Give<TagDetails>(error, "details", failure);
     Give<TagCallStack>(error, "call_stack", failure);
@@ -94,7 +93,7 @@ py::object ErrorOf(const std::exception& failure) {
     // The library puts the call stack behind the message of a standard exception.
     const std::string what = failure.what();
     const std::size_t end = what.find('\n');
-    const py::object error = ErrorClass("Error")();
+    const py::object error = Call(ErrorClass("Error"));
     error.attr("description") = TextFrom(what.substr(0, end));
     if (end != std::string::npos) error.attr("call_stack") = TextFrom(what.substr(end + 1));
     error.attr("diagnostics") = TextFrom(boost::diagnostic_information(failure));
@@ -110,6 +109,8 @@ py::object ErrorFrom(const std::exception_ptr& failure) {
         py::object error = raised.value();
         if (raised.trace()) PyException_SetTraceback(error.ptr(), raised.trace().ptr());
         return error;
+    } catch (const py::cast_error&) {
+        return Call(PyExc_TypeError, "a value is not of the type that is wanted");
     } catch (const py::builtin_exception& raised) {  // what pybind11 raises itself
         try {
             raised.set_error();
@@ -124,7 +125,7 @@ py::object ErrorFrom(const std::exception_ptr& failure) {
     } catch (const std::exception& raised) {
         return ErrorOf(raised);
     } catch (...) {
-        return ErrorClass("Error")();
+        return Call(ErrorClass("Error"));
     }
 }
 

@@ -69,39 +69,63 @@ const std::string& StreamName(const std::string& kind, py::handle stream) {
 }
 
 void BindHelpers(py::module_& module) {
-    py::class_<Helper>(module, "Helper", py::is_final())
+    py::class_<Helper>(module, "Helper", py::is_final(),
+                       "The rule book of one container, codec or filter. It never changes; what it gives is new.")
         .def_property_readonly("kind", [](const Helper& it) { return TextFrom(it.named.kind); })
         .def_property_readonly("id", [](const Helper& it) { return TextFrom(it.named.id); })
-        .def("defaults", [](const Helper& it) { return ObjectFrom(it.named.helper->GetDefaults()); })
-        .def("allowed",
-             [](const Helper& it) {
-                 ConstraintMap constraints;
-                 it.named.helper->GetConstraints(constraints);
-                 return AllowedFrom(constraints);
-             })
-        .def("rules",
-             [](const Helper& it) {
-                 RuleList rules;
-                 it.named.helper->GetValidationRules(rules);
-                 return RulesFrom(rules);
-             })
-        .def("requires",
-             [](const Helper& it) {
-                 ObjectList objects;
-                 it.named.helper->GetRequiredObjects(objects);
-                 return RequiredFrom(objects);
-             })
-        .def("apply", &Apply, py::arg("preset"), py::arg("stream"))
-        .def("correct", &Correct, py::arg("stream"))
+        .def(
+            "defaults", [](const Helper& it) { return ObjectFrom(it.named.helper->GetDefaults()); },
+            "The default settings: the section of a preset.")
+        .def(
+            "allowed",
+            [](const Helper& it) {
+                ConstraintMap constraints;
+                it.named.helper->GetConstraints(constraints);
+                return AllowedFrom(constraints);
+            },
+            "Constraints by the path of the parameter in the section; one that begins with a filter's class id is "
+            "relative to the preset.")
+        .def(
+            "rules",
+            [](const Helper& it) {
+                RuleList rules;
+                it.named.helper->GetValidationRules(rules);
+                return RulesFrom(rules);
+            },
+            "The rules between parameters, the encoder's first.")
+        .def(
+            "requires",
+            [](const Helper& it) {
+                ObjectList objects;
+                it.named.helper->GetRequiredObjects(objects);
+                return RequiredFrom(objects);
+            },
+            "The filters that a preset must hold, as pairs of class id and implementation.")
+        .def("apply", &Apply, py::arg("preset"), py::arg("stream"),
+             "The stream with what the section `preset` says. Raises HelperError for another codec's section, and "
+             "PropertyError for what is missing.")
+        .def("correct", &Correct, py::arg("stream"),
+             "The stream with legal settings. A stream is flat: codec_id, bitrate (bits per second), sample_rate (Hz), "
+             "width and height (pixels), frame_rate and their like. Raises PropertyError for what is missing.")
         .def("__repr__", [](const Helper& it) { return TextFrom(Describe(it)); });
 
-    module.def("formats", [] { return IdsOf(IPreset::KEY_FORMAT); });
-    module.def("video_codecs", [] { return IdsOf(IPreset::KEY_FILTER_VIDEO_CODEC); });
-    module.def("audio_codecs", [] { return IdsOf(IPreset::KEY_FILTER_AUDIO_CODEC); });
-    module.def("filters", &FilterIds);
-    module.def("helper", &Find, py::arg("kind"), py::arg("id") = "", py::kw_only(), py::arg("automatic") = false);
-    module.def("register", &RegisterHelper, py::arg("kind"), py::arg("id"), py::arg("make"));
-    module.def("use_census", &SetCensus, py::arg("list_encoders"));
+    module.def(
+        "formats", [] { return IdsOf(IPreset::KEY_FORMAT); }, "The ids of all containers.");
+    module.def(
+        "video_codecs", [] { return IdsOf(IPreset::KEY_FILTER_VIDEO_CODEC); }, "The ids of all video codecs.");
+    module.def(
+        "audio_codecs", [] { return IdsOf(IPreset::KEY_FILTER_AUDIO_CODEC); }, "The ids of all audio codecs.");
+    module.def("filters", &FilterIds, "The kinds of all filters.");
+    module.def("helper", &Find, py::arg("kind"), py::arg("id") = "", py::kw_only(), py::arg("automatic") = false,
+               "The helper of a kind (format, video_codec, audio_codec, or a filter's, which has no id). With "
+               "`automatic`, values that leave a choice to the system count as legal. Raises HelperError.");
+    module.def("register", &RegisterHelper, py::arg("kind"), py::arg("id"), py::arg("make"),
+               "Adds a helper that is written in Python, or puts it in the place of the library's. `make` is called "
+               "with its base, and returns an object with some of the methods of Helper; the base stands for those "
+               "that it lacks. Raises RegistrationError, as when a table of helpers stands.");
+    module.def("use_census", &SetCensus, py::arg("list_encoders"),
+               "Takes the census from a callable that gives the names of a codec's encoders, none where there is none. "
+               "Raises RegistrationError when it has been taken.");
 }
 
 }  // namespace NorvexPython

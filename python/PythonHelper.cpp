@@ -78,14 +78,14 @@ public:
 
     Property GetDefaults() const override {
         Property defaults;
-        if (!Ask("defaults", [&](const py::object& method) { defaults = SectionFrom(method(), m_kind); })) {
+        if (!Ask("defaults", [&](const py::object& method) { defaults = SectionFrom(Call(method), m_kind); })) {
             return Base::GetDefaults();
         }
         return defaults;
     }
     void GetRequiredObjects(ObjectList& objects) const override {
         const auto add = [&](const py::object& method) {
-            for (const py::handle pair : py::iter(method())) {
+            for (const py::handle pair : Listed(Call(method))) {
                 objects.push_back(pair.cast<std::pair<std::string, std::string>>());
             }
         };
@@ -93,35 +93,35 @@ public:
     }
     void GetValidationRules(RuleList& rules) const override {
         const auto add = [&](const py::object& method) {
-            for (const py::handle rule : py::iter(method())) {
+            for (const py::handle rule : Listed(Call(method))) {
                 rules.emplace_back(Property::SEPARATOR,
-                                   PairValidationRule::Create(
-                                       rule.attr("condition_path").template cast<std::string>(),
-                                       ConstraintOf(rule.attr("condition")),
-                                       rule.attr("path").template cast<std::string>(),
-                                       ConstraintOf(rule.attr("constraint"))));
+                                   PairValidationRule::Create(Attribute(rule, "condition_path").cast<std::string>(),
+                                                              ConstraintOf(Attribute(rule, "condition")),
+                                                              Attribute(rule, "path").cast<std::string>(),
+                                                              ConstraintOf(Attribute(rule, "constraint"))));
             }
         };
         if (!Ask("rules", add)) Base::GetValidationRules(rules);
     }
     void GetConstraints(ConstraintMap& constraints) const override {
         const auto add = [&](const py::object& method) {
-            for (const auto& [path, constraint] : py::dict(method())) {
-                constraints[path.template cast<std::string>()] =
-                    ConstraintOf(py::reinterpret_borrow<py::object>(constraint));
+            const py::object allowed = Call(method);
+            if (!py::isinstance<py::dict>(allowed)) throw py::type_error("allowed() gives no dict of constraints");
+            for (const py::handle path : Listed(allowed)) {
+                constraints[path.cast<std::string>()] = ConstraintOf(py::object(allowed[path]));
             }
         };
         if (!Ask("allowed", add)) Base::GetConstraints(constraints);
     }
     void ApplyPresetSettings(const Property& preset, Property& stream) const override {
         const auto apply = [&](const py::object& method) {
-            stream = SectionFrom(method(ObjectFrom(preset), ObjectFrom(stream)), stream.GetName());
+            stream = SectionFrom(Call(method, ObjectFrom(preset), ObjectFrom(stream)), stream.GetName());
         };
         if (!Ask("apply", apply)) Base::ApplyPresetSettings(preset, stream);
     }
     void CorrectFormatCodec(Property& tree) const override {
         const auto correct = [&](const py::object& method) {
-            tree = SectionFrom(method(ObjectFrom(tree)), tree.GetName());
+            tree = SectionFrom(Call(method, ObjectFrom(tree)), tree.GetName());
         };
         if (!Ask("correct", correct)) Base::CorrectFormatCodec(tree);
     }
@@ -131,8 +131,12 @@ private:
     template <class Use>
     bool Ask(const char* method, const Use& use) const {
         return m_object.With([&](const py::object& object) {
-            if (!py::hasattr(object, method)) return false;
-            use(object.attr(method));
+            PyObject* const found = Surviving([&] { return PyObject_GetAttrString(object.ptr(), method); });
+            if (found == nullptr && PyErr_ExceptionMatches(PyExc_AttributeError) != 0) {
+                PyErr_Clear();
+                return false;
+            }
+            use(Owned(found));
             return true;
         });
     }
@@ -150,7 +154,7 @@ public:
 template <class Base>
 SP<const IDataHelper> Make(const std::string& kind, const std::string& id, const py::object& make) {
     const SP<const IDataHelper> base(new Bare<Base>(kind, id));
-    py::object object = make(Helper{{kind, id, base}});
+    py::object object = Call(make, Helper{{kind, id, base}});
     if (object.is_none()) return nullptr;
     if (py::isinstance<Helper>(object)) return object.cast<const Helper&>().named.helper;
     return SP<const IDataHelper>(new Written<Base>(kind, id, std::move(object)));

@@ -2,7 +2,9 @@
 
 #include <pybind11/pybind11.h>
 
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "norvex/Conf/Review/CorrectionReport.h"
@@ -17,9 +19,18 @@ namespace NorvexPython {
 namespace py = pybind11;
 
 /// norvex.Constraint: which values one parameter may take. Immutable.
-struct Constraint {
-    Norvex::SP<const Norvex::Conf::IPropertyConstraint> shared;
-    Norvex::Conf::Allowed allowed;
+class Constraint {
+public:
+    explicit Constraint(Norvex::SP<const Norvex::Conf::IPropertyConstraint> constraint)
+        : m_constraint(std::move(constraint)) {}
+
+    const Norvex::SP<const Norvex::Conf::IPropertyConstraint>& Get() const { return m_constraint; }
+    /// What it allows, asked for once: few look at it.
+    const Norvex::Conf::Allowed& GetAllowed() const;
+
+private:
+    Norvex::SP<const Norvex::Conf::IPropertyConstraint> m_constraint;
+    mutable std::optional<Norvex::Conf::Allowed> m_allowed;
 };
 
 /// None for null.

@@ -147,8 +147,8 @@ py::object Correct(const py::object& stream, const std::optional<std::string>& f
     RaiseUnlessException(report.failure);
     py::list changes;
     for (const CorrectedValue& change : report.changes) changes.append(ChangeFrom(change));
-    return RecordClass("Correction")(ObjectFrom(tree), changes, FindingsFrom(report.left),
-                                     ErrorOrNone(report.failure));
+    return Call(RecordClass("Correction"), ObjectFrom(tree), changes, FindingsFrom(report.left),
+                ErrorOrNone(report.failure));
 }
 
 py::object ReadPreset(const std::string& text) {
@@ -159,16 +159,23 @@ py::object ReadPreset(const std::string& text) {
 }  // namespace
 
 void BindReview(py::module_& module) {
-    module.def("check", &Check, py::arg("preset"));
-    module.def("explain", &Explain, py::arg("preset"));
-    module.def("mend", &Mend, py::arg("preset"));
+    module.def("check", &Check, py::arg("preset"),
+               "What a preset breaks, each fault once. Raises for what is no tree alone: what a helper raises is in "
+               "the `failure` of a finding.");
+    module.def("explain", &Explain, py::arg("preset"),
+               "Every rule and constraint that was looked at, and what came of it. Raises as check does.");
+    module.def("mend", &Mend, py::arg("preset"),
+               "A preset made legal, and what became of its values. What a helper raises passes.");
     module.def("correct", &Correct, py::arg("stream"), py::kw_only(), py::arg("format") = py::none(),
-               py::arg("codec") = py::none());
-    module.def("read_preset", &ReadPreset, py::arg("text"));
+               py::arg("codec") = py::none(),
+               "Lets the container and the codec (the stream's own where none is named) correct a stream, and tells "
+               "what they changed. What their corrections raise passes.");
+    module.def("read_preset", &ReadPreset, py::arg("text"),
+               "The preset of a JSON document, held against the rule book. Raises DocumentError.");
     module.def(
         "write_preset",
         [](const py::object& preset) { return TextFrom(Document::WritePreset(SectionFrom(preset, g_root))); },
-        py::arg("preset"));
+        py::arg("preset"), "The JSON document of a preset.");
 }
 
 }  // namespace NorvexPython

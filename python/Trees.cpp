@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Classes.h"
+#include "Gil.h"
 #include "norvex/document/DocumentException.h"
 #include "norvex/document/TreeForm.h"
 #include "norvex/foundation/Excerpt.h"
@@ -20,11 +21,6 @@ constexpr char g_mark = '$';
 const char* const g_children = "$children";
 
 // ---------------------------------------------------------------------------------------------------- to objects
-
-py::object Owned(PyObject* object) {
-    if (object == nullptr) throw py::error_already_set();
-    return py::reinterpret_steal<py::object>(object);
-}
 
 py::object Text(const std::string& text) {
     const auto size = static_cast<Py_ssize_t>(text.size());
@@ -73,7 +69,7 @@ py::object ObjectFrom(const Property& tree, int levels) {
             return Text(tree.GetString());
         case PT_RATIO: {
             const Core::Ratio ratio = tree.GetRatio();
-            return FractionClass()(ratio.numerator(), ratio.denominator());
+            return Call(FractionClass(), ratio.numerator(), ratio.denominator());
         }
         case PT_NODE:
             return Section(tree, levels);
@@ -102,7 +98,7 @@ std::string PathOf(const Step* step) {
 [[noreturn]] void Raise(const char* name, const Step& step, const std::string& what) {
     const std::string path = PathOf(&step);
     const std::string message = (path.empty() ? "The tree" : '\'' + Core::Excerpt(path) + '\'') + ' ' + what;
-    const py::object error = ErrorClass(name)(message);
+    const py::object error = Call(ErrorClass(name), message);
     error.attr("path") = TextFrom(path);
     PyErr_SetObject(py::type::handle_of(error).ptr(), error.ptr());
     throw py::error_already_set();
@@ -149,10 +145,11 @@ std::optional<Property> LeafFrom(py::handle object, const std::string& name, con
         return node;
     }
     if (py::isinstance(object, FractionClass())) {
-        const long long numerator = IntegerFrom(object.attr("numerator"), step);
-        return Property(name, Core::Ratio(numerator, IntegerFrom(object.attr("denominator"), step)));
+        const long long numerator = IntegerFrom(Attribute(object, "numerator"), step);
+        return Property(name, Core::Ratio(numerator, IntegerFrom(Attribute(object, "denominator"), step)));
     }
-    if (PyIndex_Check(it)) return Property(name, IntegerFrom(Owned(PyNumber_Index(it)), step));
+    if (PyIndex_Check(it))
+        return Property(name, IntegerFrom(Owned(Surviving([it] { return PyNumber_Index(it); })), step));
     Raise("TreeTypeError", step, "is of type " + ClassName(object) + ", which no tree holds");
 }
 

@@ -17,7 +17,7 @@ class Error(Exception):
         if self.args:
             return super().__str__()
         if self.description and self.details and self.details not in self.description:
-            return f"{self.description}: {self.details}"
+            return f"{self.description.rstrip('.')}: {self.details}"
         return self.description or self._sentence()
 
     def _sentence(self) -> str:

@@ -12,7 +12,7 @@ if TYPE_CHECKING:
 Tree = Dict[str, Any]
 
 
-@dataclass(frozen=True)
+@dataclass
 class Rule:
     """If the value at the first path keeps the condition, the one at `path` must keep the constraint."""
 
@@ -22,7 +22,7 @@ class Rule:
     condition: Optional[Constraint] = None
 
 
-@dataclass(frozen=True)
+@dataclass
 class Finding:
     """What came of looking at one rule, at one constraint and one value, or at what a helper has room for."""
 
@@ -41,7 +41,7 @@ class Finding:
     failure: Optional[Exception] = None  #: what a helper raised when it was asked
 
 
-@dataclass(frozen=True)
+@dataclass
 class Change:
     """One value that a correction changed."""
 
@@ -54,7 +54,7 @@ class Change:
     broken: Optional[Finding]  #: what the former value broke
 
 
-@dataclass(frozen=True)
+@dataclass
 class Correction:
     """A corrected stream, and what was corrected."""
 
@@ -64,7 +64,7 @@ class Correction:
     failure: Optional[Exception]  #: what a helper raised when it was asked what the report needs
 
 
-@dataclass(frozen=True)
+@dataclass
 class MendedValue:
     """What became of one value, section or stream of a preset that was mended."""
 
@@ -75,7 +75,7 @@ class MendedValue:
     message: str
 
 
-@dataclass(frozen=True)
+@dataclass
 class Mended:
     """A preset made legal, and what became of its values."""
 
