@@ -41,10 +41,10 @@ if(NORVEX_BUILD_PYTHON)
     set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
     set(CPACK_DEBIAN_PYTHON_DESCRIPTION "${PROJECT_DESCRIPTION}: Python package")
     # The module is of one Python, as Debian has one at a time.
-    math(EXPR next "${Python3_VERSION_MINOR} + 1")
-    set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
-        "${library} (= ${PROJECT_VERSION}), ${document} (= ${PROJECT_VERSION}), \
-python3 (>= ${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR}), python3 (<< ${Python3_VERSION_MAJOR}.${next})")
+    string(REPLACE "3." "" minor ${NORVEX_PYTHON_VERSION})
+    math(EXPR next "${minor} + 1")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION}), ${document} (= ${PROJECT_VERSION}), \
+python3 (>= 3.${minor}), python3 (<< 3.${next})")
 endif()
 
 # Each package carries the word on its licence, where Debian's packages have it; the pages go with what is built with.
