@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cxxabi.h>
 #include <pybind11/pybind11.h>
 #include <unistd.h>
 
@@ -28,12 +27,13 @@ inline bool IsAlive() noexcept {
     return Py_IsInitialized() != 0 && !IsEnding();
 }
 
-/// Runs what may wait for the interpreter. There must be nothing within that is to be destroyed.
+/// Runs a function of Python's own interface that may wait for the interpreter. It throws nothing, and there must be
+/// nothing within that is to be destroyed.
 template <class Operation>
 auto Surviving(const Operation& operation) {
     try {
         return operation();
-    } catch (abi::__forced_unwind&) {
+    } catch (...) {  // the unwinding of the thread
         for (;;) pause();
     }
 }
@@ -57,8 +57,6 @@ void WithoutGil(const Operation& operation) {
     PyThreadState* const thread = PyEval_SaveThread();
     try {
         operation();
-    } catch (abi::__forced_unwind&) {
-        throw;
     } catch (...) {
         failure = std::current_exception();
     }

@@ -12,8 +12,8 @@ cp "$source/README.md" "$source/docs/python.md" "$clean"
 cd "$clean"
 "$python" -m mypy --strict -p norvex
 "$python" -m mypy --strict tests
-"$python" -m mypy.stubtest norvex --allowlist tests/mypy-stubtest.txt
 [ $# -lt 4 ] || export LD_PRELOAD="$4" ASAN_OPTIONS=detect_leaks=0 PYTHONMALLOC=malloc
+"$python" -m mypy.stubtest norvex --allowlist tests/mypy-stubtest.txt
 "$python" -m pytest -q -p no:cacheprovider tests
 # Each page in a process of its own: what it registers is in time.
 for page in README.md python.md; do "$python" -m pytest -q -p no:cacheprovider --doctest-glob='*.md' "$page"; done
