@@ -42,6 +42,7 @@ struct Counted {
 
 // One source a theme.
 std::vector<Row> CorrectionRows();
+std::vector<Row> FittingRows();
 std::vector<Row> BuildingRows();
 std::vector<Row> LoadingRows();
 std::vector<Row> ThreadRows();

@@ -168,7 +168,7 @@ int Run(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
 
     std::vector<Row> rows;
-    for (const auto& theme : {CorrectionRows, BuildingRows, LoadingRows, ThreadRows, PythonRows}) {
+    for (const auto& theme : {CorrectionRows, FittingRows, BuildingRows, LoadingRows, ThreadRows, PythonRows}) {
         const std::vector<Row> more = theme();
         rows.insert(rows.end(), more.begin(), more.end());
     }

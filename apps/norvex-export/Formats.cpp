@@ -25,49 +25,38 @@ const Row* FindRow(const Row (&rows)[N], const Predicate& predicate) {
     return row != std::end(rows) ? row : nullptr;
 }
 
-struct Muxer {
-    const std::string* id;
-    const char* name;
-};
-
 // clang-format off
-/// Only containers whose id is not the name of the muxer that writes them. The muxers that FFmpeg calls m4v,
-/// mpeg1video and mpeg2video write a bare stream of pictures; what players know by these names is MP4 for Apple's
-/// players, like the audio kinds, and MPEG program streams.
-constexpr Muxer g_muxers[] = {
-    {&F::FORMAT_M4V,        "ipod"},
-    {&F::FORMAT_M4A,        "ipod"},
-    {&F::FORMAT_M4B,        "ipod"},
-    {&F::FORMAT_M4R,        "ipod"},
-    {&F::FORMAT_F4A,        "f4v"},
-    {&F::FORMAT_MKA,        "matroska"},
-    {&F::FORMAT_MPEG1VIDEO, "mpeg"},
-    {&F::FORMAT_MPEG2VIDEO, "vob"},
-    {&F::FORMAT_MPEG2TS,    "mpegts"},
-    {&F::FORMAT_WMV,        "asf"},
-    {&F::FORMAT_WMA,        "asf"},
-    {&F::FORMAT_SSA,        "ass"},
-    {&MF::FORMAT_WEBP_ANIM, "webp"},
+/// What a muxer writes beside the streams; one that is not here writes none of it. Tried with FFmpeg 5.1, by reading
+/// back what was written.
+struct Extras {
+    const char* muxer;
+    const char* covers;  ///< FFmpeg's codecs of cover pictures, between spaces
+    bool attachments;
+    bool chapters;
+    bool orientation;
 };
-
-/// Still pictures. All but AVIF and WebP are written by the muxer of picture files, whatever their codec.
-constexpr Muxer g_stills[] = {
-    {&F::FORMAT_JPEG,     "image2"}, {&F::FORMAT_BMP,    "image2"}, {&F::FORMAT_PNG,  "image2"},
-    {&F::FORMAT_TIFF,     "image2"}, {&F::FORMAT_DPX,    "image2"}, {&F::FORMAT_PBM,  "image2"},
-    {&F::FORMAT_JPEG2000, "image2"}, {&F::FORMAT_JPEGLS, "image2"}, {&F::FORMAT_PCX,  "image2"},
-    {&F::FORMAT_PGM,      "image2"}, {&F::FORMAT_PPM,    "image2"}, {&F::FORMAT_XBM,  "image2"},
-    {&F::FORMAT_TARGA,    "image2"}, {&F::FORMAT_PAM,    "image2"}, {&F::FORMAT_SGI,  "image2"},
-    {&F::FORMAT_PGMYUV,   "image2"}, {&F::FORMAT_XWD,    "image2"}, {&F::FORMAT_AVIF, "avif"},
-    {&F::FORMAT_HEIC,     "heic"},   {&F::FORMAT_HEIF,   "heif"},  // FFmpeg writes neither yet
-    {&MF::FORMAT_JPEGXL,  "image2"}, {&MF::FORMAT_EXR,   "image2"}, {&MF::FORMAT_QOI,  "image2"},
-    {&MF::FORMAT_WEBP,    "webp"},
+constexpr Extras g_extras[] = {
+    // muxer      covers                     attachments chapters orientation
+    {"mp4",      " mjpeg png bmp ",          false,      true,    true},
+    {"ipod",     " mjpeg png bmp ",          false,      true,    true},
+    {"f4v",      " mjpeg png bmp ",          false,      true,    true},
+    {"mov",      "",                         false,      true,    true},
+    {"3gp",      "",                         false,      true,    true},
+    {"3g2",      "",                         false,      true,    true},
+    {"matroska", " mjpeg png gif tiff ",     true,       true,    false},
+    {"webm",     "",                         false,      true,    false},
+    {"asf",      "",                         false,      true,    false},
+    {"mp3",      " mjpeg png bmp gif tiff ", false,      true,    false},
+    {"flac",     " mjpeg png bmp tiff ",     false,      false,   false},
 };
+// clang-format on
 
 struct Codec {
     const std::string* id;
     const char* name;
 };
 
+// clang-format off
 /// Subtitle codecs under an older name of theirs.
 constexpr Codec g_codecs[] = {
     {&S::CODEC_ID_SRT, "subrip"},
@@ -164,23 +153,40 @@ struct SizeForm {
 };
 // clang-format on
 
+const Extras& ExtrasOf(const std::string& formatId) {
+    static constexpr Extras none = {"", "", false, false, false};
+    const std::string muxer = MuxerOf(formatId);
+    const Extras* const extras = FindRow(g_extras, [&muxer](const Extras& row) { return muxer == row.muxer; });
+    return extras != nullptr ? *extras : none;
+}
+
 }  // namespace
 
-std::string MuxerOf(const std::string& formatId) {
-    const auto isFormat = [&formatId](const Muxer& row) { return *row.id == formatId; };
-    if (const Muxer* const muxer = FindRow(g_muxers, isFormat)) return muxer->name;
-    if (const Muxer* const muxer = FindRow(g_stills, isFormat)) return muxer->name;
-    return formatId;
+bool HasMovableIndex(const std::string& formatId) {
+    // The muxers of MP4 and its kin, which are also those that keep which way up a picture is.
+    return HoldsOrientation(formatId);
+}
+
+bool HoldsChapters(const std::string& formatId) {
+    return ExtrasOf(formatId).chapters;
+}
+
+bool HoldsAttachments(const std::string& formatId) {
+    return ExtrasOf(formatId).attachments;
+}
+
+bool HoldsCover(const std::string& formatId, const std::string& codecId) {
+    return std::string(ExtrasOf(formatId).covers).find(" " + codecId + " ") != std::string::npos;
+}
+
+bool HoldsOrientation(const std::string& formatId) {
+    return ExtrasOf(formatId).orientation;
 }
 
 std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::string& formatId) {
     // Without it the packets have no time codes, and players do not know the sound of discs.
     if (formatId == F::FORMAT_MPEG2TS) return {{"mpegts_m2ts_mode", "1"}};
     return {};
-}
-
-bool IsStill(const std::string& formatId) {
-    return FindRow(g_stills, [&formatId](const Muxer& row) { return *row.id == formatId; }) != nullptr;
 }
 
 std::string FormatOf(const std::string& path) {

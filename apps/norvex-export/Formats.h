@@ -1,5 +1,5 @@
-/// What the program has to know beyond the rule book, in one place: which muxer of FFmpeg writes a container, and
-/// what FFmpeg calls a codec or an encoder's option.
+/// What the program has to know beyond the rule book, in one place: what FFmpeg calls a codec or the options of an
+/// encoder or muxer.
 #pragma once
 
 #include <optional>
@@ -7,18 +7,31 @@
 #include <utility>
 #include <vector>
 
+#include "norvex/Conf/DataHelpers/Queries/FormatMuxers.h"
 #include "norvex/foundation/Property.h"
 
 namespace NorvexExport {
 
-/// FFmpeg's short name of the muxer of a container id.
-std::string MuxerOf(const std::string& formatId);
+using Norvex::Conf::MuxerOf;
 
 /// The options, by FFmpeg's names, without which that muxer would write something else than the container.
 std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::string& formatId);
 
+/// Whether players begin sooner where the container's index stands before the media, which needs asking for.
+bool HasMovableIndex(const std::string& formatId);
+
+// What a container holds beside its streams, as FFmpeg's muxer writes it.
+bool HoldsChapters(const std::string& formatId);
+bool HoldsAttachments(const std::string& formatId);
+/// Cover pictures of FFmpeg's codec, beside a film or sound.
+bool HoldsCover(const std::string& formatId, const std::string& codecId);
+/// Which way up a picture is shown.
+bool HoldsOrientation(const std::string& formatId);
+
 /// Whether the container holds one picture.
-bool IsStill(const std::string& formatId);
+inline bool IsStill(const std::string& formatId) {
+    return Norvex::Conf::HoldsOnePicture(formatId);
+}
 
 /// The container id that the extension of a path stands for, the extension where it stands for none, and nothing where
 /// there is no extension. After the census.

@@ -131,6 +131,7 @@ VideoJob MakeVideoJob(const Property& stream, const VideoSource& source, const P
     job.fit = FitOf(resizeSection,
                     {source.width, source.height, source.sampleAspect.numerator, source.sampleAspect.denominator},
                     {job.width, job.height, job.sampleAspect.numerator, job.sampleAspect.denominator});
+    job.orientation = source.orientation;
     job.scaler = ScalerOf(resizeSection);
     SetRateControl(stream, job);
     job.twoPass = stream.ChildExists(V::TAG_MULTIPASS_ENCODING) &&

@@ -98,16 +98,30 @@ std::vector<Row> RowsOf(const StreamPlan& stream) {
     return rows;
 }
 
-const char* KindName(StreamPlan::Kind kind) {
+const char* KindName(StreamKind kind) {
     switch (kind) {
-        case StreamPlan::Kind::Video:
+        case StreamKind::Video:
             return "video";
-        case StreamPlan::Kind::Audio:
+        case StreamKind::Audio:
             return "audio";
-        case StreamPlan::Kind::Subtitle:
+        case StreamKind::Subtitle:
+            return "subtitles";
+        case StreamKind::Cover:
+            return "cover";
+        case StreamKind::Attachment:
+            return "attachment";
+        case StreamKind::Data:
             break;
     }
-    return "subtitles";
+    return "data";
+}
+
+/// Such as "audio 2, eng, Commentary".
+std::string HeadingOf(const StreamPlan& stream) {
+    std::string text = fmt::format("{} {}", KindName(stream.kind), stream.streamIndex);
+    if (!stream.language.empty()) text += ", " + stream.language;
+    if (!stream.title.empty()) text += ", " + stream.title;
+    return text;
 }
 
 const char* VerdictName(Finding::Verdict verdict) {
@@ -167,7 +181,7 @@ std::string ExplainText(const StreamPlan& stream, const Style& style) {
 
 std::string StreamText(const StreamPlan& stream, bool explain, const Style& style) {
     if (stream.isCopied) {
-        return fmt::format("\n{}{}{}  {}carried over unchanged: {}{}\n", style.bold, KindName(stream.kind), style.reset,
+        return fmt::format("\n{}{}{}  {}carried over unchanged: {}{}\n", style.bold, HeadingOf(stream), style.reset,
                            style.dim, stream.source, style.reset);
     }
     const std::vector<Row> rows = RowsOf(stream);
@@ -179,7 +193,7 @@ std::string StreamText(const StreamPlan& stream, bool explain, const Style& styl
         asked = std::max(asked, row.asked.size());
         settled = std::max(settled, row.settled.size());
     }
-    std::string text = fmt::format("\n{}{}{}  {}from {}{}\n", style.bold, KindName(stream.kind), style.reset, style.dim,
+    std::string text = fmt::format("\n{}{}{}  {}from {}{}\n", style.bold, HeadingOf(stream), style.reset, style.dim,
                                    stream.source, style.reset);
     text += fmt::format("  {}{:<{}}  {:<{}}  {:<{}}  by{}\n", style.dim, "", path, "asked", asked, "settled", settled,
                         style.reset);
@@ -269,6 +283,9 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
                                {"message", change->broken ? change->broken->message : std::string()}});
         }
         Value json = {{"type", KindName(stream.kind)},
+                      {"index", stream.streamIndex},
+                      {"language", stream.language},
+                      {"title", stream.title},
                       {"source", stream.source},
                       {"copied", stream.isCopied},
                       {"asked", PlainFormOf(stream.asked)},
@@ -285,10 +302,14 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
                       {"streams", streams},          {"notes", Value::List(plan.notes.begin(), plan.notes.end())}};
     if (!plan.request.savePresetFile.empty()) document["savedPreset"] = plan.request.savePresetFile;
     if (result != nullptr) {
+        Value::List leftOut;
+        for (const StreamFailure& stream : result->leftOut) {
+            leftOut.push_back({{"index", stream.streamIndex}, {"reason", stream.reason}});
+        }
         document["result"] = {{"videoFrames", result->videoFrames}, {"audioSamples", result->audioSamples},
                               {"subtitles", result->subtitles},     {"copiedPackets", result->copiedPackets},
                               {"duration", result->duration},       {"bytes", result->bytes},
-                              {"elapsed", result->elapsed}};
+                              {"elapsed", result->elapsed},         {"leftOut", leftOut}};
     }
     // A file name need not be UTF-8; what is not is shown by the replacement character.
     return Norvex::Document::WriteJson(document) + '\n';

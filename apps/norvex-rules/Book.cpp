@@ -23,6 +23,7 @@ using Document::Value;
 using P = IPreset;
 using F = IFormatFile;
 using C = IFormatCodec;
+using S = IFormatCodecSubtitle;
 
 Value AllowedJson(const IPropertyConstraint& constraint) {
     const Allowed allowed = WhatIsAllowed(constraint);
@@ -135,7 +136,11 @@ Value SubtitleCodecsJson(const Value& formats) {
     const OtherNames names(NorvexApps::Named::SubtitleCodec);
     Value::List list;
     for (const std::string& id : ids) {
-        list.push_back({{"id", id}, {"otherNames", names.Of(id)}, {"encoder", EncoderJson(id)}});
+        // Encoders go by the later name where FFmpeg has two.
+        const std::string& later = id == S::CODEC_ID_SRT   ? S::CODEC_ID_SUBRIP
+                                   : id == S::CODEC_ID_SSA ? S::CODEC_ID_ASS
+                                                           : id;
+        list.push_back({{"id", id}, {"otherNames", names.Of(id)}, {"encoder", EncoderJson(later)}});
     }
     return list;
 }

@@ -1,9 +1,12 @@
 #include "Texts.h"
 
 #include <fmt/format.h>
+#include <fnmatch.h>
 
 #include <algorithm>
+#include <iterator>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace NorvexRules {
@@ -12,14 +15,23 @@ namespace {
 
 using Norvex::Document::Value;
 
-/// The list of the book that a kind of helper stands in, or null.
-const Value* ListOf(const Value& book, const std::string& kind) {
-    const std::pair<const char*, const char*> lists[] = {
-        {"format", "formats"}, {"video", "videoCodecs"}, {"audio", "audioCodecs"}, {"filter", "filters"}};
-    for (const auto& [name, list] : lists) {
-        if (kind == name) return &book[list];
-    }
-    return nullptr;
+struct Kind {
+    const char* name;
+    const char* title;
+    const char* list;     ///< of the book
+    const char* carried;  ///< in a container, where there is something like it
+};
+constexpr Kind g_kinds[] = {
+    {"format", "Containers", "formats", nullptr},      {"video", "Video codecs", "videoCodecs", "video"},
+    {"audio", "Audio codecs", "audioCodecs", "audio"}, {"subtitles", "Subtitle codecs", "subtitleCodecs", "subtitles"},
+    {"filter", "Filters", "filters", nullptr},
+};
+
+/// Null for a kind of which there are none.
+const Kind* FindKind(const std::string& name) {
+    const auto* const kind =
+        std::find_if(std::begin(g_kinds), std::end(g_kinds), [&name](const Kind& row) { return name == row.name; });
+    return kind != std::end(g_kinds) ? kind : nullptr;
 }
 
 std::string TextOf(const Value& value) {
@@ -55,9 +67,57 @@ std::string WordsOf(const Value& allowed) {
     return words.empty() ? "anything that its method accepts" : words;
 }
 
-std::string CodecLine(const Value& codec) {
-    return fmt::format("  {:<14} {}\n", codec["id"].GetText(),
-                       codec["encoder"].IsNull() ? "no encoder in this build" : TextOf(codec["encoder"]));
+/// What follows the id in a list.
+std::string WordsOfItem(const Value& item) {
+    if (item.Find("encoder") != nullptr) {
+        return item["encoder"].IsNull() ? "no encoder in this build" : TextOf(item["encoder"]);
+    }
+    std::string carried;
+    for (const char* kind : {"video", "audio", "subtitles"}) {
+        if (item.Find(kind) == nullptr || item[kind].IsNull()) continue;
+        carried += fmt::format("{}{} {} ({})", carried.empty() ? "" : ", ", kind, TextOf(item[kind]["default"]),
+                               item[kind]["codecs"].GetList().size());
+    }
+    return carried;
+}
+
+/// The ids of a container's or codec's surroundings, in lines that fit a terminal.
+std::string WrappedLine(const char* title, const std::vector<std::string>& ids) {
+    constexpr std::size_t width = 100;
+    std::string text;
+    std::string line = fmt::format("  {:<10}", title);
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        const std::string word = ' ' + ids[i] + (i + 1 < ids.size() ? "," : "");
+        if (line.size() + word.size() > width) text += std::exchange(line, std::string(12, ' ')) + '\n';
+        line += word;
+    }
+    return text + line + '\n';
+}
+
+/// The containers that carry a codec.
+std::vector<std::string> CarriersOf(const Value& book, const char* carried, const std::string& codecId) {
+    std::vector<std::string> ids;
+    for (const Value& format : book["formats"].GetList()) {
+        if (format[carried].IsNull()) continue;
+        const Value::List& codecs = format[carried]["codecs"].GetList();
+        const bool isCarried = std::any_of(codecs.begin(), codecs.end(),
+                                           [&codecId](const Value& codec) { return codec.GetText() == codecId; });
+        const bool isDefault = format[carried]["default"].GetText() == codecId;
+        if (isCarried) ids.push_back(format["id"].GetText() + (isDefault ? " (default)" : ""));
+    }
+    return ids;
+}
+
+/// The items of a list that a listing asks for.
+std::vector<const Value*> ItemsOf(const Value& book, const Kind& kind, const Listing& listing) {
+    std::vector<const Value*> items;
+    if (!listing.kind.empty() && listing.kind != kind.name) return items;
+    const bool isPattern = listing.pattern.find_first_of("*?[") != std::string::npos;
+    const std::string pattern = isPattern ? listing.pattern : '*' + listing.pattern + '*';
+    for (const Value& item : book[kind.list].GetList()) {
+        if (fnmatch(pattern.c_str(), item["id"].GetText().c_str(), FNM_CASEFOLD) == 0) items.push_back(&item);
+    }
+    return items;
 }
 
 std::string GridText(const Value& book, const char* kind, const char* codecList) {
@@ -104,30 +164,42 @@ std::string GridText(const Value& book, const char* kind, const char* codecList)
 
 }  // namespace
 
-std::string ListText(const Value& book) {
-    std::string text = fmt::format("Containers ({})\n", book["formats"].GetList().size());
-    for (const Value& format : book["formats"].GetList()) {
-        std::string carried;
-        for (const char* kind : {"video", "audio", "subtitles"}) {
-            if (format[kind].IsNull()) continue;
-            carried += fmt::format("{}{} {} ({})", carried.empty() ? "" : ", ", kind, TextOf(format[kind]["default"]),
-                                   format[kind]["codecs"].GetList().size());
+std::vector<std::string> Kinds() {
+    std::vector<std::string> names;
+    for (const Kind& kind : g_kinds) names.emplace_back(kind.name);
+    return names;
+}
+
+std::string ListText(const Value& book, const Listing& listing) {
+    std::string text;
+    for (const Kind& kind : g_kinds) {
+        const std::vector<const Value*> items = ItemsOf(book, kind, listing);
+        if (items.empty()) continue;
+        text += fmt::format("{}{} ({})\n", text.empty() ? "" : "\n", kind.title, items.size());
+        for (const Value* const item : items) {
+            text += fmt::format("  {:<14} {}", (*item)["id"].GetText(), WordsOfItem(*item));
+            text.erase(text.find_last_not_of(' ') + 1);
+            text += '\n';
         }
-        text += fmt::format("  {:<14} {}\n", format["id"].GetText(), carried);
     }
-    text += fmt::format("\nVideo codecs ({})\n", book["videoCodecs"].GetList().size());
-    for (const Value& codec : book["videoCodecs"].GetList()) text += CodecLine(codec);
-    text += fmt::format("\nAudio codecs ({})\n", book["audioCodecs"].GetList().size());
-    for (const Value& codec : book["audioCodecs"].GetList()) text += CodecLine(codec);
-    text += fmt::format("\nFilters ({})\n", book["filters"].GetList().size());
-    for (const Value& filter : book["filters"].GetList()) text += fmt::format("  {}\n", filter["id"].GetText());
     return text;
 }
 
+std::string ListJson(const Value& book, const Listing& listing) {
+    Value::List list;
+    for (const Kind& kind : g_kinds) {
+        for (const Value* const item : ItemsOf(book, kind, listing)) {
+            list.push_back({{"kind", kind.name}, {"id", (*item)["id"]}});
+            if (const Value* const encoder = item->Find("encoder")) list.back()["encoder"] = *encoder;
+        }
+    }
+    return WriteJson(list) + '\n';
+}
+
 std::optional<std::string> ShowText(const Value& book, const std::string& kind, const std::string& id) {
-    const Value* const list = ListOf(book, kind);
-    if (list == nullptr) return std::nullopt;
-    const Value::List& helpers = list->GetList();
+    const Kind* const found = FindKind(kind);
+    if (found == nullptr) return std::nullopt;
+    const Value::List& helpers = book[found->list].GetList();
     const auto helper =
         std::find_if(helpers.begin(), helpers.end(), [&id](const Value& h) { return h["id"].GetText() == id; });
     if (helper == helpers.end()) return std::nullopt;
@@ -140,6 +212,8 @@ std::optional<std::string> ShowText(const Value& book, const std::string& kind, 
     if (kind == "format") {
         for (const char* stream : {"video", "audio", "subtitles"}) text += CarriedText(*helper, stream);
     }
+    if (found->carried != nullptr) text += WrappedLine("carried by", CarriersOf(book, found->carried, id));
+    if (helper->Find("defaults") == nullptr) return text;
     if (!(*helper)["requires"].GetList().empty())
         text += fmt::format("  requires   {}\n", Joined((*helper)["requires"]));
     text += "\nDefaults\n";
@@ -161,7 +235,8 @@ std::optional<std::string> ShowText(const Value& book, const std::string& kind, 
 
 std::string MatrixText(const Value& book) {
     return "D default, x carried; d and o the same, but not encoded here\n\nVideo\n" +
-           GridText(book, "video", "videoCodecs") + "\nAudio\n" + GridText(book, "audio", "audioCodecs");
+           GridText(book, "video", "videoCodecs") + "\nAudio\n" + GridText(book, "audio", "audioCodecs") +
+           "\nSubtitles\n" + GridText(book, "subtitles", "subtitleCodecs");
 }
 
 }  // namespace NorvexRules

@@ -3,16 +3,30 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "norvex/document/Json.h"
 
 namespace NorvexRules {
 
-/// Every container, codec and filter, a line each.
-std::string ListText(const Norvex::Document::Value& book);
+/// The kinds of which the book has lists, as the command line calls them: "format", "video", "audio", "subtitles" and
+/// "filter".
+std::vector<std::string> Kinds();
 
-/// One helper: what it carries, its defaults, what is allowed, its rules. None where the book has no such helper.
-/// `kind` is one of "format", "video", "audio" and "filter".
+/// What is to be listed.
+struct Listing {
+    std::string kind;     ///< empty for all
+    std::string pattern;  ///< a part of the ids, or a pattern with * and ?; empty for all
+};
+
+/// Every container, codec and filter, a line each.
+std::string ListText(const Norvex::Document::Value& book, const Listing& listing);
+
+/// The same for programs: for each kind, and its id.
+std::string ListJson(const Norvex::Document::Value& book, const Listing& listing);
+
+/// One helper: what it carries or which containers carry it, its defaults, what is allowed, its rules. None where the
+/// book has no such helper.
 std::optional<std::string> ShowText(const Norvex::Document::Value& book, const std::string& kind,
                                     const std::string& id);
 

@@ -47,8 +47,9 @@ TEST_F(RulesProgramTest, TellsEverythingAndTheSameEachTime) {
         const std::string list = Say(std::string("list") + set.option);
         EXPECT_THAT(list, AllOf(HasSubstr(std::string("Containers ") + set.containers),
                                 HasSubstr(std::string("\nVideo codecs ") + set.video),
-                                HasSubstr(std::string("\nAudio codecs ") + set.audio), HasSubstr("\nFilters (5)\n")));
-        EXPECT_EQ(CountOf(list, "\n"), set.helpers + 5 + 4 + 3);
+                                HasSubstr(std::string("\nAudio codecs ") + set.audio),
+                                HasSubstr("\nSubtitle codecs (14)\n"), HasSubstr("\nFilters (5)\n")));
+        EXPECT_EQ(CountOf(list, "\n"), set.helpers + 14 + 5 + 5 + 4);
     }
     const json book = json::parse(Say("json"));
     const std::string list = Say("list"), matrix = Say("matrix");
@@ -56,7 +57,7 @@ TEST_F(RulesProgramTest, TellsEverythingAndTheSameEachTime) {
     std::size_t defaults = 0, rows = 0;
     for (const json& format : book["formats"]) {
         EXPECT_THAT(list, HasSubstr("\n  " + format["id"].get<std::string>() + ' '));
-        for (const char* const kind : {"video", "audio"}) {
+        for (const char* const kind : {"video", "audio", "subtitles"}) {
             if (!format[kind].is_null()) ++defaults;
         }
         const std::string row = '\n' + format["id"].get<std::string>() + ' ';
@@ -171,6 +172,79 @@ TEST_F(RulesProgramTest, MendsWhatTheHostSavedForAnotherContainer) {
     EXPECT_EQ(again["audio_codec"]["bitrate"], 256000);
 }
 
+TEST_F(RulesProgramTest, TellsWhatMayBecomeOfAFile) {
+    NorvexTest::ClipSettings clip;
+    clip.muxer = "matroska";
+    clip.titles = {{0.1, 0.5, "A line"}};
+    clip.coverPicture = true;
+    NorvexTest::MakeClip(File("in.mkv"), clip);
+    const std::string text = Say("fit in.mkv");
+    EXPECT_THAT(text, AllOf(HasSubstr("rawvideo, 64x48, 25 fps\n"), HasSubstr("png, 32x32, a cover\n"),
+                            HasSubstr("Hold the first picture:\n  png jpeg ")));
+    const std::string one = Say("fit in.mkv -f MP4");
+    EXPECT_THAT(one, AllOf(HasSubstr("mp4 holds at most: video 2, audio 16, subtitles 16, other 16\n"),
+                           HasSubstr("mp4 does not carry rawvideo; encoded to h264.\n"),
+                           HasSubstr("mp4 takes png as it is.\n")));
+    EXPECT_THAT(Say("fit in.mkv -f mkv"),
+                HasSubstr("FFmpeg carries subrip in matroska, but the rule book refuses it: "));
+
+    const json all = json::parse(Say("fit in.mkv --json"));
+    EXPECT_EQ(all["formats"].size(), 76U);
+    const json only = json::parse(Say("fit in.mkv -f mp4 --json"));
+    for (const json& format : all["formats"]) EXPECT_TRUE(format["id"] != "mp4" || format == only["formats"][0]);
+    // The table's first row is the best container.
+    const std::string best = all["formats"][0]["id"].get<std::string>();
+    EXPECT_THAT(text.substr(text.find("\n\n") + 2), testing::ContainsRegex("^ .*\n" + best + " "));
+}
+
+TEST_F(RulesProgramTest, FindsListsAndShowsWhoCarriesWhat) {
+    const std::string found = Say("find --video h265 --audio flac,flac --subtitles srt");
+    EXPECT_THAT(found, testing::MatchesRegex("matroska +at most video 2, .*\nThis FFmpeg cannot write .*\n  qfx\n"));
+    EXPECT_EQ(json::parse(Say("find --video h265 --audio flac,flac --subtitles srt --json"))[0]["id"], "matroska");
+    EXPECT_EQ(Say("find --video flashsv"), "No container holds all of these.\n");
+    EXPECT_EQ(Say("list audio 'pcm_f*le'"),
+              "Audio codecs (2)\n  pcm_f32le      pcm_f32le\n  pcm_f64le      pcm_f64le\n");
+    const json listed = json::parse(Say("list opus --json"));
+    EXPECT_EQ(listed.dump(), R"([{"id":"opus","kind":"format"},{"encoder":"libopus","id":"opus","kind":"audio"}])");
+    EXPECT_THAT(Say("show video hevc"), testing::ContainsRegex("\n  carried by heic .default., .*, mp4, "));
+    EXPECT_EQ(Say("show subtitles vobsub"),
+              "subtitles dvd_subtitle\n  encoder    dvdsub\n"
+              "  carried by ipod (default), m4v (default), matroska, mp4 (default), qfx\n");
+}
+
+TEST_F(RulesProgramTest, TellsWhatChangedBetweenTwoBooks) {
+    Say("json new.json");
+    EXPECT_EQ(Say("diff new.json"), "The books say the same.\n");
+    json book = json::parse(Read("new.json"));
+    book["ffmpeg"] = "older";
+    for (json& format : book["formats"]) {
+        if (format["id"] == "mp4") format["video"]["codecs"].erase(0);
+        if (format["id"] == "avi" || format["id"] == "mov") format["defaults"]["limits"]["audio"] = 3;
+    }
+    for (json& codec : book["audioCodecs"]) {
+        if (codec["id"] == "opus") codec["encoder"] = "opus", codec["rules"].erase(0);
+    }
+    book["formats"].erase(book["formats"].size() - 1);
+    book["audioCodecs"].push_back({{"id", "zz"}});
+    Write("old.json", book.dump());
+    const Outcome outcome = Run("diff old.json new.json");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.text,
+                testing::MatchesRegex(
+                    "library .*, FFmpeg older\n> library .*\n\nContainers\n  came: xwd\n  avi, mov\n"
+                    "    default/limits/audio: 3 > 16\n  mp4\n    carries video: \\+ [a-z0-9]+\n"
+                    "Audio codecs\n  went: zz\n  opus\n    encoder: opus > libopus\n    rule: .* came: .*\n"));
+}
+
+TEST_F(RulesProgramTest, ShowsAndWritesWhatMendingChanged) {
+    Write("in.json", R"({"norvex-preset": 1, "preset": {"video_codec": {"codec_id": "h264", "quality": 70}}})");
+    const Outcome outcome = Run("check --diff -o out.json < in.json");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.text,
+                AllOf(HasSubstr("Broken:\n"), HasSubstr("\n-       \"quality\": 70\n+       \"quality\": 51\n")));
+    EXPECT_EQ(Say("check - < out.json"), "The preset keeps every rule.\n");
+}
+
 TEST_F(RulesProgramTest, FailsInOnePlainLine) {
     Write("text.json", "no preset");
     Write("large.json", std::string(1000001, ' '));
@@ -188,11 +262,20 @@ TEST_F(RulesProgramTest, FailsInOnePlainLine) {
         {"show video aac", 1, "norvex-rules: there is no video codec 'aac'; it is an audio codec\n"},
         {"show video VC1", 1, "norvex-rules: there are no rules for the video codec 'vc1'\n"},
         {"show format mp5", 1, "norvex-rules: there is no format 'mp5'; did you mean 'mp3', "},
-        {"show codec aac", 1, "norvex-rules: there is no kind 'codec'; there are format, video, audio and filter\n"},
+        {"show codec aac", 1,
+         "norvex-rules: there is no kind 'codec'; there are format, video, audio, subtitles and filter\n"},
+        {"list codec aac", 1, "norvex-rules: there is no kind 'codec'; there are format, "},
+        {"list zzz", 1, "norvex-rules: there is nothing of the name 'zzz'\n"},
+        {"find", 1, "norvex-rules: say what to find, such as --video hevc --audio flac\n"},
+        {"find --video h246", 1, "norvex-rules: there is no video codec 'h246'; did you mean "},
+        {"fit none.mkv", 1, "norvex-rules: cannot open 'none.mkv': "},
+        {"diff text.json", 1, "norvex-rules: 'text.json', line 1: this is no JSON"},
+        {"diff name.json", 1, "norvex-rules: 'name.json' is no rule book\n"},
+        {"check < text.json", 1, "norvex-rules: standard input, line 1: this is no JSON"},
         {"json no/where", 1, "norvex-rules: cannot write 'no/where': there is no folder 'no'\n"},
         {"show video", 2, "norvex-rules: ID is required\n"},
-        {"", 2, "norvex-rules: give one of the commands list, show, "},
-        {"explain", 2, "norvex-rules: there is no command 'explain'; there are list, show, "},
+        {"", 2, "norvex-rules: give one of the commands fit, find, list, show, "},
+        {"explain", 2, "norvex-rules: there is no command 'explain'; there are fit, find, list, "},
         {"shwo format mp4", 2, "norvex-rules: there is no command 'shwo'; did you mean 'show'?\n"},
         {"check my.json --jsom", 2, "norvex-rules: there is no option '--jsom'; did you mean '--json'?\n"},
     };

@@ -6,7 +6,7 @@ set(sentences 1)  # the catalogue's header
 foreach(source ${sources})
     file(READ ${source} code)
     string(REPLACE ";" "," code "${code}")
-    string(REGEX MATCHALL "(Message|Word|DESCRIPTION_ID_[A-Z_]*) =[ \n]*\"[^\"]*\"" definitions "${code}")
+    string(REGEX MATCHALL "(Message|Word|DESCRIPTION_ID_[A-Z_]*\\)?) =[ \n]*\"[^\"]*\"" definitions "${code}")
     foreach(definition ${definitions})
         string(REGEX REPLACE "^[^\"]*(\".*\")$" "msgid \\1" entry "${definition}")
         string(FIND "${catalogue}" "\n${entry}\n" found)

@@ -1,10 +1,13 @@
-"""The documents of the programs against their schemas: SchemaTest.py PROGRAM BOOK_SCHEMA PRESET_SCHEMA PRESET_PAGE."""
+"""The documents of the programs against their schemas: SchemaTest.py PROGRAM BOOK_SCHEMA FIT_SCHEMA PRESET_SCHEMA
+PRESET_PAGE."""
 
 import copy
 import json
 import re
 import subprocess
 import sys
+import tempfile
+import wave
 
 TYPES = {"object": dict, "array": list, "string": str, "boolean": bool, "null": type(None)}
 NOTES = {"$schema", "$defs", "title", "description"}
@@ -75,7 +78,7 @@ def test(schema, documents, damages):
 
 
 def main():
-    program, book_schema, preset_schema, page = sys.argv[1:]
+    program, book_schema, fit_schema, preset_schema, page = sys.argv[1:]
     run = lambda *arguments, **more: subprocess.run([program, *arguments], capture_output=True, text=True, **more)
     book = json.loads(run("json", check=True).stdout)
     found = test(json.load(open(book_schema, encoding="utf-8")), [book], [
@@ -85,6 +88,20 @@ def main():
         lambda b: b["videoCodecs"][0].update(encoder=5), lambda b: b["subtitleCodecs"][0].pop("encoder"), lambda b: b["audioCodecs"][0]["constraints"].append({"path": "x"}),
         lambda b: b["audioCodecs"][0]["rules"].append({"path": "", "when": None, "allowed": {"words": ""}}),
         lambda b: b["filters"][0]["defaults"].update(x=[]), lambda b: b.update(library=""),
+    ])
+
+    with tempfile.NamedTemporaryFile(suffix=".wav") as sound:
+        with wave.open(sound.name, "wb") as writer:
+            writer.setparams((1, 2, 11025, 0, "NONE", ""))
+            writer.writeframes(bytes(20000))
+        fit = json.loads(run("fit", sound.name, "--json", check=True).stdout)
+    if not any(stream["changes"] for format in fit["formats"] for stream in format["streams"]):
+        found.append("no container changes the sound")
+    found += test(json.load(open(fit_schema, encoding="utf-8")), [fit], [
+        lambda f: f.update({"norvex-fit": 2}), lambda f: f.pop("streams"), lambda f: f["streams"][0].update(kind="film"),
+        lambda f: f["formats"][0]["limits"].pop("other"), lambda f: f["formats"][0]["streams"][0].update(answer="no"),
+        lambda f: f["formats"][0]["streams"][0].update(reason=""),
+        lambda f: f["formats"][0]["streams"][0]["changes"].append({"path": "x"}),
     ])
 
     # The page's examples, the one with streams first, and the defaults of all helpers.

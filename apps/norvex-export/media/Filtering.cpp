@@ -37,10 +37,11 @@ int EvenSide(std::int64_t length, std::int64_t numerator, std::int64_t denominat
 Size ScaledSize(const VideoJob& job, const AVBufferSrcParameters& source) {
     if (job.fit == Fit::Stretch) return {job.width, job.height};
     const bool covers = job.fit == Fit::Crop;
-    const AVRational sourceAspect = KnownAspect(source.sample_aspect_ratio);
     const AVRational targetAspect = KnownAspect(ToRational(job.sampleAspect));
-    // The source's shape in pixels of the target.
-    const AVRational shape = av_mul_q({source.width, source.height}, av_div_q(sourceAspect, targetAspect));
+    AVRational sourceShape = av_mul_q({source.width, source.height}, KnownAspect(source.sample_aspect_ratio));
+    if (job.orientation.SwapsSides()) sourceShape = av_inv_q(sourceShape);
+    // The same in pixels of the target.
+    const AVRational shape = av_div_q(sourceShape, targetAspect);
     const AVRational frame = {job.width, job.height};
     const bool keepsWidth = (av_cmp_q(shape, frame) > 0) != covers;
     const AVRounding rounding = covers ? AV_ROUND_UP : AV_ROUND_NEAR_INF;
@@ -51,6 +52,16 @@ Size ScaledSize(const VideoJob& job, const AVBufferSrcParameters& source) {
                       : EvenSide(job.height, shape.num, shape.den, rounding);
     free = covers ? std::max(free, whole) : std::min(free, whole);
     return size;
+}
+
+/// What turns a stored picture upright.
+std::vector<FilterStep> UprightSteps(const Orientation& orientation) {
+    std::vector<FilterStep> steps;
+    if (orientation.isMirrored) steps.push_back({"hflip", {}});
+    if (orientation.degrees == 90) steps.push_back({"transpose", {{"dir", "clock"}}});
+    if (orientation.degrees == 180) steps.insert(steps.end(), {{"hflip", {}}, {"vflip", {}}});
+    if (orientation.degrees == 270) steps.push_back({"transpose", {{"dir", "cclock"}}});
+    return steps;
 }
 
 /// Where a picture stands in a frame; even, so that luma and chroma stay together.
@@ -147,6 +158,8 @@ std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParamet
 
     std::vector<FilterStep> steps;
     if (!IsSingle(job)) steps.push_back(rate);
+    const std::vector<FilterStep> upright = UprightSteps(job.orientation);
+    steps.insert(steps.end(), upright.begin(), upright.end());
     steps.push_back(scale);
     if (size.width < job.width || size.height < job.height) {
         steps.push_back({"pad",

@@ -10,6 +10,7 @@ extern "C" {
 }
 
 #include "Files.h"
+#include "Tags.h"
 
 namespace NorvexExport::Media {
 
@@ -42,6 +43,93 @@ bool IsFrameRate(AVRational rate) {
 bool IsTimed(const AVStream& stream) {
     const AVMediaType type = stream.codecpar->codec_type;
     return (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO) && !IsAttachedPicture(stream);
+}
+
+std::vector<std::string> DispositionNames(const AVStream& stream) {
+    std::vector<std::string> names;
+    for (unsigned bit = 0; bit < 31; ++bit) {
+        const int disposition = static_cast<int>(1U << bit);
+        if ((stream.disposition & disposition) == 0) continue;
+        if (const char* const name = av_disposition_to_string(disposition)) names.emplace_back(name);
+    }
+    return names;
+}
+
+/// Whether the stream belongs to programmes of a transport stream, and the main stream to none of them.
+bool IsElsewhere(const AVFormatContext& input, int main, int index) {
+    bool hasProgramme = false;
+    for (unsigned i = 0; i < input.nb_programs; ++i) {
+        const AVProgram& programme = *input.programs[i];
+        unsigned* const end = programme.stream_index + programme.nb_stream_indexes;
+        const auto holds = [&](int stream) {
+            return std::any_of(programme.stream_index, end, [&](unsigned s) { return static_cast<int>(s) == stream; });
+        };
+        if (!holds(index)) continue;
+        if (holds(main)) return false;
+        hasProgramme = true;
+    }
+    return hasProgramme;
+}
+
+/// Streams of data that muxers write by themselves: the titles of chapters, and the time code of a tag.
+bool IsWrittenAnew(const AVStream& stream) {
+    const unsigned tag = stream.codecpar->codec_tag;
+    return tag == MKTAG('t', 'e', 'x', 't') || tag == MKTAG('t', 'm', 'c', 'd');
+}
+
+/// What streams of all kinds tell, in the description of any of them.
+template <class Source>
+Source DescribeStream(const AVStream& stream, bool isMain) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    Source source;
+    source.streamIndex = stream.index;
+    source.codecId = avcodec_get_name(parameters.codec_id);
+    const std::string language = TagOf(stream.metadata, "language");
+    source.language = language == "und" ? "" : language;  // "undetermined", by which MP4 says that it does not know
+    source.title = TitleOf(stream);
+    source.dispositions = DispositionNames(stream);
+    source.isMain = isMain;
+    source.isDecodable = IsDecodable(stream);
+    source.codecTag = parameters.codec_tag;
+    source.codecDataSize = static_cast<std::size_t>(parameters.extradata_size);
+    return source;
+}
+
+VideoSource DescribeVideo(const Input& input, const AVStream& stream, bool isMain) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    const char* const format = av_get_pix_fmt_name(static_cast<AVPixelFormat>(parameters.format));
+    auto source = DescribeStream<VideoSource>(stream, isMain);
+    source.width = parameters.width;
+    source.height = parameters.height;
+    source.sampleAspect = ToFraction(input.SampleAspect(stream, nullptr));
+    source.orientation = OrientationOf(stream);
+    source.frameRate = ToFraction(input.FrameRate(stream));
+    source.pixelFormat = format != nullptr ? format : "";
+    source.isAttachedPicture = IsAttachedPicture(stream);
+    return source;
+}
+
+AudioSource DescribeAudio(const AVStream& stream, bool isMain) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    const char* const format = av_get_sample_fmt_name(static_cast<AVSampleFormat>(parameters.format));
+    auto source = DescribeStream<AudioSource>(stream, isMain);
+    source.sampleRate = parameters.sample_rate;
+    source.channels = parameters.ch_layout.nb_channels;
+    if (source.channels > 0) source.layout = ChannelLayout(parameters.ch_layout).Name();
+    source.sampleFormat = format != nullptr ? format : "";
+    return source;
+}
+
+SubtitleSource DescribeSubtitle(const AVStream& stream, bool isMain) {
+    auto source = DescribeStream<SubtitleSource>(stream, isMain);
+    source.isText = IsText(stream.codecpar->codec_id);
+    return source;
+}
+
+AttachmentSource DescribeAttachment(const AVStream& stream) {
+    auto source = DescribeStream<AttachmentSource>(stream, false);
+    source.fileName = TagOf(stream.metadata, "filename");
+    return source;
 }
 
 }  // namespace
@@ -138,51 +226,47 @@ bool Input::Read(AVPacket& packet) {
     return false;
 }
 
-Input::Context Input::Open(const std::string& path) {
+Input::OwnedContext Input::Open(const std::string& path) {
+    RequireReadAgain(path);
     AVFormatContext* context = nullptr;  // avformat_open_input frees it where it fails
     const int result = avformat_open_input(&context, FileUrl(path).c_str(), nullptr, nullptr);
     if (result < 0) Fail("cannot open " + Quoted(path), result);
-    return Context(context);
+    return OwnedContext(context);
 }
 
-VideoSource DescribeVideo(const Input& input, const AVStream& stream) {
-    const AVCodecParameters& parameters = *stream.codecpar;
-    const char* const format = av_get_pix_fmt_name(static_cast<AVPixelFormat>(parameters.format));
-    VideoSource source;
-    source.streamIndex = stream.index;
-    source.codecId = avcodec_get_name(parameters.codec_id);
-    source.width = parameters.width;
-    source.height = parameters.height;
-    source.sampleAspect = ToFraction(input.SampleAspect(stream, nullptr));
-    source.frameRate = ToFraction(input.FrameRate(stream));
-    source.pixelFormat = format != nullptr ? format : "";
-    source.codecTag = parameters.codec_tag;
-    source.codecDataSize = static_cast<std::size_t>(parameters.extradata_size);
-    source.isAttachedPicture = IsAttachedPicture(stream);
-    return source;
-}
-
-AudioSource DescribeAudio(const AVStream& stream) {
-    const AVCodecParameters& parameters = *stream.codecpar;
-    const char* const format = av_get_sample_fmt_name(static_cast<AVSampleFormat>(parameters.format));
-    AudioSource source;
-    source.streamIndex = stream.index;
-    source.codecId = avcodec_get_name(parameters.codec_id);
-    source.sampleRate = parameters.sample_rate;
-    source.channels = parameters.ch_layout.nb_channels;
-    source.layout = ChannelLayout(parameters.ch_layout).Name();
-    source.sampleFormat = format != nullptr ? format : "";
-    source.codecTag = parameters.codec_tag;
-    source.codecDataSize = static_cast<std::size_t>(parameters.extradata_size);
-    return source;
-}
-
-SubtitleSource DescribeSubtitle(const AVStream& stream) {
-    SubtitleSource source;
-    source.streamIndex = stream.index;
-    source.codecId = avcodec_get_name(stream.codecpar->codec_id);
-    source.isText = IsText(stream.codecpar->codec_id);
-    return source;
+void DescribeStreams(const Input& input, InputInfo& info) {
+    const AVStream* const video = input.BestStream(AVMEDIA_TYPE_VIDEO, -1);
+    const AVStream* const audio = input.BestStream(AVMEDIA_TYPE_AUDIO, video != nullptr ? video->index : -1);
+    const AVStream* const timed = video != nullptr ? video : audio;
+    const AVStream* const subtitle = input.BestStream(AVMEDIA_TYPE_SUBTITLE, timed != nullptr ? timed->index : -1);
+    const auto describeProgramme = [&](auto& streams) {
+        for (auto& source : streams) {
+            source.isInMainProgramme =
+                timed == nullptr || !IsElsewhere(input.Context(), timed->index, source.streamIndex);
+        }
+    };
+    info.chapters = static_cast<int>(input.Context().nb_chapters);
+    for (int index = 0; index < input.StreamCount(); ++index) {
+        const AVStream& stream = input.Stream(index);
+        switch (stream.codecpar->codec_type) {
+            case AVMEDIA_TYPE_VIDEO:
+                info.video.push_back(DescribeVideo(input, stream, &stream == video));
+                break;
+            case AVMEDIA_TYPE_AUDIO:
+                info.audio.push_back(DescribeAudio(stream, &stream == audio));
+                break;
+            case AVMEDIA_TYPE_SUBTITLE:
+                info.subtitles.push_back(DescribeSubtitle(stream, &stream == subtitle));
+                break;
+            case AVMEDIA_TYPE_ATTACHMENT:
+                info.attachments.push_back(DescribeAttachment(stream));
+                break;
+            default:
+                if (!IsWrittenAnew(stream)) info.data.push_back(DescribeStream<StreamSource>(stream, false));
+        }
+    }
+    describeProgramme(info.video), describeProgramme(info.audio), describeProgramme(info.subtitles);
+    describeProgramme(info.attachments), describeProgramme(info.data);
 }
 
 }  // namespace NorvexExport::Media

@@ -37,6 +37,10 @@ public:
     /// The stream a player would take, or null. `related` is a stream whose programme it should belong to, or -1.
     const AVStream* BestStream(AVMediaType type, int related) const;
 
+    const AVFormatContext& Context() const { return *m_context; }
+    int StreamCount() const { return static_cast<int>(m_context->nb_streams); }
+    const AVStream& Stream(int index) const { return *m_context->streams[index]; }
+
     /// The stream of that number, which must be of that type; all streams not asked for are skipped from then on.
     const AVStream& Select(int index, AVMediaType type);
 
@@ -58,21 +62,20 @@ public:
     bool Read(AVPacket& packet);
 
 private:
-    using Context = std::unique_ptr<AVFormatContext, CloseInput>;
+    using OwnedContext = std::unique_ptr<AVFormatContext, CloseInput>;
 
-    static Context Open(const std::string& path);
+    static OwnedContext Open(const std::string& path);
 
     bool Exists(int index) const { return index >= 0 && static_cast<unsigned>(index) < m_context->nb_streams; }
 
     AVStream* Mutable(const AVStream& stream) const { return m_context->streams[stream.index]; }
 
     std::string m_name;
-    Context m_context;
+    OwnedContext m_context;
     std::vector<int> m_selected;
 };
 
-VideoSource DescribeVideo(const Input& input, const AVStream& stream);
-AudioSource DescribeAudio(const AVStream& stream);
-SubtitleSource DescribeSubtitle(const AVStream& stream);
+/// Adds all streams of the input to their lists.
+void DescribeStreams(const Input& input, InputInfo& info);
 
 }  // namespace NorvexExport::Media

@@ -15,6 +15,17 @@ namespace NorvexExport::Media {
 
 Muxer::Muxer(const std::string& container, const Options& options, const PendingFile& file)
     : Muxer(container, file.QuotedName(), FileUrl(file.Path())) {
+    Open(options);
+}
+
+Muxer Muxer::OnTrial(const std::string& container, const Options& options) {
+    Muxer muxer(container, "its header", FileUrl("/dev/null"));
+    muxer.Open(options);
+    return muxer;
+}
+
+void Muxer::Open(const Options& options) {
+    const char* const container = m_context->oformat->name;
     for (const auto& [name, value] : options) {
         const int result = av_opt_set(m_context.get(), name.c_str(), value.c_str(), AV_OPT_SEARCH_CHILDREN);
         if (result < 0) Fail("the container " + Quoted(container) + " does not take " + name + "=" + value, result);
@@ -30,13 +41,37 @@ Muxer::Muxer(const std::string& container, const Options& options, const Pending
     CheckWriting(avio_open(&m_context->pb, m_context->url, AVIO_FLAG_WRITE));
 }
 
-int Muxer::AddStream(const AVCodecContext& encoder) {
+int Muxer::AddStream(const AVCodecContext& encoder, const AVStream& source) {
     AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
     if (stream == nullptr) throw std::bad_alloc();
     Check(avcodec_parameters_from_context(stream->codecpar, &encoder), "cannot describe a stream");
     stream->time_base = encoder.time_base;
     stream->avg_frame_rate = encoder.framerate;
     stream->sample_aspect_ratio = encoder.sample_aspect_ratio;
+    CopyStreamTags(source, *stream, *m_context->oformat);
+    stream->disposition &= ~AV_DISPOSITION_ATTACHED_PIC;
+    return stream->index;
+}
+
+int Muxer::AddAttachedCover(const AVStream& source) {
+    AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
+    if (stream == nullptr) throw std::bad_alloc();
+    const AVPacket& picture = source.attached_pic;
+    AVCodecParameters& parameters = *stream->codecpar;
+    parameters.codec_type = AVMEDIA_TYPE_ATTACHMENT;
+    parameters.codec_id = source.codecpar->codec_id;
+    parameters.extradata =
+        static_cast<std::uint8_t*>(av_mallocz(static_cast<std::size_t>(picture.size) + AV_INPUT_BUFFER_PADDING_SIZE));
+    if (parameters.extradata == nullptr) throw std::bad_alloc();
+    std::copy_n(picture.data, picture.size, parameters.extradata);
+    parameters.extradata_size = picture.size;
+    CopyStreamTags(source, *stream, *m_context->oformat);
+    // Readers know the cover by this name and this type.
+    const bool isJpeg = parameters.codec_id == AV_CODEC_ID_MJPEG;
+    const std::string codec = isJpeg ? "jpeg" : avcodec_get_name(parameters.codec_id);
+    const std::string name = "cover." + (isJpeg ? "jpg" : codec);
+    Check(av_dict_set(&stream->metadata, "mimetype", ("image/" + codec).c_str(), 0), "cannot describe a stream");
+    Check(av_dict_set(&stream->metadata, "filename", name.c_str(), AV_DICT_DONT_OVERWRITE), "cannot describe a stream");
     return stream->index;
 }
 
@@ -55,8 +90,7 @@ int Muxer::AddCopy(const AVStream& source, const AVCodecParameters& sourceParame
     const bool isOfBlocks = parameters.codec_id != AV_CODEC_ID_MP3 && parameters.codec_id != AV_CODEC_ID_AC3;
     if (!isOfBlocks) parameters.block_align = 0;
     CopySideData(source, *stream);
-    Check(av_dict_copy(&stream->metadata, source.metadata, 0), "cannot describe a stream");
-    stream->disposition = source.disposition;
+    CopyStreamTags(source, *stream, *m_context->oformat);
     stream->sample_aspect_ratio = source.sample_aspect_ratio;
     stream->avg_frame_rate = source.avg_frame_rate;
     stream->r_frame_rate = source.r_frame_rate;

@@ -12,6 +12,7 @@ extern "C" {
 
 #include "Basics.h"
 #include "Files.h"
+#include "Tags.h"
 
 namespace NorvexExport::Media {
 
@@ -20,13 +21,16 @@ public:
     /// Writes the container to `file`.
     Muxer(const std::string& container, const Options& options, const PendingFile& file);
 
+    /// Fails as the muxer of the container would, until its header is written; nothing is kept.
+    static Muxer OnTrial(const std::string& container, const Options& options);
+
     /// Takes what it is given and keeps none of it.
     static Muxer Discarding() { return Muxer("null", "nothing", ""); }
 
     bool WantsGlobalHeader() const { return (m_context->oformat->flags & AVFMT_GLOBALHEADER) != 0; }
 
-    /// The number of a new stream. All streams are added before Begin().
-    int AddStream(const AVCodecContext& encoder);
+    /// The number of a new stream, that is encoded from the source. All streams are added before Begin().
+    int AddStream(const AVCodecContext& encoder, const AVStream& source);
 
     /// The filter that brings the packets of a stream into the form that this container wants, null where none is
     /// needed or where the muxer sees to it itself.
@@ -35,13 +39,25 @@ public:
         return IsAvi() && source.codec_id == AV_CODEC_ID_H264 && isPrefixed ? "h264_mp4toannexb" : nullptr;
     }
 
+    /// Whether cover pictures are files inside the file, and no streams.
+    bool AttachesCovers() const { return std::string_view(m_context->oformat->name) == "matroska"; }
+
+    /// Adds a cover picture as such a file. No packet of the stream is to follow.
+    int AddAttachedCover(const AVStream& source);
+
     /// The same for a stream that goes over, of those parameters and with that rate of frames.
     int AddCopy(const AVStream& source, const AVCodecParameters& sourceParameters, AVRational frameRate);
 
     /// Says that the stream is the cover picture of the others.
     void MarkCover(int stream);
 
+    /// Takes the tags and chapters of the film, which begins at `startTime` in AV_TIME_BASE units.
+    void TakeTags(const AVFormatContext& input, std::int64_t startTime) { CopyFilmTags(input, startTime, *m_context); }
+
     void Begin();
+
+    /// Whether the first stream must be a picture.
+    bool WantsPictureFirst() const { return std::string_view(m_context->oformat->name) == "mxf"; }
 
     /// Whether the container tells when pictures are shown, rather than only in which order they are decoded.
     bool TellsTimes() const { return (m_context->oformat->flags & AVFMT_NOTIMESTAMPS) == 0 && !IsAvi(); }
@@ -60,6 +76,8 @@ public:
 
 private:
     Muxer(const std::string& container, const std::string& quotedName, const std::string& url);
+
+    void Open(const Options& options);
 
     /// Such as how the picture is to be turned. Newer versions keep it in the parameters.
     static void CopySideData(const AVStream& source, AVStream& stream);
