@@ -22,4 +22,7 @@ void BindHelpers(py::module_& module);
 /// Adds what judges, corrects and mends.
 void BindReview(py::module_& module);
 
+/// Adds what tells which containers a file's streams fit.
+void BindFitting(py::module_& module);
+
 }  // namespace NorvexPython

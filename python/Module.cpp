@@ -18,5 +18,6 @@ PYBIND11_MODULE(_norvex, module) {
     BindConstraints(module);
     BindHelpers(module);
     BindReview(module);
+    BindFitting(module);
     py::module_::import("atexit").attr("register")(py::cpp_function(&Held::DropAll));
 }

@@ -84,3 +84,57 @@ class Mended:
     values: List[MendedValue]
     left: List[Finding]  #: what the mended preset still breaks
     open: List[Finding]  #: rules about values that the mended preset leaves to the source
+
+
+@dataclass
+class Limits:
+    """How many streams of each kind a container may hold."""
+
+    video: int
+    audio: int
+    subtitle: int
+    other: int  #: covers of a film among them, attachments and data
+
+
+@dataclass
+class ChangedSetting:
+    """A value of a stream that encoding changes."""
+
+    path: str
+    before: Any
+    after: Any
+
+
+@dataclass
+class StreamFit:
+    """What becomes of one stream in one container."""
+
+    answer: Literal["as_it_is", "refused", "encoded", "left_out"]  #: refused: FFmpeg would take it as it is
+    kind: Literal["video", "audio", "subtitle", "cover", "other"]
+    codec_id: str  #: as it is
+    is_encoded: bool  #: unless a host goes against the rule book
+    encoded_to: str  #: the codec
+    changes: List[ChangedSetting]
+    is_one_picture: bool  #: nothing but the first picture of a film goes over
+    reason: str  #: one sentence, in the language of the locale
+
+
+@dataclass
+class FormatFit:
+    """What becomes of a file's streams in one container."""
+
+    format: str
+    limits: Limits
+    streams: List[StreamFit]
+    lost: int
+    encoded: int
+    changed: int  #: settings
+
+
+@dataclass
+class HoldingFormat:
+    """A container that holds what is wanted."""
+
+    format: str
+    limits: Limits
+    is_encodable: bool  #: in the running build

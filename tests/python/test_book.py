@@ -85,6 +85,31 @@ def test_presets_are_judged_explained_and_mended() -> None:
         norvex.check(odd), norvex.explain(odd), norvex.mend(odd)
 
 
+def test_streams_are_fitted_into_containers() -> None:
+    film = [
+        {"codec_id": "h264", "width": 1280, "height": 720, "frame_rate": Fraction(25), "pixel_format": "yuv420p"},
+        {"codec_id": "aac", "sample_rate": 96000, "channel_layout": "stereo", "codec_data": b"\x12\x10"},
+        {"codec_id": "subrip"},
+        {"codec_id": None},
+    ]
+    assert len(norvex.fits(film)) == len(norvex.formats()) and norvex.fits([])[0].lost == 0
+    (wav,) = norvex.fits(iter(film), format="wav")
+    assert [(stream.answer, stream.kind, stream.encoded_to) for stream in wav.streams] == [
+        ("left_out", "video", ""), ("encoded", "audio", "pcm_s16le"), ("left_out", "subtitle", ""),
+        ("left_out", "other", ""),
+    ]
+    assert (wav.lost, wav.encoded, wav.changed, wav.limits.audio) == (3, 1, 1, 1)
+    assert (wav.streams[1].changes[0].path, wav.streams[1].changes[0].before) == ("sample_rate", 96000)
+    (matroska,) = norvex.fits(film[:1], format="matroska")
+    assert matroska.streams[0].answer == "as_it_is", matroska.streams[0].reason
+    held = {found.format: found for found in norvex.containers_for(video=["h264"], audio=["aac", "aac"])}
+    assert held["mp4"].is_encodable and held["mp4"].limits.audio == 16 and "avi" not in norvex.containers_for()
+    with pytest.raises(norvex.HelperError):
+        norvex.fits(film, format="betamax")
+    with pytest.raises(norvex.TreeTypeError):
+        norvex.fits([{"codec_id": [1]}])
+
+
 def test_constraints_are_made_for_helpers_of_ones_own() -> None:
     rates = norvex.one_of([("PAL", Fraction(25)), Fraction(30000, 1001)])
     assert rates.values == (("PAL", Fraction(25)), ("30000/1001", Fraction(30000, 1001)))
