@@ -129,6 +129,11 @@ void RegisterHelper(const std::string& kind, const std::string& id, py::object m
     });
 }
 
+void RegisterModern() {
+    if (t_stage != Stage::None) return RegisterModernHelpers();
+    Locked([](Book& /*book*/) { RegisterModernHelpers(); });
+}
+
 std::vector<std::string> FilterIds() {
     std::set<std::string> ids = {Proc::IFilterAudioFormatter::CLASS_ID, Proc::IFilterAudioVolume::CLASS_ID,
                                  Proc::IFilterFrameRate::CLASS_ID, Proc::IFilterResample::CLASS_ID,

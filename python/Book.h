@@ -22,6 +22,9 @@ void SetCensus(py::object listEncoders);
 /// Registers a helper that `make` gives; see PythonHelper.h.
 void RegisterHelper(const std::string& kind, const std::string& id, py::object make);
 
+/// Registers the library's second set.
+void RegisterModern();
+
 /// The class ids of the filters: the library's, and those that were registered here.
 std::vector<std::string> FilterIds();
 

@@ -123,6 +123,9 @@ void BindHelpers(py::module_& module) {
                "Adds a helper that is written in Python, or puts it in the place of the library's. `make` is called "
                "with its base, and returns an object with some of the methods of Helper; the base stands for those "
                "that it lacks. Raises RegistrationError, as when a table of helpers stands.");
+    module.def("register_modern", &RegisterModern,
+               "Adds the codecs of today and their containers to the classic book. Raises RegistrationError when a "
+               "table of helpers stands.");
     module.def("use_census", &SetCensus, py::arg("list_encoders"),
                "Takes the census from a callable that gives the names of a codec's encoders, none where there is none. "
                "Raises RegistrationError when it has been taken.");

@@ -1,7 +1,7 @@
 """The rule book of media export: which settings a container, codec or filter may have, and how they become legal.
 
 Settings trees are dicts in the form of preset documents. Nothing that is passed in is changed. The first call takes the
-census of FFmpeg's encoders and builds the book; `register` and `use_census` come before it.
+census of FFmpeg's encoders and builds the book; what registers helpers or another census comes before it.
 """
 
 from norvex._errors import (
@@ -36,6 +36,7 @@ from norvex._norvex import (
     one_of,
     read_preset,
     register,
+    register_modern,
     use_census,
     video_codecs,
     write_preset,
@@ -97,6 +98,7 @@ __all__ = [
     "one_of",
     "read_preset",
     "register",
+    "register_modern",
     "use_census",
     "video_codecs",
     "write_preset",
