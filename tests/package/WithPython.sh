@@ -9,7 +9,11 @@ trap 'rm -rf "$folder"' EXIT
 cd "$folder"
 cp "$source/README.md" "$source/docs/python.md" .
 recipes() {
-    for page in README.md python.md; do "$python" -m pytest -q -p no:cacheprovider --doctest-glob='*.md' "$page"; done
+    for page in README.md python.md; do
+        mkdir recipes
+        (cd recipes && "$python" -m pytest -q -p no:cacheprovider --doctest-glob='*.md' "$folder/$page")
+        rm -r recipes
+    done
 }
 
 (cd "$build" && cpack -B "$folder/packages" >"$folder/cpack.log" 2>&1) || { cat cpack.log; exit 1; }
@@ -25,5 +29,5 @@ PYTHONPATH="$folder/root/usr/lib/python3/dist-packages" LD_LIBRARY_PATH="$libdir
 mkdir checkout
 cp -r "$source/python" "$source/pyproject.toml" "$source/setup.py" "$source/CMakeLists.txt" "$source/README.md" checkout
 NORVEX_BUILD="$build" "$python" -m pip wheel -q --no-build-isolation --no-deps --no-index -w wheels ./checkout
-"$python" -m pip install -q --no-deps --no-index --target wheel wheels/norvex-*.whl
+"$python" -m pip install -q --root-user-action=ignore --no-deps --no-index --target wheel wheels/norvex-*.whl
 PYTHONPATH="$folder/wheel" recipes
