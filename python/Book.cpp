@@ -42,7 +42,7 @@ struct Book {
     std::atomic<bool> stands{false};
     bool isCounted = false;          ///< the census is taken
     SP<Proc::ICodecFactory> census;  ///< null: FFmpeg's
-    std::set<std::string> filters;   ///< class ids
+    std::set<std::string> filters;   ///< class ids; guarded by the interpreter's lock
 };
 
 Book& GetBook() {
@@ -111,10 +111,11 @@ void RequireBook() {
 
 void SetCensus(py::object listEncoders) {
     if (t_stage != Stage::None) Refuse("It is too late for another census: it is being taken.");
-    const SP<Proc::ICodecFactory> census(new PythonCensus(std::move(listEncoders)));
+    // The former one goes behind the lock: what goes with it may be anything.
+    SP<Proc::ICodecFactory> census(new PythonCensus(std::move(listEncoders)));
     Locked([&census](Book& book) {
         if (book.isCounted) Refuse("It is too late for another census: it has been taken.");
-        book.census = census;
+        book.census.swap(census);
     });
 }
 
@@ -122,11 +123,12 @@ void RegisterHelper(const std::string& kind, const std::string& id, py::object m
     const auto held = std::make_shared<const Held>(std::move(make));
     const auto maker = [kind, id, held] { return MakeHelper(kind, id, *held); };
     // What is too late, the library says, also to who registers within a build.
-    if (t_stage != Stage::None) return RegisterDataHelper(kind, id, maker);
-    Locked([&](Book& book) {
+    if (t_stage != Stage::None) {
         RegisterDataHelper(kind, id, maker);
-        if (id.empty()) book.filters.insert(kind);
-    });
+    } else {
+        Locked([&](Book& /*book*/) { RegisterDataHelper(kind, id, maker); });
+    }
+    if (id.empty()) GetBook().filters.insert(kind);
 }
 
 void RegisterModern() {
@@ -138,7 +140,7 @@ std::vector<std::string> FilterIds() {
     std::set<std::string> ids = {Proc::IFilterAudioFormatter::CLASS_ID, Proc::IFilterAudioVolume::CLASS_ID,
                                  Proc::IFilterFrameRate::CLASS_ID, Proc::IFilterResample::CLASS_ID,
                                  Proc::IFilterResize::CLASS_ID};
-    Locked([&ids](Book& book) { ids.insert(book.filters.begin(), book.filters.end()); });
+    ids.insert(GetBook().filters.begin(), GetBook().filters.end());
     return {ids.begin(), ids.end()};
 }
 

@@ -46,6 +46,6 @@ def run(script: str) -> str:
     script = textwrap.dedent(script)
     if "import norvex\n" not in script:
         script = "import norvex\n" + script
-    ended = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, timeout=300)
+    ended = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, timeout=60)
     assert (ended.returncode, ended.stderr) == (0, ""), ended.stderr
     return ended.stdout

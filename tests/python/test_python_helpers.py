@@ -103,6 +103,7 @@ def test_the_census_and_the_tables_are_made_once_and_again_after_a_failure() -> 
         if len(asked) == 1:
             raise OSError("no census")
         if len(asked) == 2:
+            norvex.filters()
             try:
                 norvex.formats()
             except norvex.RegistrationError as refused:
@@ -115,6 +116,12 @@ def test_the_census_and_the_tables_are_made_once_and_again_after_a_failure() -> 
         if len(made) == 2:
             raise OSError("no helper")
         return base
+    class Former:
+        def __call__(self, codec):
+            return []
+        def __del__(self):
+            norvex.register("filter_host", "", lambda base: base)
+    norvex.use_census(Former())
     norvex.use_census(census)
     norvex.register("audio_codec", "x", make)
     for ask in (norvex.formats, lambda: norvex.helper("audio_codec", "x"), lambda: norvex.check({})):
@@ -130,7 +137,7 @@ def test_the_census_and_the_tables_are_made_once_and_again_after_a_failure() -> 
     threads = [threading.Thread(target=ask) for _ in range(8)]
     [thread.start() for thread in threads]
     [thread.join() for thread in threads]
-    print(outcomes == [{"codec_id": "x"}] * 8, len(made), len(asked) == count)
+    print(outcomes == [{"codec_id": "x"}] * 8, len(made), len(asked) == count, norvex.filters()[1])
     print(norvex.helper("format", "avi").allowed()["streams_any_audio/audio_codec/codec_id"].words)
     """
         )
@@ -138,7 +145,7 @@ def test_the_census_and_the_tables_are_made_once_and_again_after_a_failure() -> 
         "The rule book is asked for while its census is taken.\n"
         "RegistrationError The function that makes the helper gave none: audio_codec x\n"
         "OSError no helper\n"
-        "True 3 True\n" + run(
+        "True 3 True filter_host\n" + run(
             """
     norvex.use_census(lambda codec: {"mp3": ["some"], "h264": ["some"]}.get(codec, []))
     print(norvex.helper("format", "avi").allowed()["streams_any_audio/audio_codec/codec_id"].words)
