@@ -172,7 +172,7 @@ int Run(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
 
     std::vector<Row> rows;
-    for (const auto& theme : {LoadingRows, CorrectionRows, FittingRows, BuildingRows, ThreadRows}) {
+    for (const auto& theme : {LoadingRows, CorrectionRows, FittingRows, BuildingRows, ThreadRows, PythonRows}) {
         const std::vector<Row> more = theme();
         rows.insert(rows.end(), more.begin(), more.end());
     }
