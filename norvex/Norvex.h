@@ -27,6 +27,7 @@
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
 #include "norvex/Conf/Review/CorrectionReport.h"
 #include "norvex/Conf/Review/Fit.h"
+#include "norvex/Conf/Review/Names.h"
 #include "norvex/Conf/Review/PresetAssembly.h"
 #include "norvex/Conf/Review/PresetCheck.h"
 #include "norvex/Conf/Review/PresetMending.h"
