@@ -85,10 +85,9 @@ void AddClass(const IPropertyConstraint& constraint, const Allowed& allowed, Val
     }
 }
 
-/// The other form of what is allowed, if it is another.
-void AddAutomatic(const SP<const IPropertyConstraint>& own, const SP<const IPropertyConstraint>& automatic,
-                  Value& json) {
-    if (automatic != own) json["automatic"] = AllowedJson(*automatic);
+/// What is allowed together with the automatic values, if that is more.
+void AddWidened(const SP<const IPropertyConstraint>& own, const SP<const IPropertyConstraint>& automatic, Value& json) {
+    if (automatic != own) json["widened"] = AllowedJson(*automatic);
 }
 
 Value EndJson(const std::string& path, const IPropertyConstraint& constraint) {
@@ -146,7 +145,7 @@ Value ConstraintsJson(const std::string& kind, const IDataHelper& helper) {
     Value::List list;
     for (const auto& [path, constraint] : own) {
         Value json = {{"path", path}, {"allowed", AllowedJson(*constraint)}};
-        AddAutomatic(constraint, automatic[path], json);
+        AddWidened(constraint, automatic[path], json);
         list.push_back(std::move(json));
     }
     return list;
@@ -163,7 +162,7 @@ Value RulesJson(const std::string& kind, const IDataHelper& helper) {
         Value json = EndJson(rule.GetSecondPath(), *rule.GetSecondConstraint());
         const auto condition = rule.GetFirstConstraint();
         json["when"] = condition ? EndJson(rule.GetFirstPath(), *condition) : Value();
-        AddAutomatic(rule.GetSecondConstraint(), automatic[i].second->GetSecondConstraint(), json);
+        AddWidened(rule.GetSecondConstraint(), automatic[i].second->GetSecondConstraint(), json);
         list.push_back(std::move(json));
     }
     return list;
