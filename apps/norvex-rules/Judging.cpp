@@ -41,7 +41,8 @@ bool Is(const IPropertyConstraint& constraint) {
     return dynamic_cast<const Constraint*>(&constraint) != nullptr;
 }
 
-/// Tells a test of integers as a divisor and the rest that it asks for, by what it answers. Whether it is one.
+/// Tells a test of integers as a divisor and the rest that it asks for, by what it answers. Whether it is one. The rest
+/// is never negative.
 bool AddSteps(const ConstraintMethod& test, Value& json) {
     constexpr long long far = 512;  // some times the widest step of a picture
     const auto takes = [&test](long long number) { return IsLegal(Property(std::string(), number), test); };
@@ -52,7 +53,7 @@ bool AddSteps(const ConstraintMethod& test, Value& json) {
     const long long step = second - first;
     if (second >= far || IsLegal(Property("", "text"), test)) return false;
     for (long long number = -far; number < far; ++number) {
-        if (takes(number) != (number % step == first)) return false;
+        if (takes(number) != ((number % step + step) % step == first)) return false;
     }
     json["class"] = "multiple";
     json["type"] = TypeName(PT_INT64);

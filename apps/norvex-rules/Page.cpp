@@ -1,6 +1,7 @@
 #include "Page.h"
 
 #include <map>
+#include <string>
 #include <utility>
 
 #include "PageTemplate.h"
@@ -21,6 +22,7 @@ public:
             return list;
         }
         if (value.GetKind() != Value::Kind::Object) return value;
+        if (IsNamedByItself(value)) return value["value"];
         Value::Object members;
         for (const auto& [name, member] : value.GetObject()) {
             const bool isShared = name == "allowed" || name == "parameters" || name == "widened" || name == "when";
@@ -32,6 +34,16 @@ public:
     Value TakeTable() { return std::move(m_table); }
 
 private:
+    /// Of most values of a list the display name is the value's own text.
+    static bool IsNamedByItself(const Value& value) {
+        const Value* const name = value.Find("name");
+        const Value* const held = value.Find("value");
+        if (name == nullptr || held == nullptr || name->GetKind() != Value::Kind::Text) return false;
+        const bool isText = held->GetKind() == Value::Kind::Text && held->GetText() == name->GetText();
+        const bool isNumber = held->GetKind() == Value::Kind::Integer;
+        return isText || (isNumber && std::to_string(held->GetInteger()) == name->GetText());
+    }
+
     std::size_t IndexOf(Value object) {
         const auto [row, isNew] = m_indices.try_emplace(WriteJson(object, {-1, true}), m_table.size());
         if (isNew) m_table.push_back(std::move(object));
