@@ -217,6 +217,16 @@ void TakeStreams(const std::string& text, const Taker& taker) {
     for (const std::string& part : parts) streams.push_back(ParseStreams(part));
 }
 
+void TakeDeinterlacing(const std::string& text, const Taker& taker) {
+    constexpr std::pair<const char*, Deinterlacing> wishes[] = {
+        {"auto", Deinterlacing::Auto}, {"on", Deinterlacing::On}, {"off", Deinterlacing::Off}};
+    const std::string word = boost::algorithm::to_lower_copy(text);
+    const auto* const wish =
+        std::find_if(std::begin(wishes), std::end(wishes), [&word](const auto& row) { return word == row.first; });
+    if (wish == std::end(wishes)) throw TextError("'" + text + "' is neither auto nor on nor off");
+    taker.GetRequest().deinterlacing = wish->second;
+}
+
 std::vector<Option> GeneralOptions() {
     return {
         {"--format", "FORMAT",
@@ -273,6 +283,8 @@ std::vector<Option> VideoOptions() {
          "Frames per second, such as 25, 29.97 or 30000/1001,\n"
          "or ntsc, pal, film, or auto, the source's",
          FrameRate(Path({Proc::IFilterFrameRate::CLASS_ID, V::TAG_FPS}))},
+        {"--deinterlace", "WHEN", "auto, on or off: auto keeps the fields of interlaced\npictures where the codec can",
+         TakeDeinterlacing},
         {"--two-pass", nullptr, "Encode twice, the second time by what the first has\nlearned",
          [mode = Path({codec, V::TAG_MULTIPASS_ENCODING})](const std::string& /*text*/, const Taker& taker) {
              taker.Choose(mode, V::TAG_TWO_PASS_MODE);

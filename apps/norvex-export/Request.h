@@ -27,6 +27,13 @@ struct Choice {
     bool isFromPreset = false;
 };
 
+/// What becomes of interlaced pictures.
+enum class Deinterlacing {
+    Auto,  ///< they stay so where the codec can, and are made whole elsewhere
+    On,    ///< all pictures are made whole, whatever the input says of them
+    Off,
+};
+
 /// Streams that the user wants: those that fit all of what is given.
 struct StreamChoice {
     std::string text;  ///< as the user wrote it
@@ -47,6 +54,7 @@ struct Request {
     bool noVideo = false;
     bool noAudio = false;
     bool noSubtitles = false;
+    Deinterlacing deinterlacing = Deinterlacing::Auto;
     bool noFaststart = false;  ///< leave the index of MP4 and its kin behind the media
     bool copy = false;         ///< carry streams over unchanged where the container takes them
 

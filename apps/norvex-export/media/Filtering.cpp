@@ -12,15 +12,11 @@ extern "C" {
 #include <libavutil/samplefmt.h>
 }
 
+#include "Pixels.h"
+
 namespace NorvexExport::Media {
 
 namespace {
-
-/// The matrix for the scaler where it must make the encoder's YUV from colours that have none, else null.
-const char* ConversionMatrix(AVPixelFormat source, const AVCodecContext& encoder) {
-    if (!HasFlag(source, AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL) || !IsYuv(encoder.pix_fmt)) return nullptr;
-    return encoder.colorspace == AVCOL_SPC_BT709 ? "bt709" : "smpte170m";
-}
 
 struct Size {
     int width = 0;
@@ -139,10 +135,10 @@ bool IsSingle(const VideoJob& job) {
     return job.isCover || job.isStill;
 }
 
-std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParameters& source,
+std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParameters& source, AVColorSpace matrix,
                                    const AVCodecContext& encoder, bool isFirst) {
     const Size size = ScaledSize(job, source);
-    const char* const matrix = ConversionMatrix(static_cast<AVPixelFormat>(source.format), encoder);
+    const Conversion colours = ConversionFor(static_cast<AVPixelFormat>(source.format), matrix, source.height, encoder);
     const auto number = [](int value) { return std::to_string(value); };
     const auto ratio = [](AVRational value) { return std::to_string(value.num) + "/" + std::to_string(value.den); };
 
@@ -154,9 +150,13 @@ std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParamet
     scale.options.emplace_back("flags", job.scaler.empty() ? "bicubic" : job.scaler);
     if (encoder.color_range == AVCOL_RANGE_JPEG) scale.options.emplace_back("out_range", "pc");
     if (encoder.color_range == AVCOL_RANGE_MPEG) scale.options.emplace_back("out_range", "tv");
-    if (matrix != nullptr) scale.options.emplace_back("out_color_matrix", matrix);
+    if (colours.from != nullptr) scale.options.emplace_back("in_color_matrix", colours.from);
+    if (colours.to != nullptr) scale.options.emplace_back("out_color_matrix", colours.to);
+
+    if (job.fields == Fields::Keep) scale.options.emplace_back("interl", "1");
 
     std::vector<FilterStep> steps;
+    if (job.fields == Fields::Deinterlace) steps.push_back({"bwdif", {{"mode", "send_frame"}}});
     if (!IsSingle(job)) steps.push_back(rate);
     const std::vector<FilterStep> upright = UprightSteps(job.orientation);
     steps.insert(steps.end(), upright.begin(), upright.end());

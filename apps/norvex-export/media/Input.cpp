@@ -103,6 +103,7 @@ VideoSource DescribeVideo(const Input& input, const AVStream& stream, bool isMai
     source.height = parameters.height;
     source.sampleAspect = ToFraction(input.SampleAspect(stream, nullptr));
     source.orientation = OrientationOf(stream);
+    source.isInterlaced = parameters.field_order > AV_FIELD_PROGRESSIVE;
     source.frameRate = ToFraction(input.FrameRate(stream));
     source.pixelFormat = format != nullptr ? format : "";
     source.isAttachedPicture = IsAttachedPicture(stream);

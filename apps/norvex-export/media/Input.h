@@ -23,11 +23,12 @@ bool IsText(AVCodecID codec);
 /// The demuxer of one file.
 class Input {
 public:
-    explicit Input(const std::string& path) : m_name(Quoted(path)), m_context(Open(path)) {
+    explicit Input(const std::string& path) : m_path(path), m_name(Quoted(path)), m_context(Open(path)) {
         const int result = avformat_find_stream_info(m_context.get(), nullptr);
         if (result < 0) Fail("cannot read " + m_name, result);
     }
 
+    const std::string& Path() const { return m_path; }
     const std::string& QuotedName() const { return m_name; }
     const char* Container() const { return m_context->iformat->name; }
 
@@ -70,6 +71,7 @@ private:
 
     AVStream* Mutable(const AVStream& stream) const { return m_context->streams[stream.index]; }
 
+    std::string m_path;
     std::string m_name;
     OwnedContext m_context;
     std::vector<int> m_selected;

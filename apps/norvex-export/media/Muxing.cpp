@@ -45,6 +45,7 @@ int Muxer::AddStream(const AVCodecContext& encoder, const AVStream& source) {
     AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
     if (stream == nullptr) throw std::bad_alloc();
     Check(avcodec_parameters_from_context(stream->codecpar, &encoder), "cannot describe a stream");
+    CopySideData(encoder, *stream);
     stream->time_base = encoder.time_base;
     stream->avg_frame_rate = encoder.framerate;
     stream->sample_aspect_ratio = encoder.sample_aspect_ratio;
@@ -157,14 +158,34 @@ Muxer::Muxer(const std::string& container, const std::string& quotedName, const 
 
 void Muxer::CopySideData(const AVStream& source, AVStream& stream) {
 #if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
-    for (int i = 0; i < source.nb_side_data; ++i) {
-        const AVPacketSideData& data = source.side_data[i];
-        std::uint8_t* const copy = av_stream_new_side_data(&stream, data.type, data.size);
-        if (copy == nullptr) throw std::bad_alloc();
-        std::copy_n(data.data, data.size, copy);
-    }
+    for (int i = 0; i < source.nb_side_data; ++i) CopySideData(source.side_data[i], stream);
 #else
     (void)source;
+    (void)stream;
+#endif
+}
+
+void Muxer::CopySideData(const AVCodecContext& encoder, AVStream& stream) {
+#if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
+    for (int i = 0; i < encoder.nb_coded_side_data; ++i) {
+        const AVPacketSideData& data = encoder.coded_side_data[i];
+        const bool isOfLight =
+            data.type == AV_PKT_DATA_MASTERING_DISPLAY_METADATA || data.type == AV_PKT_DATA_CONTENT_LIGHT_LEVEL;
+        if (isOfLight) CopySideData(data, stream);
+    }
+#else
+    (void)encoder;
+    (void)stream;
+#endif
+}
+
+void Muxer::CopySideData(const AVPacketSideData& data, AVStream& stream) {
+#if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
+    std::uint8_t* const copy = av_stream_new_side_data(&stream, data.type, data.size);
+    if (copy == nullptr) throw std::bad_alloc();
+    std::copy_n(data.data, data.size, copy);
+#else
+    (void)data;
     (void)stream;
 #endif
 }

@@ -79,8 +79,11 @@ private:
 
     void Open(const Options& options);
 
-    /// Such as how the picture is to be turned. Newer versions keep it in the parameters.
+    /// Such as how the picture is to be turned, or what an encoder has of HDR. Newer versions keep it in the
+    /// parameters.
     static void CopySideData(const AVStream& source, AVStream& stream);
+    static void CopySideData(const AVCodecContext& encoder, AVStream& stream);
+    static void CopySideData(const AVPacketSideData& data, AVStream& stream);
 
     bool IsAvi() const { return std::string_view(m_context->oformat->name) == "avi"; }
 

@@ -33,7 +33,8 @@ private:
     }
 
     std::unique_ptr<FilterGraph> MakeGraph(AVBufferSrcParameters& source) const override {
-        const std::vector<FilterStep> steps = VideoSteps(m_job, source, EncoderContext(), !HasGraph());
+        const AVColorSpace matrix = SourceStream().codecpar->color_space;
+        const std::vector<FilterStep> steps = VideoSteps(m_job, source, matrix, EncoderContext(), !HasGraph());
         return std::make_unique<FilterGraph>(AVMEDIA_TYPE_VIDEO, source, steps);
     }
 
@@ -66,7 +67,7 @@ private:
 
 std::unique_ptr<OutputStream> MakeVideoStream(const Input& input, const AVStream& stream, const VideoJob& job,
                                               bool globalHeader, const Pass& pass, Muxer& muxer) {
-    Encoder encoder = OpenVideoEncoder(job, *stream.codecpar, globalHeader, pass);
+    Encoder encoder = OpenVideoEncoder(job, *stream.codecpar, LightOf(input, stream), globalHeader, pass);
     return std::make_unique<VideoStream>(input, stream, job, std::move(encoder), muxer);
 }
 
