@@ -33,11 +33,12 @@ std::string CodecName(const Property& stream) {
     return NameForPeople(isAudio ? P::KEY_FILTER_AUDIO_CODEC : P::KEY_FILTER_VIDEO_CODEC, id);
 }
 
-/// "quality 20" or "2 Mbit/s"; of a codec that loses nothing, that.
+/// "quality 20" or "2 Mbit/s". A codec that can but be lossless has neither: of sound that is said; pictures may lose
+/// colours before they reach it.
 std::string EffortOf(const Property& stream) {
     const Norvex::Proc::EncoderFacts facts = Norvex::Proc::FactsOf(
         Norvex::Proc::FindEncoder(stream[C::TAG_CODEC_ID].GetString(), Norvex::Proc::ImplNames::FFMPEG));
-    if (facts.isLossless && !facts.isLossy) return "lossless";
+    if (facts.isLossless && !facts.isLossy) return stream.GetName() == A::TAG_FORMAT_CODEC_AUDIO ? "lossless" : "";
     const bool isByQuality = stream.ChildExists(C::TAG_BITRATE_MODE) && stream.ChildExists(C::TAG_QUALITY) &&
                              stream[C::TAG_BITRATE_MODE] == Property(std::string(), C::TAG_BITRATE_MODE_VBR);
     return isByQuality ? "quality " + Words(stream, C::TAG_QUALITY) : Words(stream, C::TAG_BITRATE);
@@ -102,7 +103,7 @@ std::string Reason(const Difference& difference) {
     return text;
 }
 
-std::vector<Difference> DifferencesOf(const StreamPlan& stream) {
+std::vector<Difference> DifferencesOf(const StreamPlan& stream, bool isSampleFormatAsked) {
     std::vector<Difference> differences;
     const auto add = [&differences](const CorrectedValue& change, bool isGivenWay) {
         const auto isSame = [&change](const Difference& known) { return known.path == change.path; };
@@ -113,8 +114,11 @@ std::vector<Difference> DifferencesOf(const StreamPlan& stream) {
     };
     for (const CorrectedValue& change : stream.changes) add(change, false);
     for (const CorrectedValue& change : stream.givenWay) add(change, true);
-    // What stood nowhere before was not asked for.
-    const auto isNone = [](const Difference& d) { return !d.before || (d.after && *d.after == *d.before); };
+    // What stood nowhere before was not asked for, and of the samples' format people hardly know.
+    const auto isNone = [isSampleFormatAsked](const Difference& d) {
+        return !d.before || (d.after && *d.after == *d.before) ||
+               (d.path == A::TAG_SAMPLE_FORMAT && !isSampleFormatAsked);
+    };
     differences.erase(std::remove_if(differences.begin(), differences.end(), isNone), differences.end());
     return differences;
 }
@@ -134,8 +138,11 @@ std::string SummaryText(const Plan& plan) {
     std::vector<std::string> streams;
     for (const StreamPlan& stream : plan.streams) streams.push_back(StreamSummary(stream));
     std::string text = NameForPeople(P::KEY_FORMAT, plan.formatId) + ", " + Joined(streams, "; ") + "\n";
+    const std::string format = Norvex::Proc::IFilterResample::CLASS_ID + Property::SEPARATOR + A::TAG_SAMPLE_FORMAT;
+    const bool isFormatAsked = plan.request.Find(format) != nullptr;
     for (const StreamPlan& stream : plan.streams) {
-        for (const Difference& difference : DifferencesOf(stream)) text += "  " + DifferenceText(difference) + "\n";
+        for (const Difference& difference : DifferencesOf(stream, isFormatAsked))
+            text += "  " + DifferenceText(difference) + "\n";
     }
     return text;
 }

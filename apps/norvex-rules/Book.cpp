@@ -121,13 +121,10 @@ Value FactsJson(const std::string& id) {
     const Proc::SafeEncoderCodec encoder = EncoderOf(id);
     if (!encoder) return {};
     const Proc::EncoderFacts facts = Proc::FactsOf(encoder);
-    Value::List formats;
+    Value formats = Value::Object();
     for (const Proc::PixelFormatFacts& format : facts.pixelFormats) {
-        formats.push_back({{"name", format.name},
-                           {"bits", format.bits},
-                           {"sampling", format.sampling},
-                           {"alpha", format.alpha},
-                           {"float", format.isFloat}});
+        formats[format.name] = {
+            {"bits", format.bits}, {"sampling", format.sampling}, {"alpha", format.alpha}, {"float", format.isFloat}};
     }
     Value::List threads;
     if (facts.threadsFrames) threads.push_back("frames");

@@ -32,7 +32,7 @@ TEST_F(ProgramTest, ExportsWhatWasAskedFor) {
         Run("in.mkv out.mp4 --size 160x120 --fps 25 --audio-bitrate 100000 --encoder-preset ultrafast");
     ASSERT_EQ(outcome.status, 0) << outcome.text;
     EXPECT_THAT(outcome.text,
-                HasSubstr("\nMP4, H.264 Baseline 160x120 at 25 fps, quality 14; AAC mono 44.1 kHz 96 kbit/s\n"));
+                HasSubstr("\nMP4, H.264 Baseline 160x120 at 25 fps, quality 14; AAC stereo 48 kHz 96 kbit/s\n"));
     EXPECT_THAT(outcome.text, HasSubstr("  bitrate 96 kbit/s instead of 100 kbit/s, which AAC does not take\n"));
     EXPECT_THAT(outcome.text, HasSubstr("Wrote out.mp4"));
     const auto info = NorvexExport::Probe(File("out.mp4"));
