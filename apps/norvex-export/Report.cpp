@@ -311,10 +311,16 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
         for (const StreamFailure& stream : result->leftOut) {
             leftOut.push_back({{"index", stream.streamIndex}, {"reason", stream.reason}});
         }
-        document["result"] = {{"videoFrames", result->videoFrames}, {"audioSamples", result->audioSamples},
-                              {"subtitles", result->subtitles},     {"copiedPackets", result->copiedPackets},
-                              {"duration", result->duration},       {"bytes", result->bytes},
-                              {"elapsed", result->elapsed},         {"leftOut", leftOut}};
+        document["result"] = {{"videoFrames", result->videoFrames},
+                              {"audioSamples", result->audioSamples},
+                              {"subtitles", result->subtitles},
+                              {"copiedPackets", result->copiedPackets},
+                              {"duration", result->duration},
+                              {"bytes", result->bytes},
+                              {"elapsed", result->elapsed},
+                              {"leftOut", leftOut},
+                              {"jumps", result->jumps},
+                              {"damagedStamps", result->damagedStamps}};
     }
     // A file name need not be UTF-8; what is not is shown by the replacement character.
     return Norvex::Document::WriteJson(document) + '\n';
@@ -324,7 +330,17 @@ std::string ResultText(const Plan& plan, const ExportResult& result) {
     std::string text = fmt::format("\nWrote {} ({}, {}) in {}", plan.request.output, BytesText(result.bytes),
                                    DurationText(result.duration), DurationText(result.elapsed));
     if (result.duration > 0 && result.elapsed > 0) text += ", " + SpeedText(result.duration, result.elapsed);
-    return text + '\n';
+    text += '\n';
+    if (result.jumps > 0) {
+        text += fmt::format("The input's time jumps {}: the film goes on where it was.\n",
+                            result.jumps == 1 ? "once" : fmt::format("{} times", result.jumps));
+    }
+    if (result.damagedStamps > 0) {
+        text += fmt::format("{} of the input made up for.\n",
+                            result.damagedStamps == 1 ? "One damaged time stamp"
+                                                      : fmt::format("{} damaged time stamps", result.damagedStamps));
+    }
+    return text;
 }
 
 std::string ProgressText(const Progress& progress, double elapsed, std::size_t columns) {

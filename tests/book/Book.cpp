@@ -184,6 +184,8 @@ void TellWithoutEncoders() {
     for (const char* const id :
          {"filter_formatter", "filter_rate", "filter_resample", "filter_resize", "filter_volume"})
         std::cout << "\n== " << id << '\n' << Say(*CreateDataHelper(id, ""));
+    std::cout << "\n== settings of a filter that nobody changed\n"
+              << Dump(Proc::IFilterResize::Settings2Property({})) << Dump(Proc::IFilterResample::Settings2Property({}));
     for (const Texts& ids : {GetAllVideoCodecs(), GetAllAudioCodecs(), GetAllSubtitleCodecs()}) {
         std::cout << "\n== ids\n";
         for (const std::string& id : ids) std::cout << id << '\n';

@@ -54,4 +54,21 @@ TEST(Encoders, HaveFactsBesideTheRules) {
     EXPECT_TRUE(factsOf("dts").isExperimental && factsOf("truehd").isExperimental);
 }
 
+TEST(Encoders, TakeTheValuesThatTheirOptionsAllow) {
+    const auto ffv1 = Proc::FindEncoder("ffv1", Proc::ImplNames::FFMPEG);
+    std::string taken;
+    for (const auto& [option, value] : {std::pair("slicecrc", "-1"),
+                                        {"slicecrc", "1"},
+                                        {"slicecrc", "2"},
+                                        {"slicecrc", "-2"},
+                                        {"slicecrc", "on"},
+                                        {"coder", "rice"},
+                                        {"coder", "no coder"},
+                                        {"slices", "4"},
+                                        {"rc_eq", "words"},
+                                        {"no option", "1"}})
+        taken += ffv1.TakesOption(option, value) ? '+' : '-';
+    EXPECT_EQ(taken, "++---+-+--");
+}
+
 }  // namespace

@@ -76,8 +76,8 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
         {document("{}, \"preset\": {}"), "line 2: 'preset' stands there twice"},
         {h264("\"fps\": {\"$text\": \"1\",\n\"$text\": \"2\"}"), "line 6: 'video_codec/fps/$text' stands there twice"},
         {std::string(g_largestPreset + 1, ' '), "line 1: the document is larger than 1 MB, which no preset is"},
-        {h264("\"\\u001b[31m\\u202e" + std::string(200, 'x') + "\": 1"),
-         "line 5: there is no parameter 'video_codec/[31m" + std::string(84, 'x') + "…'"},
+        {h264("\"\\u001b[31m\\u2028\\n\\u202e" + std::string(200, 'x') + "\": 1"),
+         "line 5: there is no parameter 'video_codec/[31m " + std::string(83, 'x') + "…'"},
         {h264("\"bitrate\": " + std::string(500, '9')),
          "line 5: the number " + std::string(100, '9') + "… is too large"},
         {document("{},\n\"more\": {}"), "line 3: there is no member 'more'"},
@@ -130,8 +130,16 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
             ADD_FAILURE() << "nothing failed";
         } catch (const DocumentException& error) {
             EXPECT_THAT(error.what(), testing::StartsWith(words));
+            EXPECT_EQ(words.find("line " + std::to_string(*boost::get_error_info<DocumentException::TagLine>(error)) + ':'), 0U);
         }
     }
+}
+
+TEST(PresetDocument, KnowsTheLinesOfValuesAndOfWhatIsWithinThem) {
+    const PresetDocument read = ParsePreset("{\"norvex-preset\": 1, \"preset\":\n{\"a\": {\n\"b\": 5}}}");
+    for (const auto& [path, line] : {std::pair("a", 2), {"a/b", 3}, {"a/c", 2}, {"a/b/c/d", 3}, {"b", 2}, {"", 2}})
+        EXPECT_EQ(read.LineOf(path), line) << path;
+    EXPECT_EQ(PresetDocument().LineOf("a"), 0);
 }
 
 TEST(PresetDocument, TakesValuesAsTheToolsPrintThem) {

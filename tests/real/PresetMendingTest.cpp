@@ -149,7 +149,7 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
          {"format/streams/0 is left out", "format/streams/2 is left out",
           "Parameter format/global_header is false now, the default of wav",
           "Parameter format/limits/video is 0 now, the default of wav", "format/disk_size is left out"},
-         "{format: {container: wav, global_header: false, limits: {video: 0, audio: 1}, streams: {0: {type: "
+         "{format: {container: wav, global_header: false, limits: {video: 0, audio: 1}, streams: {1: {type: "
          "audio, audio_codec: {codec_id: pcm_s16le}}}}}"},
     };
     for (const auto& c : cases) {

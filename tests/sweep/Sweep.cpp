@@ -71,6 +71,7 @@ constexpr Reason g_reasons[] = {
     {"webp_anim",      "neither pictures",   "FFmpeg", "its demuxer reads no film of WebP"},
     {"opus filter_resample/resample/sample_rate", "48000 Hz", "FFmpeg", "its decoder gives 48000 Hz whatever was coded"},
     {"cfhd filter_resize/resize/width=48", "a multiple of 16", "system", "the height of 600 goes with wider steps"},
+    {"mpeg2ts truehd", "ac3+",               "FFmpeg", "its demuxer looks for an AC-3 core beside TrueHD"},
     {"flv opus",       "sample_rate is", "system", "FLV's rates and those of Opus have none in common"},
     {"mp4 mp2",        "mp3",                "FFmpeg", "MP4 has one number for both, and its demuxer takes it for MP3"},
 };
@@ -213,7 +214,7 @@ private:
 
     /// The host corrects by the container first. Where the other order gives something else, the table says so.
     void CompareOrders(const std::string& what, const std::string& format, const StreamPlan& stream) {
-        if (stream.kind == StreamKind::Subtitle) return;
+        if (stream.kind == NorvexExport::StreamKind::Subtitle) return;
         const NamedHelper container = FindHelper(P::KEY_FORMAT, format);
         const NamedHelper codec = FindHelper(stream.asked.GetName(), stream.asked[V::TAG_CODEC_ID].GetString());
         Property formatFirst = stream.asked;

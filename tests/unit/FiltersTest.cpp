@@ -134,8 +134,10 @@ TEST(Resizer, SettlesTheOutputFrame) {
         EXPECT_EQ(Text(settings.GetOutputFrameSize(c.input)), c.output) << Text(c.input) << " in " << Text(c.custom);
     }
     Property stream = Tree("s{width: 1920, height: 1080, aspect_x: 4, aspect_y: 3}");
-    DataHelperVideoResize::Create()->ApplyPresetSettings(DataHelperVideoResize::Create()->GetDefaults(), stream);
-    EXPECT_EQ(PropertyValueToString(stream), "{width: 800, height: 600, aspect_x: 1, aspect_y: 1}");
+    Property preset = DataHelperVideoResize::Create()->GetDefaults();
+    preset["resize/mode"] = Proc::IResize::MODE_SMART_FIT;
+    DataHelperVideoResize::Create()->ApplyPresetSettings(preset, stream);
+    EXPECT_EQ(PropertyValueToString(stream), "{width: 800, height: 338, aspect_x: 1, aspect_y: 1}");
 }
 
 TEST(Resizer, SettingsSurviveTheirTree) {

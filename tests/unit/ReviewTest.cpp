@@ -89,6 +89,7 @@ TEST(PresetCheck, SaysOfEachFaultWhatIsAllowedAndWhen) {
     const Constraint one = Texts({"yes"}), two = Numbers({1, 2, 1}), range = ConstraintRange::Create(1LL, 51LL, 2LL);
     const Constraint even = ConstraintMethod::CreateEven(IPropertyConstraint::DESCRIPTION_ID_EVEN_SIZE);
     const Constraint mute = ConstraintMethod::Create(nullptr, ""), thrower(new Thrower);
+    EXPECT_EQ(WhatIsAllowed(*range).step, Property("", 2));
     const std::string isThree = "Parameter audio_codec/b is 3 but must be ";
     const std::string wrong = "Parameter audio_codec/b is %3 %1, which is no value of its type, but must be ";
     const std::string missing = "Parameter audio_codec/b is missing but must be ", when = " when audio_codec/a is yes";
@@ -424,9 +425,8 @@ TEST(CorrectionReport, GivesAReasonToTheValueThatAPathLeadsTo) {
 }
 
 TEST(FitInto, SaysNoCodecWhereOnlyTheRunningBuildCouldTell) {
-    const auto sound = FormatCodecAudio::Create(
-        Node("stream", {Property("codec_id", "flac"), Property("sample_rate", 96000)}), nullptr);
-    const auto subtitles = FormatCodecSubtitle::Create(Node("stream", {Property("codec_id", "subrip")}));
+    const auto sound = FormatCodecAudio::Create(Tree("stream{codec_id: flac, sample_rate: 96000}"), nullptr);
+    const auto subtitles = FormatCodecSubtitle::Create(Tree("stream{codec_id: subrip}"));
     const Translation translation({{"FFmpeg carries %1 in %2, but the rule book refuses it: %3", "%3! %1, %2?"},
                                    {"FFmpeg's table of tags for %2 has none for it", "no %2 tag"}});
     std::string told;
