@@ -55,6 +55,7 @@
 #include "norvex/interfaces/Conf/MediaType.h"
 #include "norvex/interfaces/Conf/Messages.h"
 #include "norvex/interfaces/Conf/SampleFmtRecord.h"
+#include "norvex/interfaces/Proc/EncoderFacts.h"
 #include "norvex/interfaces/Proc/FFmpegCodecFactory.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
 #include "norvex/interfaces/Proc/ICodecFactory.h"

@@ -263,7 +263,8 @@ std::vector<Option> GeneralOptions() {
         {"--save-preset", "FILE", "Write what was settled on to this file", File(&Request::savePresetFile)},
         {"--classic", nullptr, "Know the classic codecs and containers alone", Flag(&Request::classic)},
         {"--dry-run", nullptr, "Show what would be encoded, and encode nothing", Flag(&Request::dryRun)},
-        {"--explain", nullptr, "Show each rule and constraint that was looked at", Flag(&Request::explain)},
+        {"--verbose", nullptr, "Show each value that was asked and settled on", Flag(&Request::verbose)},
+        {"--explain", nullptr, "The same, with each rule and constraint that was looked at", Flag(&Request::explain)},
         {"--json", nullptr, "Print for programs", Flag(&Request::json)},
         {"--quiet", nullptr, "Print nothing but errors", Flag(&Request::quiet)},
     };

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "Book.h"
 #include "norvex/Norvex.h"
 
 namespace NorvexRules {
@@ -352,7 +353,7 @@ void AddTied(const Said& said, Lines& lines) {
 }
 
 std::string EncoderNameOf(const std::string& codecId) {
-    const Proc::SafeEncoderCodec encoder = Proc::FindEncoder(codecId, Proc::ImplNames::FFMPEG);
+    const Proc::SafeEncoderCodec encoder = EncoderOf(codecId);
     return encoder ? encoder->name : std::string();
 }
 
@@ -382,6 +383,45 @@ void AddCarried(const IDataHelper& format, const std::string& type, const std::s
     if (EncoderNameOf(first.GetString()).empty()) carried.insert(carried.begin(), first);
     if (!carried.empty()) text += "; not encoded here: " + named(carried);
     lines.Add(ParameterForPeople(codecKey), text);
+}
+
+/// "4:2:0 8 and 10 bit, RGB 8 bit, with transparency"
+std::string PicturesText(const std::vector<Proc::PixelFormatFacts>& formats) {
+    std::vector<std::string> samplings;
+    std::map<std::string, std::set<std::pair<int, bool>>> depths;  // and whether they are floating point
+    bool hasAlpha = false;
+    for (const Proc::PixelFormatFacts& format : formats) {
+        hasAlpha = hasAlpha || format.alpha;
+        if (depths.count(format.sampling) == 0) samplings.push_back(format.sampling);
+        depths[format.sampling].insert({format.bits, format.isFloat});
+    }
+    Texts texts;
+    for (const std::string& sampling : samplings) {
+        Texts bits;
+        for (const auto& [depth, isFloat] : depths[sampling]) {
+            if (depth > 0) bits.push_back(std::to_string(depth) + (isFloat ? " (float)" : ""));
+        }
+        texts.push_back(sampling + (bits.empty() ? "" : " " + Joined(bits, " and ") + " bit"));
+    }
+    if (hasAlpha) texts.emplace_back("with transparency");
+    return Joined(texts);
+}
+
+/// What the encoder takes and can, beside the rules.
+void AddFacts(const std::string& codecId, Lines& lines) {
+    const Proc::SafeEncoderCodec encoder = EncoderOf(codecId);
+    if (!encoder) return;
+    const Proc::EncoderFacts facts = Proc::FactsOf(encoder);
+    if (!facts.pixelFormats.empty()) lines.Add("pictures", PicturesText(facts.pixelFormats));
+    Texts traits;
+    if (facts.isLossless) traits.emplace_back(facts.isLossy ? "lossy or lossless" : "lossless");
+    if (facts.isIntraOnly && encoder->type == AVMEDIA_TYPE_VIDEO) traits.emplace_back("every frame stands for itself");
+    if (facts.isHardware) traits.emplace_back("by hardware");
+    if (facts.threadsFrames) traits.emplace_back("threads for frames");
+    if (facts.threadsSlices) traits.emplace_back("threads for slices");
+    if (facts.threadsItself) traits.emplace_back("threads of its own");
+    if (facts.isExperimental) traits.emplace_back("experimental");
+    if (!traits.empty()) lines.Add("traits", Joined(traits));
 }
 
 /// The containers that carry a codec.
@@ -443,6 +483,7 @@ std::optional<std::string> ShowForPeople(const std::string& kind, const std::str
     } else if (kind != "filter") {
         const std::string encoder = EncoderNameOf(id);
         lines.Add("encoder", encoder.empty() ? "none in this build" : encoder);
+        AddFacts(id, lines);
         AddCarriers(kind == "video" ? P::STREAM_TYPE_VIDEO : P::STREAM_TYPE_AUDIO, section, id, lines);
     }
     Texts needed;

@@ -25,7 +25,8 @@ public:
         if (IsNamedByItself(value)) return value["value"];
         Value::Object members;
         for (const auto& [name, member] : value.GetObject()) {
-            const bool isShared = name == "allowed" || name == "parameters" || name == "widened" || name == "when";
+            const bool isShared =
+                name == "allowed" || name == "parameters" || name == "facts" || name == "widened" || name == "when";
             const bool isObject = member.GetKind() == Value::Kind::Object;
             members.push_back({name, isShared && isObject ? Value(IndexOf(Share(member))) : Share(member)});
         }

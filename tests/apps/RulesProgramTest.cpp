@@ -98,6 +98,7 @@ TEST_F(RulesProgramTest, ShowsWhatHoldsInTheEnd) {
           "bitrate 32 to 320 kbit/s (9 values)", "channels mono or stereo"}},
         {"show video hevc", {"bitrate mode constant, chosen by the system (cbr_auto), which is none of those below"}},
         {"show video dvvideo", {"frame size 720x480 or 720x576"}},
+        {"show video prores", {"pictures 4:2:2 10 bit, 4:4:4 10 bit, with transparency"}},
         {"show Format .MKV", {"Matroska (.mkv)", "streams at most 2 video, 16 audio, 16 subtitles, 16 other types"}},
         {"show format dvd", {"disc size 1.46, 4.7 or 8.54 GB", "AC-3 or MP2 256 kbit/s"}},
         {"show format mp4", {"encoded here: VC-1"}},
