@@ -130,7 +130,9 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
             ADD_FAILURE() << "nothing failed";
         } catch (const DocumentException& error) {
             EXPECT_THAT(error.what(), testing::StartsWith(words));
-            EXPECT_EQ(words.find("line " + std::to_string(*boost::get_error_info<DocumentException::TagLine>(error)) + ':'), 0U);
+            EXPECT_EQ(
+                words.find("line " + std::to_string(*boost::get_error_info<DocumentException::TagLine>(error)) + ':'),
+                0U);
         }
     }
 }
