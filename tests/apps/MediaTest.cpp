@@ -32,21 +32,6 @@ extern "C" {
 #include <libavformat/avformat.h>
 }
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define NORVEX_HAS_LEAK_CHECK
-#endif
-#elif defined(__SANITIZE_ADDRESS__)
-#define NORVEX_HAS_LEAK_CHECK
-#endif
-
-#ifdef NORVEX_HAS_LEAK_CHECK
-/// x265 itself frees neither its copies of parameters nor what they hold.
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions() {
-    return "leak:libx265\n";
-}
-#endif
-
 namespace {
 
 using namespace NorvexExport;
@@ -178,7 +163,7 @@ Content ReadContent(const std::string& path) {
         at += picture.luma.size();
     }
     content.sound.resize(sound.size() / sizeof(float));
-    std::memcpy(content.sound.data(), sound.data(), sound.size());
+    if (!sound.empty()) std::memcpy(content.sound.data(), sound.data(), sound.size());
     AddTitles(content, ReadFile(path + ".s"));
     for (const char* const part : {".v", ".a", ".s"}) fs::remove(path + part);
     return content;
