@@ -316,6 +316,12 @@ std::optional<std::string> FindId(Named kind, const std::string& name) {
     return meant ? meant : FindInFFmpeg(kind, boost::algorithm::to_lower_copy(name));
 }
 
+std::map<std::string, std::vector<std::string>> OtherNamesOf(Named kind) {
+    std::map<std::string, std::vector<std::string>> names;
+    ForOtherNames(kind, [&names](const std::string& name, const std::string& id) { names[id].push_back(name); });
+    return names;
+}
+
 std::string WhyUnknown(Named kind, const std::string& name) {
     const std::string text = std::string("there is no ") + WordsFor(kind) + " " + Quoted(name);
     for (const Named other : {Named::VideoCodec, Named::AudioCodec, Named::SubtitleCodec}) {

@@ -1,6 +1,7 @@
 /// What people call containers, codecs and the rest, and what the rule book calls them.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +17,9 @@ std::vector<std::string> IdsOf(Named kind);
 /// any case and with any punctuation. A codec without rules, which only FFmpeg knows, is its own id. None where nothing
 /// is meant.
 std::optional<std::string> FindId(Named kind, const std::string& name);
+
+/// The other names that people have for the ids of a kind, by id: small letters and digits alone.
+std::map<std::string, std::vector<std::string>> OtherNamesOf(Named kind);
 
 /// "there is no video codec 'h246'; did you mean 'h264'?", for a name that FindId knows nothing of.
 std::string WhyUnknown(Named kind, const std::string& name);

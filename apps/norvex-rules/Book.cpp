@@ -4,6 +4,9 @@ extern "C" {
 #include <libavutil/avutil.h>
 }
 
+#include <map>
+#include <set>
+
 #include "common/OtherNames.h"
 #include "norvex/Norvex.h"
 #include "norvex/document/TreeForm.h"
@@ -45,9 +48,23 @@ Value RuleJson(const IValidationRule& rule) {
     return json;
 }
 
+/// What people call the ids of a kind.
+class OtherNames {
+public:
+    explicit OtherNames(NorvexApps::Named kind) : m_names(NorvexApps::OtherNamesOf(kind)) {}
+
+    Value Of(const std::string& id) const {
+        const auto names = m_names.find(id);
+        return names == m_names.end() ? Value::List() : Value::List(names->second.begin(), names->second.end());
+    }
+
+private:
+    std::map<std::string, std::vector<std::string>> m_names;
+};
+
 /// What every helper has.
-Value HelperJson(const std::string& id, const IDataHelper& helper) {
-    Value json = {{"id", id}, {"defaults", PlainFormOf(helper.GetDefaults())}};
+Value HelperJson(const std::string& id, const IDataHelper& helper, const OtherNames& names) {
+    Value json = {{"id", id}, {"otherNames", names.Of(id)}, {"defaults", PlainFormOf(helper.GetDefaults())}};
     ConstraintMap constraints;
     helper.GetConstraints(constraints);
     json["constraints"] = Value::List();
@@ -80,8 +97,8 @@ Value CarriedJson(const IDataHelper& format, const std::string& streamType, cons
     return {{"default", PlainFormOf(fallback)}, {"codecs", ids}};
 }
 
-Value FormatJson(const std::string& id, const IDataHelper& format) {
-    Value json = HelperJson(id, format);
+Value FormatJson(const std::string& id, const IDataHelper& format, const OtherNames& names) {
+    Value json = HelperJson(id, format, names);
     json["globalHeader"] = FormatHasGlobalHeader(id);
     json["limits"] = Value(json["defaults"][F::TAG_LIMITS]);
     json["video"] = CarriedJson(format, P::STREAM_TYPE_VIDEO, P::KEY_FILTER_VIDEO_CODEC);
@@ -90,30 +107,35 @@ Value FormatJson(const std::string& id, const IDataHelper& format) {
     return json;
 }
 
-Value CodecJson(const std::string& id, const IDataHelper& codec) {
-    Value json = HelperJson(id, codec);
-    json["globalHeader"] = CodecHasGlobalHeader(id);
+Value EncoderJson(const std::string& id) {
     const Proc::SafeEncoderCodec encoder = Proc::FindEncoder(id, Proc::ImplNames::FFMPEG);
-    json["encoder"] = encoder ? Value(encoder->name) : Value();
-    return json;
+    return encoder ? Value(encoder->name) : Value();
 }
 
-Value CodecsJson(const std::string& kind) {
+Value CodecsJson(const std::string& kind, NorvexApps::Named named) {
+    const OtherNames names(named);
     Value::List list;
-    for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) list.push_back(CodecJson(id, *helper));
+    for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
+        Value json = HelperJson(id, *helper, names);
+        json["globalHeader"] = CodecHasGlobalHeader(id);
+        json["encoder"] = EncoderJson(id);
+        list.push_back(std::move(json));
+    }
     return list;
 }
 
-/// Subtitle codecs have no helpers: there is nothing to set.
-Value SubtitleCodecsJson() {
+/// The subtitle codecs that the containers carry. There are no rules for them.
+Value SubtitleCodecsJson(const Value& formats) {
+    std::set<std::string> ids;
+    for (const Value& format : formats.GetList()) {
+        const Value* const codecs = format["subtitles"].Find("codecs");
+        if (codecs == nullptr) continue;
+        for (const Value& id : codecs->GetList()) ids.insert(id.GetText());
+    }
+    const OtherNames names(NorvexApps::Named::SubtitleCodec);
     Value::List list;
-    for (const std::string& id : NorvexApps::IdsOf(NorvexApps::Named::SubtitleCodec)) {
-        // Encoders go by the later name where FFmpeg has two.
-        const std::string name = id == IFormatCodecSubtitle::CODEC_ID_SRT   ? IFormatCodecSubtitle::CODEC_ID_SUBRIP
-                                 : id == IFormatCodecSubtitle::CODEC_ID_SSA ? IFormatCodecSubtitle::CODEC_ID_ASS
-                                                                            : id;
-        const Proc::SafeEncoderCodec encoder = Proc::FindEncoder(name, Proc::ImplNames::FFMPEG);
-        list.push_back({{"id", id}, {"encoder", encoder ? Value(encoder->name) : Value()}});
+    for (const std::string& id : ids) {
+        list.push_back({{"id", id}, {"otherNames", names.Of(id)}, {"encoder", EncoderJson(id)}});
     }
     return list;
 }
@@ -124,15 +146,17 @@ Value MakeBook() {
     FormatValidator::Instance().FillEncoders(Proc::FFmpegCodecFactory::Create());
     Value book = {{"norvex-rules", g_bookVersion}, {"library", NORVEX_VERSION}, {"ffmpeg", av_version_info()}};
     book["formats"] = Value::List();
+    const OtherNames formatNames(NorvexApps::Named::Format);
     for (const auto& [id, helper] : GetAvailableDataHelpers(P::KEY_FORMAT)) {
-        book["formats"].Append(FormatJson(id, *helper));
+        book["formats"].Append(FormatJson(id, *helper, formatNames));
     }
-    book["videoCodecs"] = CodecsJson(P::KEY_FILTER_VIDEO_CODEC);
-    book["audioCodecs"] = CodecsJson(P::KEY_FILTER_AUDIO_CODEC);
-    book["subtitleCodecs"] = SubtitleCodecsJson();
+    book["videoCodecs"] = CodecsJson(P::KEY_FILTER_VIDEO_CODEC, NorvexApps::Named::VideoCodec);
+    book["audioCodecs"] = CodecsJson(P::KEY_FILTER_AUDIO_CODEC, NorvexApps::Named::AudioCodec);
+    book["subtitleCodecs"] = SubtitleCodecsJson(book["formats"]);
     book["filters"] = Value::List();
+    const OtherNames filterNames(NorvexApps::Named::Filter);
     for (const std::string& id : NorvexApps::IdsOf(NorvexApps::Named::Filter)) {
-        book["filters"].Append(HelperJson(id, *CreateDataHelper(id, std::string())));
+        book["filters"].Append(HelperJson(id, *CreateDataHelper(id, std::string()), filterNames));
     }
     return book;
 }

@@ -57,6 +57,9 @@ class Browser:
         self.ask("POST", f"{self.session}/element/{element}/clear", {})
         self.ask("POST", f"{self.session}/element/{element}/value", {"text": text})
 
+    def choose(self, selector, value):
+        self.run(f"const s = document.querySelector('{selector}'); s.value = '{value}'; s.dispatchEvent(new Event('input'))")
+
     def press(self, *keys):
         actions = [{"type": kind, "value": key} for key in keys for kind in ("keyDown", "keyUp")]
         self.ask("POST", self.session + "/actions", {"actions": [{"type": "key", "id": "keys", "actions": actions}]})
@@ -83,6 +86,11 @@ def expect(what, get, wanted):
 
 
 SHOWN = "return [...document.querySelectorAll('article')].filter((a) => a.offsetParent).map((a) => a.id)"
+MARKS = "return document.querySelectorAll('#gridTable td.yes').length"
+SEARCHES = [  # what people type, and what must be among the few that are found
+    ("mkv", ["formats-matroska"]), ("m2ts", ["formats-mpeg2ts"]), ("ts", ["formats-mpegts"]), ("avc", ["videoCodecs-h264"]),
+    ("H.265", ["videoCodecs-hevc"]), ("he-aac", ["audioCodecs-aac"]), ("name", []),
+]
 GRID = "return [document.querySelectorAll('#gridTable tbody tr').length, document.querySelectorAll('#gridTable thead th').length - 1]"
 
 
@@ -92,19 +100,31 @@ def test_desk(browser, url, folder, book):
     helpers = sum(len(book[key]) for key in ("formats", "videoCodecs", "audioCodecs", "filters"))
     expect("a section for each helper", lambda: len(browser.run(SHOWN)), helpers)
 
-    carriers = [f for f in book["formats"] if f["video"]]
-    codecs = {codec for f in carriers for codec in f["video"]["codecs"]}
-    expect("the grid is whole", lambda: browser.run(GRID), [len(carriers), len(codecs)])
-    marks = "return document.querySelectorAll('#gridTable td.yes').length"
-    expect("the grid's marks", lambda: browser.run(marks), sum(len(f["video"]["codecs"]) for f in carriers))
-    browser.type("#gridCodec", "vp9")
-    expect("the grid filters", lambda: browser.run(GRID), [sum("vp9" in f["video"]["codecs"] for f in carriers), 1])
+    # Each codec that a container carries stands in one grid, and what nothing here encodes is marked so.
+    cells = 0
+    for kind in ("film", "audio", "covers", "stills", "subtitles"):
+        browser.choose("#kind", kind)
+        cells += browser.run(MARKS)
+        wide = "return document.querySelector('.scroll').scrollWidth - document.querySelector('.scroll').clientWidth"
+        expect(f"the whole width of the grid of {kind}", lambda: browser.run(wide), 0)
+    carried = [(f[kind], codec) for f in book["formats"] for kind in ("video", "audio", "subtitles") if f[kind] for codec in f[kind]["codecs"]]
+    expect("the grids are whole", cells, len(carried))
+    encoders = {codec["id"] for codec in book["subtitleCodecs"] if codec["encoder"]}
+    absent = sum(codec not in encoders for f in book["formats"] if f["subtitles"] for codec in f["subtitles"]["codecs"])
+    expect("subtitles that nothing encodes", lambda: browser.run("return document.querySelectorAll('td.absent').length"), absent)
+    browser.choose("#kind", "film")
+    browser.type("#gridCodec", "VP9")
+    expect("the grid filters", lambda: browser.run(GRID), [sum("vp9" in f["video"]["codecs"] for f in book["formats"] if f["video"]), 1])
     browser.picture(folder / "filtered.png")
     browser.type("#gridCodec", "nothing")
     expect("the grid may be empty", lambda: browser.run(GRID), [0, 0])
 
     browser.type("#search", "9800000")
     expect("search finds values", lambda: browser.run(SHOWN), ["formats-dvd", "formats-svcd", "formats-vcd"])
+    expect("search marks what it found", lambda: browser.run("return document.querySelector('#formats-dvd mark').textContent"), "9800000")
+    for typed, found in SEARCHES:
+        browser.type("#search", typed)
+        expect(f"search finds {typed}", lambda: (lambda shown: [one for one in found if one not in shown] or len(shown) < 40)(browser.run(SHOWN)), True)
     browser.type("#search", "no such thing")
     expect("search says that there is nothing", lambda: browser.run("return !document.getElementById('nothing').hidden"), True)
     browser.type("#search", "x265 hevc")
@@ -116,6 +136,9 @@ def test_desk(browser, url, folder, book):
     expect("a link leads on", lambda: browser.run("return document.querySelector('#formats-mp4 details').open"), True)
     expect("a link ends the search", lambda: len(browser.run(SHOWN)), helpers)
     browser.picture(folder / "linked.png")
+    browser.run("history.back()")
+    expect("Back brings the search back", lambda: browser.run("return document.getElementById('search').value"), "x265 hevc")
+    expect("and what it found", lambda: browser.run(SHOWN), ["videoCodecs-hevc"])
 
     browser.run("document.activeElement.blur()")
     browser.press("/")

@@ -82,10 +82,10 @@ def main():
     run = lambda *arguments, **more: subprocess.run([program, *arguments], capture_output=True, text=True, **more)
     book = json.loads(run("json", check=True).stdout)
     found = test(json.load(open(book_schema, encoding="utf-8")), [book], [
-        lambda b: b.update({"norvex-rules": 2}), lambda b: b.pop("filters"), lambda b: b.update(more=1),
+        lambda b: b.update({"norvex-rules": 1}), lambda b: b.pop("filters"), lambda b: b.update(more=1),
         lambda b: b["formats"][0].pop("limits"), lambda b: b["formats"][0]["limits"].update(video=-1),
         lambda b: b["formats"][0]["video"].update(codecs=[]), lambda b: b["formats"].append(b["filters"][0]),
-        lambda b: b["videoCodecs"][0].update(encoder=5), lambda b: b["audioCodecs"][0]["constraints"].append({"path": "x"}),
+        lambda b: b["videoCodecs"][0].update(encoder=5), lambda b: b["subtitleCodecs"][0].pop("encoder"), lambda b: b["audioCodecs"][0]["constraints"].append({"path": "x"}),
         lambda b: b["audioCodecs"][0]["rules"].append({"path": "", "when": None, "allowed": {"words": ""}}),
         lambda b: b["filters"][0]["defaults"].update(x=[]), lambda b: b.update(library=""),
     ])

@@ -27,12 +27,13 @@ inline Norvex::Conf::ConstraintMap CollectConstraints(const Norvex::Conf::IDataH
     return constraints;
 }
 
-/// What the constraint makes of the value: "ok", "fixed to X" or "no".
+/// What the constraint makes of the value: "ok", "fixed to X" or "no"; "taken" where it leaves alone what is not valid.
 template <class Constraint>
 std::string FixupOf(const Constraint& constraint, Norvex::Core::Property value) {
     const Norvex::Core::Property before = value;
-    if (!constraint->Fixup(value)) return "no";
-    return value == before ? "ok" : "fixed to " + Norvex::Core::PropertyValueToString(value);
+    const bool isValid = constraint->IsValid(value), isFixed = constraint->Fixup(value);
+    if (isFixed && value != before) return isValid ? "changed" : "fixed to " + PropertyValueToString(value);
+    return value != before ? "changed" : isFixed == isValid ? (isValid ? "ok" : "no") : isFixed ? "taken" : "refused";
 }
 
 /// A codec helper that says, behind its base, what a case needs.

@@ -1,6 +1,7 @@
 #include "support/Trees.h"
 
-#include <iterator>
+#include <algorithm>
+#include <string_view>
 
 namespace NorvexTest {
 
@@ -40,12 +41,37 @@ void DumpInto(const Property& node, const std::string& path, std::string& out) {
     for (const Property& child : node) DumpInto(child, path + Property::SEPARATOR + child.GetName(), out);
 }
 
+/// Reads the value of the text's beginning, and takes it away from there.
+Property Read(const std::string& name, std::string_view& rest) {
+    const auto take = [&rest](std::size_t count) {
+        const std::string taken(rest.substr(0, count));
+        rest.remove_prefix(taken.size());
+        return taken;
+    };
+    if (rest.front() == '{') {
+        Property node(name);
+        for (take(1); rest.front() != '}'; take(rest.find_first_not_of(", "))) {
+            const std::string child = take(rest.find(':'));
+            take(rest.find_first_not_of(": "));
+            node.AddNamed(Read(child, rest));
+        }
+        take(1);
+        return node;
+    }
+    const std::string text = take(rest.find_first_of(",}"));
+    if (text == "true" || text == "false") return {name, text == "true"};
+    const auto ratio = Core::ParseRatio(text);
+    if (!ratio) return {name, text};
+    return text.find('/') == std::string::npos ? Property(name, ratio->numerator()) : Property(name, *ratio);
+}
+
 class RecordingConsumer final : public RefCounted<Conf::IConstraintConsumer> {
 public:
     void Reset() override { calls.emplace_back("reset"); }
     void AddValue(const std::string& name, const Property& value) override {
         calls.push_back("add " + name + '=' + Core::PropertyValueToString(value));
-        names.push_back(name);
+        const std::string text = Core::PropertyValueToString(value);
+        names.push_back(name == text || name + "/1" == text ? name : name + '=' + text);
     }
     void EndValues() override { calls.emplace_back("end"); }
     void SetMaxValue(double value) override { Record("max", std::to_string(value), max); }
@@ -90,6 +116,12 @@ std::string Dump(const Property& tree) {
     return out;
 }
 
+Property Tree(const std::string& text) {
+    const std::size_t brace = text.find('{');
+    std::string_view rest = std::string_view(text).substr(brace);
+    return Read(text.substr(0, brace), rest);
+}
+
 std::vector<std::string> CallsOf(const Conf::IPropertyConstraint& constraint) {
     return Fill(constraint)->calls;
 }
@@ -99,6 +131,7 @@ std::string ListOf(const Conf::IPropertyConstraint& constraint) {
     if (!consumer->min.empty()) {
         return consumer->min + ".." + consumer->max + (consumer->step.empty() ? "" : "/" + consumer->step);
     }
+    if (consumer->calls.empty()) return constraint.Description("");
     std::string list;
     for (const std::string& name : consumer->names) list += (list.empty() ? "" : ", ") + name;
     return list;

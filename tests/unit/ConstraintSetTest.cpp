@@ -3,9 +3,10 @@
 #include <cmath>
 #include <limits>
 
-#include "support/Corrections.h"
 #include "support/Failures.h"
+#include "support/TestHelpers.h"
 #include "support/Translation.h"
+#include "support/Trees.h"
 
 namespace {
 
@@ -41,82 +42,43 @@ TEST(ConstraintSet, ReadsBackTheTreeThatAConsumerGives) {
     EXPECT_EQ(TreeDiff(Property("n", "value"), value), "");
 }
 
-template <class T>
-void ExpectNearest() {
-    // Halves, so that doubles measure ratios exactly.
-    const std::vector<T> pool = {T(-3) / T(2), T(0), T(1), T(2), T(7) / T(2), T(5), T(8)};
-    const auto nearest = [](const std::vector<T>& list, const T& wanted) {
-        const auto distance = [&wanted](const T& value) { return value < wanted ? wanted - value : value - wanted; };
-        return FirstSmallest(
-            list, [](const T&) { return true; }, distance);
-    };
-    EXPECT_GT(SweepCorrections(
-                  pool, SetOf<T>, [](const T& value) { return value; }, nearest),
-              1700);
-}
-
-TEST(ConstraintSet, CorrectsToTheNearestValueAndOfTwoToTheEarlier) {
-    ExpectNearest<long long>();
-    ExpectNearest<double>();
-    ExpectNearest<Ratio>();
-}
-
-TEST(ConstraintSet, MeasuresDistancesAtTheEndsOfTheIntegers) {
+TEST(ConstraintSet, JudgesAndCorrects) {
     constexpr long long largest = std::numeric_limits<long long>::max();
     constexpr long long smallest = std::numeric_limits<long long>::min();
-    const struct {
-        std::vector<long long> list;
-        long long value, fixed;
-    } rows[] = {
-        {{smallest, 0}, largest, 0},
-        {{smallest, largest}, -4096, smallest},
-        {{smallest, largest}, 4096, largest},
-        {{largest, smallest}, smallest + 1, smallest},
-        {{1LL << 53, (1LL << 53) + 2}, largest, 1LL << 53},  // doubles cannot tell these distances apart
-    };
-    for (const auto& row : rows) {
-        Property value("n", row.value);
-        EXPECT_TRUE(SetOf(row.list)->Fixup(value));
-        EXPECT_EQ(value.GetInt64(), row.fixed) << "for " << row.value << " in " << ListOf(*SetOf(row.list));
-    }
-}
-
-TEST(ConstraintSet, ComparesDoublesExactly) {
-    const auto set = SetOf<double>({0.1, 0.3});
-    EXPECT_TRUE(set->IsValid(Property("n", 0.1)));
-    EXPECT_FALSE(set->IsValid(Property("n", std::nextafter(0.1, 1))) || set->IsValid(Property("n", 0.1 + 0.2)));
-    Property value("n", std::nan(""));
-    EXPECT_TRUE(!set->IsValid(value) && set->Fixup(value));
-    EXPECT_EQ(value.GetDouble(), 0.1);
-}
-
-TEST(ConstraintSet, JudgesSomeValuesThatItNeverCorrects) {
+    const auto ends = SetOf<long long>({smallest, largest});
+    const auto doubles = SetOf<double>({0.1, 0.3});
     const auto ratios = SetOf<Ratio>({Ratio(25), Ratio(30000, 1001)});
-    Property node("n"), changed("n");
-    changed.SetChildT("child", 1);
-    const auto nodes = ConstraintSet::Create(PT_NODE, ConstraintSet::ValueList<Property>{{"one", node}});
+    const auto nodes = ConstraintSet::Create(
+        PT_NODE, ConstraintSet::ValueList<Property>{{"one", Property("n")}, {"two", Tree("n{a: 1}")}});
     const struct {
         SP<IPropertyConstraint> set;
         Property value;
-        bool valid;
+        std::string fixed;
     } rows[] = {
-        {ratios, Property("n", "25"), true},
-        {ratios, Property("n", "60000/2002"), true},
-        {ratios, Property("n", "24"), false},
-        {ratios, Property("n", "25/0"), false},
-        {ratios, Property("n", ""), false},
-        {ratios, Property("n", "fast"), false},
-        {SetOf<bool>({true}), Property("n", true), true},
-        {SetOf<bool>({true}), Property("n", false), false},
-        {nodes, node, true},
-        {nodes, changed, false},
+        {SetOf<long long>({smallest, 0}), Property("n", largest), "fixed to 0"},
+        {ends, Property("n", -4096), "fixed to -9223372036854775808"},
+        {ends, Property("n", 4096), "fixed to 9223372036854775807"},
+        {SetOf<long long>({largest, smallest}), Property("n", smallest + 1), "fixed to -9223372036854775808"},
+        // Doubles cannot tell these distances apart, and do not equal what they look like.
+        {SetOf<long long>({1LL << 53, (1LL << 53) + 2}), Property("n", largest), "fixed to 9007199254740992"},
+        {doubles, Property("n", 0.1), "ok"},
+        {doubles, Property("n", std::nextafter(0.1, 1)), "fixed to 0.1"},
+        {doubles, Property("n", 0.1 + 0.2), "fixed to 0.3"},
+        {doubles, Property("n", std::nan("")), "fixed to 0.1"},
+        {ratios, Property("n", Ratio(-1, 3)), "fixed to 25/1"},
+        {ratios, Property("n", "25"), "ok"},
+        {ratios, Property("n", "60000/2002"), "ok"},
+        {ratios, Property("n", "24"), "no"},
+        {ratios, Property("n", "25/0"), "no"},
+        {ratios, Property("n", ""), "no"},
+        {SetOf<bool>({true}), Property("n", true), "ok"},
+        {SetOf<bool>({true}), Property("n", false), "no"},
+        {nodes, Property("n"), "ok"},
+        {nodes, Tree("n{a: 1}"), "ok"},
+        {nodes, Tree("n{a: 2}"), "no"},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(Dump(row.value) + "in " + ListOf(*row.set));
-        Property value = row.value;
-        EXPECT_EQ(row.set->IsValid(value), row.valid);
-        EXPECT_EQ(row.set->Fixup(value), row.valid);
-        EXPECT_EQ(TreeDiff(row.value, value), "");
+        EXPECT_EQ(FixupOf(row.set, row.value), row.fixed) << Dump(row.value) << "in " << ListOf(*row.set);
     }
 }
 

@@ -97,8 +97,6 @@ TEST(Filters, NeedTheChildrenThatTheyWrite) {
 TEST(FrameRate, OffersExactRatiosAndKeepsTheSourcesOnRequest) {
     const auto helper = DataHelperVideoResample::Create();
     const auto constraint = CollectConstraints(*helper).at(V::TAG_FPS);
-    EXPECT_EQ(ListOf(*constraint),
-              "Auto, 1, 2, 5, 8, 10, 12, 15, 16, 20, 23.97, 24, 25, 29.97, 30, 48, 50, 59.94, 60, 100, 120, 240");
     EXPECT_TRUE(constraint->IsValid(Property("", Ratio(60000, 1001))));
     EXPECT_FALSE(constraint->IsValid(Property("", Ratio(23976, 1000))));
     EXPECT_NE(CollectConstraints(*helper).at(V::TAG_FPS), constraint) << "new on each call";
@@ -112,9 +110,6 @@ TEST(FrameRate, OffersExactRatiosAndKeepsTheSourcesOnRequest) {
 }
 
 TEST(Resize, WantsEvenSizesWithoutACondition) {
-    EXPECT_THAT(
-        RulesOf(*DataHelperVideoResize::Create()),
-        testing::ElementsAre("always -> filter_resize/resize/width in ", "always -> filter_resize/resize/height in "));
     const RuleList rules = CollectRules(*DataHelperVideoResize::Create());
     EXPECT_EQ(rules[0].second->GetSecondConstraint(), rules[1].second->GetSecondConstraint());
     EXPECT_EQ(rules[0].second->GetSecondConstraint()->Description("x"), IPropertyConstraint::DESCRIPTION_ID_EVEN_SIZE);

@@ -7,98 +7,67 @@ namespace {
 
 using namespace Norvex;
 using namespace Norvex::Conf;
-using NorvexTest::CatchFrom;
-using NorvexTest::TagOf;
+using namespace NorvexTest;
 
-using A = IFormatCodecAudio;
-using V = IFormatCodecVideo;
-
-const std::string kinds[] = {"format", "audio_codec", "video_codec"};
-const std::pair<std::string, std::string> aliases[] = {{"format_codec_audio", "audio_codec"},
-                                                       {"format_codec_video", "video_codec"}};
-
-TEST(Lookup, FindsEveryRowOfEveryTableUnderItsOwnId) {
-    for (const std::string& kind : kinds) {
+TEST(Lookup, FindsEveryRowOfEveryTableUnderItsOwnIdAndAlias) {
+    for (const auto& [kind, alias] : {std::pair("format", "format"), std::pair("audio_codec", "format_codec_audio"),
+                                      std::pair("video_codec", "format_codec_video")}) {
         for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
-            SCOPED_TRACE(kind + ' ' + id);
-            EXPECT_EQ(CreateDataHelper(kind, id), helper);
-            const Core::Property defaults = helper->GetDefaults();
-            EXPECT_EQ(defaults.GetName(), kind);
-            EXPECT_EQ(defaults[kind == IPreset::KEY_FORMAT ? IFormatFile::TAG_CONTAINER : V::TAG_CODEC_ID].GetString(),
-                      id);
+            EXPECT_TRUE(CreateDataHelper(kind, id) == helper && CreateDataHelper(alias, id) == helper) << kind << id;
+            EXPECT_EQ(helper->GetDefaults().GetName(), kind);
+            EXPECT_EQ(helper->GetDefaults()[std::size_t{0}].GetString(), id);
         }
     }
-}
-
-TEST(Lookup, TakesTheTagOfAStreamsCodecSectionForAKind) {
-    for (const auto& [alias, kind] : aliases) {
-        for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
-            EXPECT_EQ(CreateDataHelper(alias, id), helper) << alias << ' ' << id;
-        }
+    for (const char* const kind :
+         {"filter_resample", "filter_volume", "filter_formatter", "filter_rate", "filter_resize"}) {
+        const SP<const IDataHelper> filter = CreateDataHelper(kind, "");
+        EXPECT_EQ(filter->GetDefaults().GetName(), kind);
+        EXPECT_EQ(CreateDataHelper(kind, "no such id"), filter) << "a filter goes by its kind alone";
     }
 }
 
-TEST(Lookup, FindsFiltersByKindAlone) {
-    for (const std::string& classId :
-         {Proc::IFilterResample::CLASS_ID, Proc::IFilterAudioVolume::CLASS_ID, Proc::IFilterAudioFormatter::CLASS_ID,
-          Proc::IFilterFrameRate::CLASS_ID, Proc::IFilterResize::CLASS_ID}) {
-        const SP<const IDataHelper> filter = CreateDataHelper(classId, "");
-        EXPECT_EQ(filter->GetDefaults().GetName(), classId);
-        EXPECT_EQ(CreateDataHelper(classId, "no such id"), filter) << classId;
-    }
-}
-
-TEST(Lookup, RefusesAKindThatItDoesNotKnow) {
-    for (const std::string& kind : {std::string(), std::string("format_"), std::string("forma"), std::string("Format"),
-                                    std::string("audio_codec/codec_id"), Proc::IResample::CLASS_ID}) {
-        SCOPED_TRACE(kind);
-        for (auto* const create : {+[](const std::string& k) { CreateDataHelper(k, "mp4"); },
-                                   +[](const std::string& k) { CreateDataHelperAuto(k, "mp4"); }}) {
-            const auto failure = CatchFrom<HelperException>([&] { create(kind); });
-            EXPECT_EQ(TagOf<HelperException::TagClassIsNotFound>(failure), kind);
-            EXPECT_FALSE(TagOf<HelperException::TagClassIsFound>(failure));
-            EXPECT_TRUE(TagOf<TagCallStack>(failure));
-        }
-    }
-}
-
-TEST(Lookup, RefusesAnIdThatTheKindDoesNotHoldByTheKindMeant) {
-    struct Case {
-        std::string asked, meant, id;
-    };
-    const Case cases[] = {
-        {IPreset::KEY_FORMAT, "format", ""},
-        {IPreset::KEY_FORMAT, "format", "MP4"},
-        {IPreset::KEY_FORMAT, "format", V::CODEC_ID_H264},
-        {A::TAG_FORMAT_CODEC_AUDIO, "audio_codec", V::CODEC_ID_H264},
-        {A::TAG_FORMAT_CODEC_AUDIO, "audio_codec", A::CODEC_ID_EAC3},
-        {IPreset::KEY_FILTER_VIDEO_CODEC, "video_codec", V::CODEC_ID_AUTO},
-        {V::TAG_FORMAT_CODEC_VIDEO, "video_codec", V::CODEC_ID_WMV3},
+TEST(Lookup, RefusesKindsAndIdsThatItDoesNotHold) {
+    const struct {
+        std::string asked, meant, id;  ///< `meant` is empty where there is no such kind
+    } cases[] = {
+        {"", "", "mp4"},
+        {"forma", "", "mp4"},
+        {"Format", "", "mp4"},
+        {"audio_codec/codec_id", "", "aac"},
+        {"resample", "", ""},
+        {"format", "format", ""},
+        {"format", "format", "MP4"},
+        {"format", "format", "h264"},
+        {"format_codec_audio", "audio_codec", "h264"},
+        {"audio_codec", "audio_codec", "eac3"},
+        {"video_codec", "video_codec", "auto"},
+        {"video_codec", "video_codec", "vc1"},
+        {"format_codec_video", "video_codec", "wmv3"},
     };
     for (const auto& [asked, meant, id] : cases) {
         SCOPED_TRACE(asked + ' ' + id);
-        const auto failure = CatchFrom<HelperException>([&asked = asked, &id = id] { CreateDataHelper(asked, id); });
-        EXPECT_EQ(TagOf<HelperException::TagClassIsFound>(failure), meant);
-        EXPECT_EQ(TagOf<HelperException::TagTypeIsNotFound>(failure), id);
-        EXPECT_FALSE(TagOf<HelperException::TagClassIsNotFound>(failure));
-        EXPECT_TRUE(TagOf<TagCallStack>(failure));
+        for (const bool automatic : {false, true}) {
+            const auto failure = CatchFrom<HelperException>([automatic, &kind = asked, &id = id] {
+                automatic ? CreateDataHelperAuto(kind, id) : CreateDataHelper(kind, id);
+            });
+            EXPECT_EQ(TagOf<HelperException::TagClassIsNotFound>(failure).value_or(""), meant.empty() ? asked : "");
+            EXPECT_EQ(TagOf<HelperException::TagClassIsFound>(failure).value_or(""), meant);
+            EXPECT_EQ(TagOf<HelperException::TagTypeIsNotFound>(failure).value_or(""), meant.empty() ? "" : id);
+            EXPECT_TRUE(TagOf<TagCallStack>(failure));
+        }
     }
-}
-
-TEST(Lookup, ListsOnlyTheKindsThatHaveIds) {
-    for (const std::string& kind :
-         {A::TAG_FORMAT_CODEC_AUDIO, V::TAG_FORMAT_CODEC_VIDEO, Proc::IFilterResize::CLASS_ID, std::string()}) {
+    for (const std::string kind : {"format_codec_audio", "filter_resize", ""}) {
         const auto failure = CatchFrom<HelperException>([&kind] { GetAvailableDataHelpers(kind); });
-        EXPECT_EQ(TagOf<HelperException::TagClassIsNotFound>(failure), kind);
-        EXPECT_FALSE(TagOf<TagCallStack>(failure)) << kind;
+        EXPECT_EQ(TagOf<HelperException::TagClassIsNotFound>(failure), kind) << "only kinds with ids have a list";
+        EXPECT_FALSE(TagOf<TagCallStack>(failure));
     }
 }
 
 TEST(Lookup, MakesAProxyAnewAroundTheSharedHelper) {
-    const SP<const IDataHelper> shared = CreateDataHelper(IPreset::KEY_FILTER_AUDIO_CODEC, A::CODEC_ID_AAC);
+    const SP<const IDataHelper> shared = CreateDataHelper("audio_codec", "aac");
     const auto count = shared->GetRefCount();
-    const SP<const IDataHelper> one = CreateDataHelperAuto(A::TAG_FORMAT_CODEC_AUDIO, A::CODEC_ID_AAC);
-    const SP<const IDataHelper> two = CreateDataHelperAuto(A::TAG_FORMAT_CODEC_AUDIO, A::CODEC_ID_AAC);
+    const SP<const IDataHelper> one = CreateDataHelperAuto("format_codec_audio", "aac");
+    const SP<const IDataHelper> two = CreateDataHelperAuto("format_codec_audio", "aac");
     EXPECT_NE(one, two);
     EXPECT_EQ(shared->GetRefCount(), count + 2);
 }
