@@ -45,10 +45,16 @@ inline std::string ComplaintAbout(const CLI::App& app, const std::vector<std::st
     return "there is no command '" + words.front() + "'" + (suggestion.empty() ? "; there are " + list : suggestion);
 }
 
-/// Prints what a parse came to: help, or a complaint. Returns the exit status: CLI11's own are many; a wrong command
-/// line is 2, as with other programs.
-inline int ExitStatus(const CLI::App& app, const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);
+/// Prints what a parse came to: help, with the examples behind that of the whole program, or a complaint. (A footer of
+/// CLI11's would lose its lines: later versions wrap it.) Returns the exit status: CLI11's own are many; a wrong
+/// command line is 2, as with other programs.
+inline int ExitStatus(const CLI::App& app, const CLI::ParseError& error, const char* examples) {
+    if (error.get_exit_code() == 0) {
+        const int status = app.exit(error);
+        const bool isHelp = error.get_name() == "CallForHelp" && app.get_subcommands().empty();
+        if (isHelp) std::printf("\n%s\n", examples);
+        return status;
+    }
     const bool wantsCommand = app.get_require_subcommand_min() > 0 && app.get_subcommands().empty();
     const std::vector<std::string> words = app.remaining(true);
     const bool isAboutWords = wantsCommand || (!words.empty() && error.get_name() != "ValidationError");

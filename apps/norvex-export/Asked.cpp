@@ -79,7 +79,7 @@ void UseIds(Request& request) {
 void TakeBackOpen(Request& request) {
     auto& choices = request.choices;
     for (auto open = choices.begin(); open != choices.end();) {
-        if (!open->isOpen) {
+        if (!open->isOpen || open->stream) {
             ++open;
             continue;
         }

@@ -131,6 +131,7 @@ VideoJob MakeVideoJob(const Property& stream, const VideoSource& source, const P
     job.fit = FitOf(resizeSection,
                     {source.width, source.height, source.sampleAspect.numerator, source.sampleAspect.denominator},
                     {job.width, job.height, job.sampleAspect.numerator, job.sampleAspect.denominator});
+    job.orientation = source.orientation;
     job.scaler = ScalerOf(resizeSection);
     SetRateControl(stream, job);
     job.twoPass = stream.ChildExists(V::TAG_MULTIPASS_ENCODING) &&
@@ -143,7 +144,9 @@ VideoJob MakeVideoJob(const Property& stream, const VideoSource& source, const P
     }
     if (stream.ChildExists(C::TAG_THREAD_NUMBER)) job.threads = ToInt(stream[C::TAG_THREAD_NUMBER]);
     job.options = EncoderOptions(stream);
-    job.pixelFormat = PixelFormatOf(job.codecId, ProfileIn(stream));
+    job.pixelFormats = PixelFormatsOf(job.codecId, ProfileIn(stream));
+    const std::string isOpaque = Path({C::TAG_CODEC_OPTIONS_ENCODE, V::TAG_DISABLE_TRANSPARENCY});
+    job.keepsAlpha = !stream.ChildExists(isOpaque) || !stream[isOpaque].GetBool();
     return job;
 }
 

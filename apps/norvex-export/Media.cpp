@@ -83,15 +83,17 @@ private:
 };
 
 void RequireComplete(const ExportJob& job) {
-    if (!job.video && !job.audio && !job.subtitle && job.copies.empty())
+    if (job.video.empty() && job.audio.empty() && job.subtitles.empty() && job.copies.empty())
         throw MediaError("there is no stream to export");
-    if (job.video) {
-        const VideoJob& video = *job.video;
+    for (const VideoJob& video : job.video) {
         if (video.width <= 0 || video.height <= 0) throw MediaError("the size of the picture must be above 0");
         if (!IsSingle(video) && !IsPositive(ToRational(video.frameRate)))
             throw MediaError("the frame rate must be above 0");
     }
-    if (job.audio && job.audio->sampleRate <= 0) throw MediaError("the sample rate must be above 0");
+    if (job.span.begin < 0 || job.span.end <= job.span.begin) throw MediaError("the film must end after its beginning");
+    for (const AudioJob& audio : job.audio) {
+        if (audio.sampleRate <= 0) throw MediaError("the sample rate must be above 0");
+    }
 }
 
 /// A second pass needs an encoder that can make it, and a bitrate to share out.
@@ -107,12 +109,14 @@ bool WantMore(const OutputStreams& streams) {
 
 /// Carries all packets of the input through the streams. All fields of what it returns are set but
 /// `bytes` and `elapsed`.
-ExportResult RunPass(Input& input, const ExportJob& job, const Pass& pass, Muxer& muxer, ProgressMeter& progress) {
-    const OutputStreams streams = MakeStreams(input, job, pass, muxer);
-    progress.BeginPass(pass.number);
+ExportResult RunPass(Input& input, const ExportJob& job, int pass, PassRecords& records, Muxer& muxer,
+                     ProgressMeter& progress) {
+    const OutputStreams streams = MakeStreams(input, job, pass, records, muxer);
+    progress.BeginPass(pass);
+    BeginFilm(input, job, muxer);
     muxer.Begin();
     const Owned<AVPacket> packet = Own(av_packet_alloc());
-    while (WantMore(streams) && input.Read(*packet)) {
+    while (WantMore(streams) && !input.IsFilmOver() && input.Read(*packet)) {
         for (const auto& stream : streams) {
             if (stream->SourceIndex() == packet->stream_index) stream->Take(*packet);
         }
@@ -127,62 +131,144 @@ ExportResult RunPass(Input& input, const ExportJob& job, const Pass& pass, Muxer
     ExportResult result;
     for (const auto& stream : streams) stream->Report(result);
     result.duration = FarthestSecond(streams);
+    result.jumps = input.Times().Jumps();
+    result.damagedStamps = input.Times().DamagedStamps();
     return result;
 }
 
-void RunFirstPass(const ExportJob& job, const Pass& pass, ProgressMeter& progress) {
+void RunFirstPass(const ExportJob& job, PassRecords& records, ProgressMeter& progress) {
     Input input(job.inputPath);
     Muxer muxer = Muxer::Discarding();
-    RunPass(input, job, pass, muxer, progress);
+    RunPass(input, job, 1, records, muxer, progress);
+}
+
+/// Why the output cannot begin; empty where it can.
+std::string WhyNotWritable(Input& input, const ExportJob& job) {
+    try {
+        PassRecords none;
+        Muxer muxer = Muxer::OnTrial(job.muxer, job.muxerOptions);
+        const OutputStreams streams = MakeStreams(input, job, 1, none, muxer);
+        muxer.TakeTags(input.Context(), input.StartTime());
+        muxer.Begin();
+        return {};
+    } catch (const MediaError& error) {
+        return error.what();
+    }
+}
+
+/// Seconds, 0 where unknown.
+double DurationOf(const Span& span, const Input& input) {
+    const double whole = input.Duration() * AV_TIME_BASE;
+    const auto begin = static_cast<double>(span.begin);
+    if (span.end == Span::endless) return std::max(0.0, whole - begin) / AV_TIME_BASE;
+    const auto end = static_cast<double>(span.end);
+    return std::max(0.0, (whole > 0 ? std::min(whole, end) : end) - begin) / AV_TIME_BASE;
+}
+
+ExportResult RunPasses(const ExportJob& job, const PendingFile& file, const ProgressMeter::Callback& onProgress) {
+    Input input(job.inputPath);
+    PassRecords records;
+    for (const VideoJob& video : job.video) {
+        if (MakesTwoPasses(video)) records[video.streamIndex];
+    }
+    const int passes = records.empty() ? 1 : 2;
+    // Pictures alone are done long before the input ends.
+    const bool isPicture = std::all_of(job.video.begin(), job.video.end(), IsSingle) && job.audio.empty() &&
+                           job.subtitles.empty() && job.copies.empty();
+    ProgressMeter progress(onProgress, file, isPicture ? 0 : DurationOf(job.span, input), passes);
+    if (passes == 2) RunFirstPass(job, records, progress);
+    ExportResult result;
+    {
+        Muxer muxer(job.muxer, job.muxerOptions, file);
+        result = RunPass(input, job, passes, records, muxer, progress);
+    }
+    result.bytes = file.Size();
+    progress.Finish();
+    return result;
+}
+
+/// Takes a stream of the input out of the job.
+void Drop(ExportJob& job, int streamIndex) {
+    const auto drop = [streamIndex](auto& streams, const auto& indexOf) {
+        streams.erase(std::remove_if(streams.begin(), streams.end(),
+                                     [&](const auto& stream) { return indexOf(stream) == streamIndex; }),
+                      streams.end());
+    };
+    const auto indexOf = [](const auto& stream) { return stream.streamIndex; };
+    drop(job.video, indexOf);
+    drop(job.audio, indexOf);
+    drop(job.subtitles, indexOf);
+    drop(job.copies, [](int index) { return index; });
+}
+
+/// Whether the job makes more than covers and attachments.
+bool HasContent(const ExportJob& job) {
+    const Input input(job.inputPath);
+    const auto isContent = [&input](int index) {
+        const AVStream& stream = input.Stream(index);
+        const AVMediaType type = stream.codecpar->codec_type;
+        return !IsAttachedPicture(stream) &&
+               (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO || type == AVMEDIA_TYPE_SUBTITLE);
+    };
+    return !job.video.empty() || !job.audio.empty() || !job.subtitles.empty() ||
+           std::any_of(job.copies.begin(), job.copies.end(), isContent);
 }
 
 }  // namespace
 
 InputInfo Probe(const std::string& path) {
     const Input input(path);
-    const AVStream* const video = input.BestStream(AVMEDIA_TYPE_VIDEO, -1);
-    const AVStream* const audio = input.BestStream(AVMEDIA_TYPE_AUDIO, video != nullptr ? video->index : -1);
-    const AVStream* const timed = video != nullptr ? video : audio;
-    const AVStream* const subtitle = input.BestStream(AVMEDIA_TYPE_SUBTITLE, timed != nullptr ? timed->index : -1);
-    if (timed == nullptr && subtitle == nullptr) {
-        throw MediaError("cannot open " + input.QuotedName() + ": it holds neither pictures nor sound nor subtitles");
-    }
     InputInfo info;
     info.path = path;
     info.container = input.Container();
     info.duration = input.Duration();
-    if (video != nullptr) info.video = DescribeVideo(input, *video);
-    if (audio != nullptr) info.audio = DescribeAudio(*audio);
-    if (subtitle != nullptr) info.subtitle = DescribeSubtitle(*subtitle);
+    DescribeStreams(input, info);
+    const auto isDecodable = [](const StreamSource& stream) { return stream.isDecodable; };
+    const auto hasAny = [&](const auto& list) { return std::any_of(list.begin(), list.end(), isDecodable); };
+    if (!hasAny(info.video) && !hasAny(info.audio) && !hasAny(info.subtitles)) {
+        throw MediaError("cannot open " + input.QuotedName() + ": it holds neither pictures nor sound nor subtitles");
+    }
     return info;
+}
+
+std::vector<StreamFailure> FindUnwritableCopies(const ExportJob& job) {
+    Input input(job.inputPath);
+    if (job.copies.empty() || WhyNotWritable(input, job).empty()) return {};
+    ExportJob part = job;
+    part.copies.clear();
+    const bool hasOthers = !part.video.empty() || !part.audio.empty() || !part.subtitles.empty();
+    if (hasOthers && !WhyNotWritable(input, part).empty()) return {};
+    std::vector<StreamFailure> unwritable;
+    for (const int index : job.copies) {
+        part.copies.push_back(index);
+        std::string reason = WhyNotWritable(input, part);
+        if (reason.empty()) continue;
+        unwritable.push_back({index, std::move(reason)});
+        part.copies.pop_back();
+    }
+    return unwritable;
 }
 
 ExportResult RunExport(const ExportJob& job, const std::function<void(const Progress&)>& onProgress) {
     const auto begin = std::chrono::steady_clock::now();
     RequireComplete(job);
-    Input input(job.inputPath);
     RequireWritable(job.outputPath, {{job.inputPath, "the input"}});
     PendingFile file(job.outputPath);
-
-    const int passes = job.video && MakesTwoPasses(*job.video) ? 2 : 1;
-    // A picture alone is done long before the input ends.
-    const bool isPicture = job.video && IsSingle(*job.video) && !job.audio && !job.subtitle && job.copies.empty();
-    ProgressMeter progress(onProgress, file, isPicture ? 0 : input.Duration(), passes);
-    std::optional<PassRecord> record;
-    if (passes == 2) {
-        RunFirstPass(job, Pass{1, passes, &record.emplace()}, progress);
+    ExportJob possible = job;
+    std::vector<StreamFailure> leftOut;
+    for (;;) {
+        try {
+            ExportResult result = RunPasses(possible, file, onProgress);
+            file.Commit();
+            result.leftOut = std::move(leftOut);
+            result.elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+            return result;
+        } catch (const StreamError& error) {
+            Drop(possible, error.StreamIndex());
+            if (!HasContent(possible)) throw;
+            leftOut.push_back({error.StreamIndex(), error.what()});
+        }
     }
-    const Pass pass = {passes, passes, record ? &*record : nullptr};
-    ExportResult result;
-    {
-        Muxer muxer(job.muxer, job.muxerOptions, file);
-        result = RunPass(input, job, pass, muxer, progress);
-    }
-    result.bytes = file.Size();
-    progress.Finish();
-    file.Commit();
-    result.elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    return result;
 }
 
 }  // namespace NorvexExport

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "Summary.h"
 #include "Terminal.h"
 #include "norvex/Norvex.h"
 #include "norvex/document/TreeForm.h"
@@ -98,16 +99,30 @@ std::vector<Row> RowsOf(const StreamPlan& stream) {
     return rows;
 }
 
-const char* KindName(StreamPlan::Kind kind) {
+const char* KindName(StreamKind kind) {
     switch (kind) {
-        case StreamPlan::Kind::Video:
+        case StreamKind::Video:
             return "video";
-        case StreamPlan::Kind::Audio:
+        case StreamKind::Audio:
             return "audio";
-        case StreamPlan::Kind::Subtitle:
+        case StreamKind::Subtitle:
+            return "subtitles";
+        case StreamKind::Cover:
+            return "cover";
+        case StreamKind::Attachment:
+            return "attachment";
+        case StreamKind::Data:
             break;
     }
-    return "subtitles";
+    return "data";
+}
+
+/// Such as "audio 2, eng, Commentary".
+std::string HeadingOf(const StreamPlan& stream) {
+    std::string text = fmt::format("{} {}", KindName(stream.kind), stream.streamIndex);
+    if (!stream.language.empty()) text += ", " + stream.language;
+    if (!stream.title.empty()) text += ", " + stream.title;
+    return text;
 }
 
 const char* VerdictName(Finding::Verdict verdict) {
@@ -167,7 +182,7 @@ std::string ExplainText(const StreamPlan& stream, const Style& style) {
 
 std::string StreamText(const StreamPlan& stream, bool explain, const Style& style) {
     if (stream.isCopied) {
-        return fmt::format("\n{}{}{}  {}carried over unchanged: {}{}\n", style.bold, KindName(stream.kind), style.reset,
+        return fmt::format("\n{}{}{}  {}carried over unchanged: {}{}\n", style.bold, HeadingOf(stream), style.reset,
                            style.dim, stream.source, style.reset);
     }
     const std::vector<Row> rows = RowsOf(stream);
@@ -179,7 +194,7 @@ std::string StreamText(const StreamPlan& stream, bool explain, const Style& styl
         asked = std::max(asked, row.asked.size());
         settled = std::max(settled, row.settled.size());
     }
-    std::string text = fmt::format("\n{}{}{}  {}from {}{}\n", style.bold, KindName(stream.kind), style.reset, style.dim,
+    std::string text = fmt::format("\n{}{}{}  {}from {}{}\n", style.bold, HeadingOf(stream), style.reset, style.dim,
                                    stream.source, style.reset);
     text += fmt::format("  {}{:<{}}  {:<{}}  {:<{}}  by{}\n", style.dim, "", path, "asked", asked, "settled", settled,
                         style.reset);
@@ -247,7 +262,11 @@ std::string PlanText(const Plan& plan, bool colours) {
     std::string text =
         fmt::format("{}{}{} -> {}{}{}  {}{}, {:.2f} s{}\n", style.bold, plan.request.input, style.reset, style.bold,
                     plan.request.output, style.reset, style.dim, plan.formatId, plan.input.duration, style.reset);
-    for (const StreamPlan& stream : plan.streams) text += StreamText(stream, plan.request.explain, style);
+    if (plan.request.verbose || plan.request.explain) {
+        for (const StreamPlan& stream : plan.streams) text += StreamText(stream, plan.request.explain, style);
+    } else {
+        text += SummaryText(plan);
+    }
     for (const std::string& note : plan.notes) text += "\n" + note + "\n";
     if (!plan.request.savePresetFile.empty()) text += "\nSaved the preset to " + plan.request.savePresetFile + ".\n";
     if (plan.request.dryRun) text += "\nNothing was encoded: this was a dry run.\n";
@@ -269,6 +288,9 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
                                {"message", change->broken ? change->broken->message : std::string()}});
         }
         Value json = {{"type", KindName(stream.kind)},
+                      {"index", stream.streamIndex},
+                      {"language", stream.language},
+                      {"title", stream.title},
                       {"source", stream.source},
                       {"copied", stream.isCopied},
                       {"asked", PlainFormOf(stream.asked)},
@@ -285,10 +307,20 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
                       {"streams", streams},          {"notes", Value::List(plan.notes.begin(), plan.notes.end())}};
     if (!plan.request.savePresetFile.empty()) document["savedPreset"] = plan.request.savePresetFile;
     if (result != nullptr) {
-        document["result"] = {{"videoFrames", result->videoFrames}, {"audioSamples", result->audioSamples},
-                              {"subtitles", result->subtitles},     {"copiedPackets", result->copiedPackets},
-                              {"duration", result->duration},       {"bytes", result->bytes},
-                              {"elapsed", result->elapsed}};
+        Value::List leftOut;
+        for (const StreamFailure& stream : result->leftOut) {
+            leftOut.push_back({{"index", stream.streamIndex}, {"reason", stream.reason}});
+        }
+        document["result"] = {{"videoFrames", result->videoFrames},
+                              {"audioSamples", result->audioSamples},
+                              {"subtitles", result->subtitles},
+                              {"copiedPackets", result->copiedPackets},
+                              {"duration", result->duration},
+                              {"bytes", result->bytes},
+                              {"elapsed", result->elapsed},
+                              {"leftOut", leftOut},
+                              {"jumps", result->jumps},
+                              {"damagedStamps", result->damagedStamps}};
     }
     // A file name need not be UTF-8; what is not is shown by the replacement character.
     return Norvex::Document::WriteJson(document) + '\n';
@@ -298,7 +330,17 @@ std::string ResultText(const Plan& plan, const ExportResult& result) {
     std::string text = fmt::format("\nWrote {} ({}, {}) in {}", plan.request.output, BytesText(result.bytes),
                                    DurationText(result.duration), DurationText(result.elapsed));
     if (result.duration > 0 && result.elapsed > 0) text += ", " + SpeedText(result.duration, result.elapsed);
-    return text + '\n';
+    text += '\n';
+    if (result.jumps > 0) {
+        text += fmt::format("The input's time jumps {}: the film goes on where it was.\n",
+                            result.jumps == 1 ? "once" : fmt::format("{} times", result.jumps));
+    }
+    if (result.damagedStamps > 0) {
+        text += fmt::format("{} of the input made up for.\n",
+                            result.damagedStamps == 1 ? "One damaged time stamp"
+                                                      : fmt::format("{} damaged time stamps", result.damagedStamps));
+    }
+    return text;
 }
 
 std::string ProgressText(const Progress& progress, double elapsed, std::size_t columns) {

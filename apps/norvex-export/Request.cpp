@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <boost/algorithm/string/case_conv.hpp>
+#include <boost/algorithm/string/split.hpp>
+#include <cctype>
 #include <functional>
+#include <limits>
 #include <stdexcept>
 
 #include "Asked.h"
@@ -160,12 +163,77 @@ Take FrameSize(const std::string& section) {
     };
 }
 
+/// Seconds, or minutes and hours before them, for a time in microseconds.
+Take Time(std::optional<long long> Request::*time, long long least) {
+    return [=](const std::string& text, const Taker& taker) {
+        const auto parsed = NorvexApps::ParseTime(text);
+        if (!parsed || *parsed < least) throw TextError("'" + text + "' is no time such as 90, 1.5 or 1:30");
+        taker.GetRequest().*time = parsed;
+    };
+}
+
 Take Flag(bool Request::*flag) {
     return [flag](const std::string& /*text*/, const Taker& taker) { taker.GetRequest().*flag = true; };
 }
 
 Take File(std::string Request::*file) {
     return [file](const std::string& text, const Taker& taker) { taker.GetRequest().*file = text; };
+}
+
+/// Kinds of streams by the words for them.
+constexpr std::pair<const char*, StreamKind> g_kinds[] = {
+    {"video", StreamKind::Video},
+    {"audio", StreamKind::Audio},
+    {"subtitles", StreamKind::Subtitle},
+    {"cover", StreamKind::Cover},
+    {"attachments", StreamKind::Attachment},
+    {"data", StreamKind::Data},
+};
+
+/// One of what stands between the commas of --streams: "2", "audio", "eng" or "audio:eng".
+StreamChoice ParseStreams(const std::string& text) {
+    StreamChoice choice;
+    choice.text = text;
+    const std::size_t colon = text.find(':');
+    const std::string first = text.substr(0, colon);
+    const auto* const kind =
+        std::find_if(std::begin(g_kinds), std::end(g_kinds), [&](const auto& row) { return first == row.first; });
+    if (kind != std::end(g_kinds)) choice.kind = kind->second;
+    const bool isAlone = colon == std::string::npos;
+    const std::string rest = choice.kind ? (isAlone ? "" : text.substr(colon + 1)) : text;
+    const long long number = choice.kind ? -1 : NorvexApps::ParseInteger(rest).value_or(-1);
+    // Languages as containers give them: two or three letters, and perhaps a region behind a hyphen.
+    const std::size_t letters = std::min(rest.find('-'), rest.size());
+    const bool isLanguage = letters >= 2 && letters <= 3 && std::all_of(rest.begin(), rest.end(), [](unsigned char c) {
+                                return std::isalnum(c) != 0 || c == '-';
+                            });
+    if (number >= 0 && number < std::numeric_limits<int>::max()) {
+        choice.stream = static_cast<int>(number);
+    } else if (isLanguage) {
+        choice.language = boost::algorithm::to_lower_copy(rest);
+    } else if (!choice.kind || !isAlone) {
+        throw TextError("'" + text +
+                        "' is neither the number of a stream, nor a kind such as audio, nor a language such as eng");
+    }
+    return choice;
+}
+
+void TakeStreams(const std::string& text, const Taker& taker) {
+    std::vector<std::string> parts;
+    boost::algorithm::split(parts, boost::algorithm::to_lower_copy(text), [](char c) { return c == ','; });
+    auto& streams = taker.GetRequest().streams;
+    streams.clear();
+    for (const std::string& part : parts) streams.push_back(ParseStreams(part));
+}
+
+void TakeDeinterlacing(const std::string& text, const Taker& taker) {
+    constexpr std::pair<const char*, Deinterlacing> wishes[] = {
+        {"auto", Deinterlacing::Auto}, {"on", Deinterlacing::On}, {"off", Deinterlacing::Off}};
+    const std::string word = boost::algorithm::to_lower_copy(text);
+    const auto* const wish =
+        std::find_if(std::begin(wishes), std::end(wishes), [&word](const auto& row) { return word == row.first; });
+    if (wish == std::end(wishes)) throw TextError("'" + text + "' is neither auto nor on nor off");
+    taker.GetRequest().deinterlacing = wish->second;
 }
 
 std::vector<Option> GeneralOptions() {
@@ -178,11 +246,25 @@ std::vector<Option> GeneralOptions() {
          "Carry over unchanged each stream of which nothing is\n"
          "asked and that the container takes as it is",
          Flag(&Request::copy)},
+        {"--streams", "LIST",
+         "What is taken of the input, by number, kind and language:\n"
+         "0,2 or video,audio:eng,subtitles (kinds: video, audio,\n"
+         "subtitles, cover, attachments, data; default: all that\n"
+         "the container holds)",
+         TakeStreams},
+        {"--start", "TIME",
+         "Leave out what lies before: seconds, such as 90 or 1.5,\n"
+         "or 1:30. With --copy the film begins at the key picture\n"
+         "before it",
+         Time(&Request::start, 0)},
+        {"--duration", "TIME", "Leave out what lies behind that much", Time(&Request::duration, 1)},
+        {"--no-faststart", nullptr, "Leave the index of MP4 and MOV behind the media", Flag(&Request::noFaststart)},
         {"--preset", "FILE", "Start from the preset in this file", File(&Request::presetFile)},
         {"--save-preset", "FILE", "Write what was settled on to this file", File(&Request::savePresetFile)},
         {"--classic", nullptr, "Know the classic codecs and containers alone", Flag(&Request::classic)},
         {"--dry-run", nullptr, "Show what would be encoded, and encode nothing", Flag(&Request::dryRun)},
-        {"--explain", nullptr, "Show each rule and constraint that was looked at", Flag(&Request::explain)},
+        {"--verbose", nullptr, "Show each value that was asked and settled on", Flag(&Request::verbose)},
+        {"--explain", nullptr, "The same, with each rule and constraint that was looked at", Flag(&Request::explain)},
         {"--json", nullptr, "Print for programs", Flag(&Request::json)},
         {"--quiet", nullptr, "Print nothing but errors", Flag(&Request::quiet)},
     };
@@ -217,6 +299,8 @@ std::vector<Option> VideoOptions() {
          "Frames per second, such as 25, 29.97 or 30000/1001,\n"
          "or ntsc, pal, film, or auto, the source's",
          FrameRate(Path({Proc::IFilterFrameRate::CLASS_ID, V::TAG_FPS}))},
+        {"--deinterlace", "WHEN", "auto, on or off: auto keeps the fields of interlaced\npictures where the codec can",
+         TakeDeinterlacing},
         {"--two-pass", nullptr, "Encode twice, the second time by what the first has\nlearned",
          [mode = Path({codec, V::TAG_MULTIPASS_ENCODING})](const std::string& /*text*/, const Taker& taker) {
              taker.Choose(mode, V::TAG_TWO_PASS_MODE);
@@ -252,7 +336,7 @@ std::vector<Option> AudioOptions() {
         {"--sample-rate", "RATE", "Hz, such as 44100 or 48k, or auto, the source's",
          SampleRate(inResample(A::TAG_SAMPLE_RATE))},
         {"--layout", "LAYOUT", "Channels: mono, stereo, 5.1, 7.1 and the like, or auto,\nthe source's",
-         Name(inResample(A::TAG_LAYOUT), A::TAG_CH_LAYOUT_UNKNOWN)},
+         NameOrOpen(inResample(A::TAG_LAYOUT))},
         {"--sample-format", "FORMAT", "Sample format, such as s16, s32 or fltp, or auto",
          NameOrOpen(Path({resample, A::TAG_SAMPLE_FORMAT}))},
     };
@@ -261,10 +345,10 @@ std::vector<Option> AudioOptions() {
 std::vector<Option> SubtitleOptions() {
     return {
         {"--subtitles", "CODEC",
-         "Codec, such as srt, ass or mov_text, or auto, the\n"
-         "container's (default: none in films, auto in subtitle\n"
-         "files)",
+         "Codec of text, such as srt, ass or mov_text, or auto,\n"
+         "the container's own",
          Name(Path({P::KEY_FILTER_SUBTITLE_CODEC, V::TAG_CODEC_ID}))},
+        {"--no-subtitles", nullptr, "Leave the subtitles out", Flag(&Request::noSubtitles)},
     };
 }
 
@@ -296,6 +380,8 @@ const char* const g_examples = R"(Examples:
       smaller
   norvex-export film.mov film.mp4 --video-bitrate 5M --two-pass
       of a size that is known before
+  norvex-export film.mov film.mp4 --audio-bitrate 128k --audio-bitrate:1 64k
+      one stream by its number otherwise than the others
   norvex-export film.mov film.mkv --copy
       another container, with what is in it unchanged
   norvex-export film.mov song.mp3 --audio-bitrate 192k
@@ -333,11 +419,24 @@ bool Request::Asks(const std::string& section) const {
     });
 }
 
-Parsed ParseCommandLine(int argc, const char* const* argv) {
-    Parsed parsed;
-    Request& request = parsed.request;
-    CLI::App app("Exports video, sound, pictures and subtitles by the rule book of the container and the codecs.",
-                 "norvex-export");
+Request Request::For(int stream, const std::string& codecSection) const {
+    Request own = *this;
+    auto& kept = own.choices;
+    const auto drop = [&kept](const auto& isOut) {
+        kept.erase(std::remove_if(kept.begin(), kept.end(), isOut), kept.end());
+    };
+    drop([&](const Choice& choice) { return choice.stream && *choice.stream != stream; });
+    for (Choice& choice : kept) choice.stream.reset();
+    TakeBackOpen(own);
+    const std::string codecId = own.TextAt(Path({codecSection, A::TAG_CODEC_ID}));
+    drop([&](const Choice& choice) { return !choice.codecId.empty() && choice.codecId != codecId; });
+    return own;
+}
+
+namespace {
+
+/// Gives the program's command line all that it takes.
+void Declare(CLI::App& app, Request& request) {
     constexpr std::size_t helpColumn = 28;
     app.get_formatter()->column_width(helpColumn);
     app.set_version_flag("--version", NORVEX_VERSION);
@@ -350,12 +449,81 @@ Parsed ParseCommandLine(int argc, const char* const* argv) {
     AddOptions(app, request, "Sound", AudioOptions());
     AddOptions(app, request, "Subtitles", SubtitleOptions());
     app.get_option("--quality")->excludes("--video-bitrate");
-    app.footer(g_examples);
+}
 
+/// What an option said of one stream, "--audio-bitrate:2 64k": the option alone, as if it were about all.
+struct NumberedOption {
+    int stream = 0;
+    std::vector<std::string> arguments;
+};
+
+/// Takes the numbered options out of the arguments.
+std::vector<NumberedOption> TakeNumbered(const CLI::App& app, std::vector<std::string>& arguments) {
+    std::vector<NumberedOption> numbered;
+    std::vector<std::string> others;
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+        const std::size_t equals = std::min(argument->find('='), argument->size());
+        const std::size_t colon = argument->substr(0, equals).rfind(':');
+        const std::string name = argument->substr(0, colon);
+        const CLI::Option* const option = name.compare(0, 2, "--") == 0 ? app.get_option_no_throw(name) : nullptr;
+        const auto number = colon == std::string::npos
+                                ? std::nullopt
+                                : NorvexApps::ParseInteger(argument->substr(colon + 1, equals - colon - 1));
+        if (option == nullptr || !number || *number < 0 || *number > std::numeric_limits<int>::max()) {
+            others.push_back(*argument);
+            continue;
+        }
+        NumberedOption own = {static_cast<int>(*number), {name + argument->substr(equals)}};
+        const bool takesMore = option->get_items_expected_max() > 0 && equals == argument->size();
+        if (takesMore && std::next(argument) != arguments.end()) own.arguments.push_back(*++argument);
+        numbered.push_back(std::move(own));
+    }
+    arguments = std::move(others);
+    return numbered;
+}
+
+void Parse(CLI::App& app, std::vector<std::string> arguments) {
+    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
+    app.parse(std::move(arguments));
+}
+
+/// Adds the choices that an option makes for one stream.
+void TakeForStream(const NumberedOption& numbered, Request& request) {
+    Request alone;
+    CLI::App app;
+    Declare(app, alone);
+    std::vector<std::string> arguments = numbered.arguments;
+    arguments.insert(arguments.end(), {"input", "output"});
+    Parse(app, arguments);
+    const std::string suffix = ":" + std::to_string(numbered.stream);
+    const std::string option = numbered.arguments.front().substr(0, numbered.arguments.front().find('='));
+    const bool isOfFormat =
+        !alone.choices.empty() && alone.choices.front().path.compare(0, P::KEY_FORMAT.size(), P::KEY_FORMAT) == 0;
+    if (alone.choices.empty() || isOfFormat) {
+        throw CLI::ValidationError(option + suffix, "this is about no single stream");
+    }
+    for (Choice& choice : alone.choices) {
+        choice.option += suffix;
+        choice.stream = numbered.stream;
+        request.choices.push_back(std::move(choice));
+    }
+}
+
+}  // namespace
+
+Parsed ParseCommandLine(int argc, const char* const* argv) {
+    Parsed parsed;
+    CLI::App app("Exports video, sound, pictures and subtitles by the rule book of the container and the codecs.",
+                 "norvex-export");
+    Declare(app, parsed.request);
     try {
-        app.parse(argc, argv);
+        std::vector<std::string> arguments(argv + 1, argv + argc);
+        const std::vector<NumberedOption> numbered = TakeNumbered(app, arguments);
+        Parse(app, arguments);
+        // What is said of one stream counts more than what is said of all.
+        for (const NumberedOption& option : numbered) TakeForStream(option, parsed.request);
     } catch (const CLI::ParseError& error) {
-        parsed.exitStatus = NorvexApps::ExitStatus(app, error);
+        parsed.exitStatus = NorvexApps::ExitStatus(app, error, g_examples);
     }
     return parsed;
 }

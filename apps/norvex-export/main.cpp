@@ -51,12 +51,13 @@ void Run(Request request) {
     if (!request.classic) RegisterModernHelpers();
     TakeCensus();
     UseIds(request);
-    if (!request.presetFile.empty()) ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile, Document::g_largestPreset + 1));
+    if (!request.presetFile.empty())
+        ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile, Document::g_largestPreset + 1));
     TakeBackOpen(request);
     RequireRanges(request);
     const InputInfo input = Probe(request.input);
     RequireFiles(request);
-    const Plan plan = MakePlan(request, input);
+    const Plan plan = MakePlan(request, input, FindUnwritableCopies);
     if (!request.savePresetFile.empty()) SavePreset(plan);
     const bool asText = !request.json && !request.quiet;
     if (asText) {
@@ -71,6 +72,9 @@ void Run(Request request) {
         ProgressBar bar(asText);
         return RunExport(plan.job, [&bar](const Progress& progress) { bar.Show(progress); });
     }();
+    for (const StreamFailure& stream : result.leftOut) {
+        std::fprintf(stderr, "norvex-export: stream %d is left out: %s\n", stream.streamIndex, stream.reason.c_str());
+    }
     if (request.json) Print(PlanJson(plan, &result));
     if (asText) Print(ResultText(plan, result));
 }

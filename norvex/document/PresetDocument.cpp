@@ -15,6 +15,10 @@
 #include "norvex/interfaces/Conf/IFormatFile.h"
 #include "norvex/interfaces/Conf/IPreset.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
+#include "norvex/interfaces/Proc/IFilterAudioFormatter.h"
+#include "norvex/interfaces/Proc/IFilterAudioVolume.h"
+#include "norvex/interfaces/Proc/IFilterFrameRate.h"
+#include "norvex/interfaces/Proc/IFilterResample.h"
 #include "norvex/interfaces/Proc/IFilterResize.h"
 
 namespace Norvex::Document {
@@ -47,6 +51,16 @@ std::string Quoted(const std::string& text) {
 
 bool IsCodecKind(const std::string& kind) {
     return kind == P::KEY_FILTER_VIDEO_CODEC || kind == P::KEY_FILTER_AUDIO_CODEC;
+}
+
+/// Whether a filter's section is about the streams whose codec has its section under that name.
+bool IsFilterOf(const std::string& codecSection, const std::string& name) {
+    const bool isOfVideo = name == Proc::IFilterResize::CLASS_ID || name == Proc::IFilterFrameRate::CLASS_ID;
+    const bool isOfAudio = name == Proc::IFilterResample::CLASS_ID || name == Proc::IFilterAudioVolume::CLASS_ID ||
+                           name == Proc::IFilterAudioFormatter::CLASS_ID;
+    return codecSection == P::KEY_FILTER_VIDEO_CODEC   ? isOfVideo
+           : codecSection == P::KEY_FILTER_AUDIO_CODEC ? isOfAudio
+                                                       : false;
 }
 
 /// Whether any container or codec of the kind has that parameter.
@@ -198,6 +212,9 @@ private:
             const std::string below = Join(path, name);
             if (name == kind) {
                 InterpretStreamCodec(child, below);
+            } else if (IsFilterOf(kind, name)) {
+                RequireSection(child, below);
+                InterpretValues(child, name, std::string(), below);
             } else if (name != P::KEY_TYPE_ID && !(isVideo && name == V::TAG_COVER_FLAG)) {
                 Fail(below, "there is no parameter " + Quoted(below));
             }

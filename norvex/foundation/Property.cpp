@@ -7,11 +7,15 @@
 #include <limits>
 #include <vector>
 
+#include "norvex/foundation/Lasting.h"
+
 namespace Norvex::Core {
 
-const std::string Property::SEPARATOR = "/";
+NORVEX_CONSTANT(const std::string, Property::SEPARATOR) = "/";
 
 namespace {
+
+constexpr char separator = '/';  // that of SEPARATOR
 
 PropertyException Failure(const Property& property, const char* method) {
     PropertyException exception;
@@ -80,7 +84,7 @@ Property::Property(std::string name) : m_name(std::move(name)), m_value(Node{}) 
 // Trees come from files too, and may be deeper than the stack: copies, destruction and comparisons keep lists of their
 // own of what is still to be done.
 
-Property::Property(const Property& other) : m_name(other.m_name), m_value(other.m_value) {
+Property::Property(std::string name, const Property& data) : m_name(std::move(name)), m_value(data.m_value) {
     std::vector<std::pair<const Property*, Property*>> open;
     const auto copyChildren = [&open](const Property& source, Property& target) {
         for (const Property& child : source.m_children) {
@@ -89,7 +93,7 @@ Property::Property(const Property& other) : m_name(other.m_name), m_value(other.
             if (!child.m_children.empty()) open.emplace_back(&child, &copy);
         }
     };
-    copyChildren(other, *this);
+    copyChildren(data, *this);
     while (!open.empty()) {
         const auto [source, target] = open.back();
         open.pop_back();
@@ -124,7 +128,8 @@ void Property::AssignValue(Value&& value) {
 }
 
 void Property::CopyDataFrom(const Property& other) {
-    Property copy(other);
+    if (other.m_children.empty()) return AssignValue(Value(other.m_value));
+    Property copy(std::string(), other);
     m_value.swap(copy.m_value);
     m_children.swap(copy.m_children);
 }
@@ -181,22 +186,22 @@ Property& Property::operator[](const std::string& path) {
 }
 
 const Property& Property::ChildByPath(const std::string& path) const {
-    const Property* const child = Find(path);
+    const Property* const child = FindByPath(path);
     if (child == nullptr) NORVEX_THROW(MissingChild(*this, "ChildByPath", path));
     return *child;
 }
 
-const Property* Property::Find(std::string_view path) const noexcept {
+const Property* Property::FindByPath(std::string_view path) const noexcept {
     const Property* node = this;
     for (;;) {
-        const std::size_t stepEnd = path.find(SEPARATOR);
+        const std::size_t stepEnd = path.find(separator);
         const std::string_view step = path.substr(0, stepEnd);
         if (step.empty()) return nullptr;
         const const_iterator child = node->FindChild(step);
         if (child == node->end()) return nullptr;
         node = &*child;
         if (stepEnd == std::string_view::npos) return node;
-        path.remove_prefix(stepEnd + SEPARATOR.size());
+        path.remove_prefix(stepEnd + 1);
     }
 }
 
@@ -216,8 +221,7 @@ Property& Property::SetChild(const std::string& name) {
 
 Property& Property::SetChild(const std::string& name, const Property& value) {
     RequireNode("SetChild", NORVEX_HERE);
-    Property copy(name);
-    copy.CopyDataFrom(value);
+    Property copy(name, value);
     if (const iterator child = FindChild(name); child != m_children.end()) return *child = std::move(copy);
     return m_children.emplace_back(std::move(copy));
 }
@@ -233,6 +237,7 @@ void Property::RemoveChild(std::string_view name) {
 }
 
 bool Property::operator==(const Property& other) const {
+    if (m_children.empty() || other.m_children.empty()) return Count() == other.Count() && m_value == other.m_value;
     std::vector<std::pair<const Property*, const Property*>> open;
     const auto isSame = [&open](const Property& one, const Property& two) {
         if (!(one.m_value == two.m_value) || one.Count() != two.Count()) return false;

@@ -77,10 +77,14 @@ public:
     template <class T, class Scalar = Detail::Scalar<T>>
     Property(std::string name, const T& value) : m_name(std::move(name)), m_value(MakeValue<Scalar>(value)) {}
 
-    Property(const Property& other);
+    /// Type, value and children of another node under a name of its own.
+    Property(std::string name, const Property& data);
+    Property(const Property& other) : Property(other.m_name, other) {}
     /// The other node is left without children, and of no use but to be assigned to.
     Property(Property&&) noexcept = default;
-    ~Property() { RemoveAll(); }
+    ~Property() {
+        if (!m_children.empty()) RemoveAll();
+    }
 
     /// Takes the other node whole, its name included. The source may lie inside this tree. It may also be an ancestor
     /// of this node, but not when it is moved: the tree would own itself, and be lost.
@@ -121,7 +125,9 @@ public:
     const Property& operator[](const std::string& path) const { return ChildByPath(path); }
     Property& operator[](const std::string& path);
     const Property& ChildByPath(const std::string& path) const;
-    bool ChildExists(const std::string& path) const noexcept { return Find(path) != nullptr; }
+    bool ChildExists(const std::string& path) const noexcept { return FindByPath(path) != nullptr; }
+    /// What the path leads to, or null.
+    const Property* FindByPath(std::string_view path) const noexcept;
 
     /// The direct child of that name, or end(). Takes a name and not a path, like all that follow.
     const_iterator FindChild(std::string_view name) const noexcept;
@@ -173,7 +179,6 @@ private:
     }
 
     void AssignValue(Value&& value);
-    const Property* Find(std::string_view path) const noexcept;
     template <class T>
     const T& Get(const char* method) const;
     void RequireNode(const char* method, const boost::source_location& where) const;

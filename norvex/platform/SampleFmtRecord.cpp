@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/Exceptions.h"
 
 namespace Norvex::Conf {
@@ -14,7 +15,7 @@ using F = SampleFormats;
 /// In the order of the numbers, so that a number is the index of its row.
 const std::vector<SampleFmtRecord>& Rows() {
     // clang-format off
-    static const std::vector<SampleFmtRecord> rows = {
+    static const auto& rows = Lasting(std::vector<SampleFmtRecord>{
         // format   bits  name    planar  twin
         {F::U8,      8,  "u8",   false,  F::U8P},
         {F::S16,    16,  "s16",  false,  F::S16P},
@@ -28,7 +29,7 @@ const std::vector<SampleFmtRecord>& Rows() {
         {F::DblP,   64,  "dblp", true,   F::Dbl},
         {F::S64,    64,  "s64",  false,  F::S64P},
         {F::S64P,   64,  "s64p", true,   F::S64},
-    };
+    });
     // clang-format on
     return rows;
 }

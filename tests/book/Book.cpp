@@ -1,6 +1,7 @@
 // Writes the rule book as one text that people have read: what each helper starts with, allows and ties together, and
-// what it makes of streams. book.txt is the text as it was read, without encoders and then ("book encoders") with some.
-// After a change on purpose `scripts/norvex book` writes it anew, and the difference is what there is to read.
+// what it makes of streams. book.txt is the text as it was read, without encoders and then ("book encoders") with some;
+// modern.txt is what the second set adds to it ("book modern", which reads the first). After a change on purpose
+// `scripts/norvex book` writes both anew, and the difference is what there is to read.
 
 #include <iostream>
 #include <iterator>
@@ -147,9 +148,10 @@ std::string Say(const IDataHelper& helper) {
     return text + Lines(helper);
 }
 
-/// The helpers of a section, each by its text. Those that differ from an earlier one in their id alone are told by its.
+/// The helpers of a section, each by its text, but for texts that are known. Those that differ from an earlier one in
+/// their id alone are told by its.
 template <class Say>
-void Tell(const std::string& kind, const Say& say) {
+void Tell(const std::string& known, const std::string& kind, const Say& say) {
     std::map<std::string, std::string> told;
     for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
         const std::string text = say(*helper);
@@ -157,19 +159,33 @@ void Tell(const std::string& kind, const Say& say) {
         for (std::size_t at = 0; (at = nameless.find(' ' + id, at)) != std::string::npos; ++at)
             nameless.replace(at + 1, id.size(), "ID");
         const auto [before, isNew] = told.emplace(nameless, id);
-        std::cout << "\n== " << kind << ' ' << id << '\n' << (isNew ? text : "as " + before->second + '\n');
+        const std::string section = "\n== " + kind + ' ' + id + '\n' + (isNew ? text : "as " + before->second + '\n');
+        if (known.find(section) == std::string::npos) std::cout << section;
     }
 }
 
+void TellHelpers(const std::string& known = {}) {
+    Tell(known, "format", [](const auto& helper) { return Say(helper) + FormatCorrections(helper); });
+    Tell(known, "video_codec", [](const auto& helper) { return Say(helper) + VideoCorrections(helper); });
+    Tell(known, "audio_codec", [](const auto& helper) { return Say(helper) + AudioCorrections(helper); });
+}
+
 void TellWithoutEncoders() {
-    Tell("format", [](const auto& helper) { return Say(helper) + FormatCorrections(helper); });
-    Tell("video_codec", [](const auto& helper) { return Say(helper) + VideoCorrections(helper); });
-    Tell("audio_codec", [](const auto& helper) { return Say(helper) + AudioCorrections(helper); });
-    std::cout << "\n== f4a of its own class\n" << Say(*DataHelperFormatF4a::Create());
+    TellHelpers();
+    const auto f4a = DataHelperFormatF4a::Create();
+    std::cout << "\n== f4a of its own class\n" << Say(*f4a) + FormatCorrections(*f4a);
+    for (const bool isIpod : {false, true}) {
+        for (const bool isM4v : {false, true}) {
+            std::cout << "\n== mp4, iPod " << isIpod << ", M4V " << isM4v << '\n'
+                      << Say(*DataHelperFormatMp4::Create("mp4", isIpod, isM4v));
+        }
+    }
     std::cout << "\n== wmv3 without a row\n" << Say(*DataHelperVideoCodecWmv3::Create());
     for (const char* const id :
          {"filter_formatter", "filter_rate", "filter_resample", "filter_resize", "filter_volume"})
         std::cout << "\n== " << id << '\n' << Say(*CreateDataHelper(id, ""));
+    std::cout << "\n== settings of a filter that nobody changed\n"
+              << Dump(Proc::IFilterResize::Settings2Property({})) << Dump(Proc::IFilterResample::Settings2Property({}));
     for (const Texts& ids : {GetAllVideoCodecs(), GetAllAudioCodecs(), GetAllSubtitleCodecs()}) {
         std::cout << "\n== ids\n";
         for (const std::string& id : ids) std::cout << id << '\n';
@@ -194,7 +210,7 @@ void TellWithEncoders() {
     }
     const FakeBuild build(encoders);
     for (const char* const kind : {"video_codec", "audio_codec"}) {
-        Tell(kind, [isAudio = kind[0] == 'a'](const auto& helper) {
+        Tell({}, kind, [isAudio = kind[0] == 'a'](const auto& helper) {
             return "(with an encoder)\n" + Lines(helper) +
                    (isAudio ? Axis(helper, g_sound, "sample_rate", Words("8000 96000")) +
                                   Axis(helper, g_sound, "sample_format", Words("fltp s32")) +
@@ -206,7 +222,12 @@ void TellWithEncoders() {
 
 }  // namespace
 
-int main(int argc, char** /*argv*/) {
-    if (argc == 1) TellWithoutEncoders();
-    if (argc > 1) TellWithEncoders();
+int main(int argc, char** argv) {
+    const std::string what = argc > 1 ? argv[1] : "";
+    if (what.empty()) TellWithoutEncoders();
+    if (what == "encoders") TellWithEncoders();
+    if (what == "modern") {
+        RegisterModernHelpers();
+        TellHelpers({std::istreambuf_iterator<char>(std::cin), {}});
+    }
 }

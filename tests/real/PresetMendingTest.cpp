@@ -82,7 +82,7 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
         EXPECT_THAT(Messages(mended.left), IsEmpty());
         std::vector<std::string> told;
         for (const MendedValue& value : mended.values) told.push_back(value.message);
-        return std::pair(told, Dump(mended.preset));
+        return std::pair(told, PropertyValueToString(mended.preset));
     };
     const std::string h264 = R"("video_codec": {"codec_id": "h264", "bitrate_mode": "cbr", "bitrate": 3000000)";
     const std::string dv = R"("video_codec": {"codec_id": "dvvideo", "bitrate_mode": "cbr", "bitrate": 2000000})";
@@ -97,9 +97,8 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
         {R"("format": {"container": "mp4", "limits": {"audio": 1}}, )" + surround +
              R"(, "audio_codec": {"codec_id": "aac", "bitrate": 96000})",
          {},
-         "preset/format/container: string mp4\npreset/format/limits/audio: int 1\n"
-         "preset/filter_resample/resample/channel_layout: string 5.1(side)\n"
-         "preset/audio_codec/codec_id: string aac\npreset/audio_codec/bitrate: int 96000\n"},
+         "{format: {container: mp4, limits: {audio: 1}}, filter_resample: {resample: {channel_layout: "
+         "5.1(side)}}, audio_codec: {codec_id: aac, bitrate: 96000}}"},
         // A codec that the container does not carry.
         {R"("format": {"container": "webm"}, )" + h264 + options(R"("tune": "film")"),
          {"Parameter video_codec/codec_id is vp8 now, the default of webm",
@@ -107,9 +106,8 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
           "video_codec/encode_options/tune is left out",
           "Parameter video_codec/encode_options/disable_transparency is false now, the default of vp8",
           "Parameter video_codec/quality is 10 now, the default of vp8"},
-         "preset/format/container: string webm\npreset/video_codec/codec_id: string vp8\n"
-         "preset/video_codec/bitrate_mode: string cbr\npreset/video_codec/bitrate: int 3000000\n"
-         "preset/video_codec/quality: int 10\npreset/video_codec/encode_options/disable_transparency: bool false\n"},
+         "{format: {container: webm}, video_codec: {codec_id: vp8, bitrate_mode: cbr, bitrate: 3000000, "
+         "quality: 10, encode_options: {disable_transparency: false}}}"},
         // A codec that somebody wrote in the place of another.
         {R"("video_codec": {"codec_id": "mpeg4", "bitrate": 5, "quality": 20)" +
              options(R"("profile": "high", "tune": "film")"),
@@ -119,36 +117,31 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
           "video_codec/encode_options/tune is left out",
           "Parameter video_codec/bitrate_mode is cbr now, the default of mpeg4",
           "Parameter video_codec/global_header is true now, the default of mpeg4"},
-         "preset/video_codec/codec_id: string mpeg4\npreset/video_codec/quality: int 20\n"
-         "preset/video_codec/bitrate: int 2000000\npreset/video_codec/bitrate_mode: string cbr\n"
-         "preset/video_codec/encode_options/profile: string simple\npreset/video_codec/global_header: bool true\n"},
+         "{video_codec: {codec_id: mpeg4, quality: 20, bitrate: 2000000, bitrate_mode: cbr, encode_options: "
+         "{profile: simple}, global_header: true}}"},
         // A rule on a stream's profile that is told of the container.
         {R"("format": {"container": "mxf"}, )" + h264 + options(R"("profile": "high")"),
          {"Parameter video_codec/encode_options/profile is baseline now; it was high"},
-         "preset/format/container: string mxf\npreset/video_codec/codec_id: string h264\n"
-         "preset/video_codec/bitrate_mode: string cbr\npreset/video_codec/bitrate: int 3000000\n"
-         "preset/video_codec/encode_options/profile: string baseline\n"},
+         "{format: {container: mxf}, video_codec: {codec_id: h264, bitrate_mode: cbr, bitrate: 3000000, "
+         "encode_options: {profile: baseline}}}"},
         // What only a test knows, and the nearest that is no mark.
         {R"("filter_resize": {"resize": {"width": 641, "height": 16}}, "filter_rate": {"frame_rate": "0.4"})",
          {"Parameter filter_rate/frame_rate is 1/1 now; it was 2/5",
           "Parameter filter_resize/resize/height is 32 now; it was 16",
           "Parameter filter_resize/resize/width is 640 now; it was 641"},
-         "preset/filter_resize/resize/width: int 640\npreset/filter_resize/resize/height: int 32\n"
-         "preset/filter_rate/frame_rate: ratio 1/1\n"},
+         "{filter_resize: {resize: {width: 640, height: 32}}, filter_rate: {frame_rate: 1/1}}"},
         // Sizes that a codec offers, which its rule does not look at.
         {dv + R"(, "filter_resize": {"resize": {"frame_size_mode": "original", "width": 800, "height": 600}})",
          {"Parameter filter_resize/resize/width is 720 now; it was 800",
           "Parameter filter_resize/resize/height is 576 now; it was 600",
           "Parameter filter_resize/resize/frame_size_mode is custom now, the default of filter_resize"},
-         "preset/video_codec/codec_id: string dvvideo\npreset/video_codec/bitrate_mode: string cbr\n"
-         "preset/video_codec/bitrate: int 2000000\npreset/filter_resize/resize/frame_size_mode: string custom\n"
-         "preset/filter_resize/resize/width: int 720\npreset/filter_resize/resize/height: int 576\n"},
+         "{video_codec: {codec_id: dvvideo, bitrate_mode: cbr, bitrate: 2000000}, filter_resize: {resize: "
+         "{frame_size_mode: custom, width: 720, height: 576}}}"},
         // No value at all.
         {R"("audio_codec": {"codec_id": "aac", "bitrate": {"$bytes": "ff"}}, "filter_volume": {"volume": "loud"})",
          {"Parameter audio_codec/bitrate is 256000 now, the default of aac",
           "Parameter filter_volume/volume is 100 now, the default of filter_volume"},
-         "preset/audio_codec/codec_id: string aac\npreset/audio_codec/bitrate: int "
-         "256000\npreset/filter_volume/volume: int 100\n"},
+         "{audio_codec: {codec_id: aac, bitrate: 256000}, filter_volume: {volume: 100}}"},
         // A container's tags, facts and streams.
         {R"("format": {"container": "wav", "global_header": true, "disk_size": 1, "limits": {"video": 9, "audio": 1}, "streams": {
             "0": {"type": "video", "video_codec": {"codec_id": "mpeg2video"}}, "1": {"type": "audio", "audio_codec": {"codec_id": "pcm_s16le"}},
@@ -156,10 +149,8 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
          {"format/streams/0 is left out", "format/streams/2 is left out",
           "Parameter format/global_header is false now, the default of wav",
           "Parameter format/limits/video is 0 now, the default of wav", "format/disk_size is left out"},
-         "preset/format/container: string wav\npreset/format/global_header: bool false\npreset/format/limits/video: "
-         "int 0\n"
-         "preset/format/limits/audio: int 1\npreset/format/streams/0/type: string audio\n"
-         "preset/format/streams/0/audio_codec/codec_id: string pcm_s16le\n"},
+         "{format: {container: wav, global_header: false, limits: {video: 0, audio: 1}, streams: {1: {type: "
+         "audio, audio_codec: {codec_id: pcm_s16le}}}}}"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.sections);

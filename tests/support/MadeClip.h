@@ -23,23 +23,16 @@ struct ClipSettings {
     int width = 64;
     int height = 48;
     std::string pixelFormat = "yuv420p";  ///< FFmpeg's name
-    bool isFullRange = false;             ///< said of the pictures, for the muxer "matroska"
-    bool isRed = false;                   ///< all pictures are of pure red, for RGB formats
     int aspectX = 0;                      ///< shape of one pixel, 0 where the clip does not say
     int aspectY = 1;
-    int frameRate = 25;              ///< frames per second
-    double videoDelay = 0;           ///< seconds from the beginning of the clip to the first picture
-    std::vector<double> frameTimes;  ///< seconds after videoDelay for each frame, instead of a steady rate
+    int frameRate = 25;     ///< frames per second
+    double videoDelay = 0;  ///< seconds from the beginning of the clip to the first picture
 
     double soundSeconds = 0.8;  ///< 0 for no sound
-    int sampleRate = 48000;     ///< Hz
-    std::string layout = "stereo";
-    double audioDelay = 0;  ///< seconds from the beginning of the clip to the first sample
-    double gapBegin = 0;    ///< seconds after the beginning from which ...
-    double gapEnd = 0;      ///< ... to which there is no sound at all
+    double audioDelay = 0;      ///< seconds from the beginning of the clip to the first sample
+    double gapBegin = 0;        ///< seconds after the beginning from which ...
+    double gapEnd = 0;          ///< ... to which there is no sound at all
 
-    /// Another picture stream of half the size stands before the main one, and the main one is marked as the default.
-    bool hasSecondVideo = false;
     bool coverPicture = false;  ///< a PNG of 32 by 32 pixels, for the muxer "matroska"
 
     struct Title {
@@ -47,10 +40,10 @@ struct ClipSettings {
         std::string text;
     };
     std::vector<Title> titles;          ///< subtitles, for the muxer "matroska"
-    std::string titleCodec = "subrip";  ///< FFmpeg's name; the bytes are those of the texts whatever it is
+    std::string titleCodec = "subrip";  ///< FFmpeg's name
 };
 
-/// Writes the clip to `path`, and returns `path`. Throws std::runtime_error.
+/// Writes the clip to `path` with the program ffmpeg, and returns `path`. Throws std::runtime_error.
 std::string MakeClip(const std::string& path, const ClipSettings& clip);
 
 }  // namespace NorvexTest

@@ -71,6 +71,8 @@ constexpr Reason g_reasons[] = {
     {"webp_anim",      "neither pictures",   "FFmpeg", "its demuxer reads no film of WebP"},
     {"opus filter_resample/resample/sample_rate", "48000 Hz", "FFmpeg", "its decoder gives 48000 Hz whatever was coded"},
     {"cfhd filter_resize/resize/width=48", "a multiple of 16", "system", "the height of 600 goes with wider steps"},
+    {"mpeg2ts truehd", "ac3+",               "FFmpeg", "its demuxer looks for an AC-3 core beside TrueHD"},
+    {"flv opus",       "sample_rate is", "system", "FLV's rates and those of Opus have none in common"},
     {"mp4 mp2",        "mp3",                "FFmpeg", "MP4 has one number for both, and its demuxer takes it for MP3"},
 };
 // clang-format on
@@ -155,29 +157,35 @@ private:
             if (control == RateControl::Quality || set == 0 || set == opened) return std::string();
             return fmt::format(" {} {} opened {}", kind, set, opened);
         };
-        return (job.video ? text("video", job.video->rateControl, job.video->bitrate, result.videoBitrate) : "") +
-               (job.audio ? text("audio", job.audio->rateControl, job.audio->bitrate, result.audioBitrate) : "");
+        std::string words;
+        for (const VideoJob& video : job.video) {
+            words += text("video", video.rateControl, video.bitrate, result.videoBitrates.at(0));
+        }
+        for (const AudioJob& audio : job.audio) {
+            words += text("audio", audio.rateControl, audio.bitrate, result.audioBitrates.at(0));
+        }
+        return words;
     }
 
     /// Decodes the file, and tells what is in it other than asked for; empty where nothing is.
     static std::string ReadBack(const ExportJob& job, const std::set<std::string>& asked) {
         const InputInfo info = Probe(job.outputPath);
         std::set<std::string> found;
-        if (info.video) found.insert(info.video->codecId);
-        if (info.audio) found.insert(info.audio->codecId);
-        if (info.subtitle) found.insert(info.subtitle->codecId);
+        for (const VideoSource& video : info.video) found.insert(video.codecId);
+        for (const AudioSource& audio : info.audio) found.insert(audio.codecId);
+        for (const SubtitleSource& subtitles : info.subtitles) found.insert(subtitles.codecId);
         if (found != asked) return "read back as " + Join(found);
 
-        if (job.video) {
-            const auto picture = FirstFrame(job.outputPath, info.video->streamIndex, AVMEDIA_TYPE_VIDEO);
-            if (picture->width != job.video->width || picture->height != job.video->height) {
+        for (const VideoJob& video : job.video) {
+            const auto picture = FirstFrame(job.outputPath, info.video.at(0).streamIndex, AVMEDIA_TYPE_VIDEO);
+            if (picture->width != video.width || picture->height != video.height) {
                 return fmt::format("read back with {}x{} pixels", picture->width, picture->height);
             }
         }
-        if (job.audio) {
-            const auto sound = FirstFrame(job.outputPath, info.audio->streamIndex, AVMEDIA_TYPE_AUDIO);
-            const Media::ChannelLayout layout(job.audio->layout);
-            if (sound->sample_rate != job.audio->sampleRate) {
+        for (const AudioJob& audio : job.audio) {
+            const auto sound = FirstFrame(job.outputPath, info.audio.at(0).streamIndex, AVMEDIA_TYPE_AUDIO);
+            const Media::ChannelLayout layout(audio.layout);
+            if (sound->sample_rate != audio.sampleRate) {
                 return fmt::format("read back with {} Hz", sound->sample_rate);
             }
             if (sound->ch_layout.nb_channels != layout.Get().nb_channels) {
@@ -206,7 +214,7 @@ private:
 
     /// The host corrects by the container first. Where the other order gives something else, the table says so.
     void CompareOrders(const std::string& what, const std::string& format, const StreamPlan& stream) {
-        if (stream.kind == StreamPlan::Kind::Subtitle) return;
+        if (stream.kind == NorvexExport::StreamKind::Subtitle) return;
         const NamedHelper container = FindHelper(P::KEY_FORMAT, format);
         const NamedHelper codec = FindHelper(stream.asked.GetName(), stream.asked[V::TAG_CODEC_ID].GetString());
         Property formatFirst = stream.asked;

@@ -62,32 +62,4 @@ TEST(CodecRules, ReplaceInTheCallersListsOnlyWhatIsTheirs) {
     EXPECT_EQ(paths, "filter_rate/frame_rate filter_resize/resize/width filter_resize/resize/height ");
 }
 
-TEST(EveryDefault, IsLegalForItsOwnHelper) {
-    std::string illegal;
-    int checked = 0;
-    const auto check = [&](const std::string& name, const IDataHelper& helper) {
-        const Property defaults = helper.GetDefaults();
-        for (const auto& [path, constraint] : CollectConstraints(helper)) {
-            if (!defaults.ChildExists(path)) continue;
-            ++checked;
-            if (!constraint->IsValid(defaults[path])) illegal += name + ' ' + path + '\n';
-        }
-        if (!defaults.ChildExists("streams")) return;
-        for (const Property& stream : defaults["streams"]) {
-            const std::string section = stream[1].GetName() + "/codec_id";
-            const auto codecs = CollectConstraints(helper)["streams_any_" + stream["type"].GetString() + '/' + section];
-            ++checked;
-            if (!codecs || !codecs->IsValid(stream[section])) illegal += name + ' ' + section + '\n';
-        }
-    };
-    for (const std::string kind : {"format", "audio_codec", "video_codec"}) {
-        for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) check(id, *helper);
-    }
-    for (const std::string kind : {"filter_resample", "filter_volume", "filter_rate", "filter_resize"}) {
-        check(kind, *CreateDataHelper(kind, ""));
-    }
-    EXPECT_EQ(illegal, "hevc bitrate_mode\n") << "it starts in a mode that nobody can choose";
-    EXPECT_GT(checked, 200);
-}
-
 }  // namespace

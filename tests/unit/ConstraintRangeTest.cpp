@@ -42,6 +42,9 @@ TEST(ConstraintRange, JudgesInItsOwnTypeAndClampsToABound) {
         {ints, Property("n", -0.9), nullptr},  // read as 0
         {ints, Property("n", 11.5), "n: int 10\n"},
         {ints, Property("n", std::nan("")), "n: int 10\n"},
+        {ints, Property("n", -HUGE_VAL), "n: int 0\n"},
+        {ints, Property("n", std::numeric_limits<long long>::min()), "n: int 0\n"},
+        {doubles, Property("n", HUGE_VAL), "n: double 0.5\n"},
         {whole, Property("n", std::nan("")), "n: int 9223372036854775807\n"},
         {doubles, Property("n", 0.5), nullptr},
         {doubles, Property("n", 0), nullptr},

@@ -66,6 +66,8 @@ TEST(ConstraintSet, JudgesAndCorrects) {
         {doubles, Property("n", 0.1 + 0.2), "fixed to 0.3"},
         {doubles, Property("n", std::nan("")), "fixed to 0.1"},
         {ratios, Property("n", Ratio(-1, 3)), "fixed to 25/1"},
+        {ratios, Property("n", Ratio(largest, 1LL << 40)), "fixed to 30000/1001"},
+        {ratios, Property("n", Ratio(-largest, largest - 1)), "fixed to 25/1"},
         {ratios, Property("n", "25"), "ok"},
         {ratios, Property("n", "60000/2002"), "ok"},
         {ratios, Property("n", "24"), "no"},

@@ -90,6 +90,8 @@ TEST(FakeConstraintConsumer, KeepsStepAndTypeOfTheLastRangeAcrossResets) {
     EXPECT_EQ(TreeDiff(Range(2LL, 6LL, 10LL), probe(2LL, 10LL, 0LL)), "") << "a double range sets no step";
     probe.consumer->Reset();
     EXPECT_THROW(probe.consumer->GetValue(), boost::bad_any_cast);
+    probe.consumer->SetMaxValue(1LL);
+    EXPECT_THROW(probe.consumer->GetValue(), boost::bad_any_cast) << "the other bound is not that of before";
 }
 
 TEST(FakeConstraintConsumer, RefusesBoundsThatAreNotOfTheLastOnesType) {

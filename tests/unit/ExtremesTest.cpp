@@ -71,34 +71,9 @@ TEST(Extremes, PresetsAndStreamsMayBeDeepAndWideToo) {
     EXPECT_TRUE(CorrectWithReport(deep, {helpers.front()}).changes.empty());
 }
 
-TEST(Extremes, NumbersAtTheEndsOfTheirTypesAreCorrectedToo) {
+TEST(Extremes, RatesAtTheEndsOfTheirTypeAreEstimatedToo) {
     constexpr long long most = std::numeric_limits<long long>::max();
     constexpr long long least = std::numeric_limits<long long>::min();
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    const auto integers = ConstraintRange::Create(1LL, 51LL, 0LL);
-    const auto doubles = ConstraintRange::Create(0.5, 1.5, 0.0);
-    const auto ends = ConstraintSet::Create(PairList<long long>{{"", least}, {"", most}});
-    const auto rates = ConstraintSet::Create(PairList<Core::Ratio>{{"", {25, 1}}, {"", {60, 1}}});
-    const struct {
-        SP<IPropertyConstraint> constraint;
-        Property value;
-        std::string fixed;
-    } rows[] = {
-        {integers, Property("", infinity), "51"},
-        {integers, Property("", -infinity), "1"},
-        {integers, Property("", most), "51"},
-        {integers, Property("", least), "1"},
-        {doubles, Property("", infinity), "1.5"},
-        {doubles, Property("", -infinity), "0.5"},
-        {ends, Property("", -2), std::to_string(least)},
-        {ends, Property("", 4096), std::to_string(most)},
-        {ConstraintSet::Create(PairList<double>{{"", -1.0}, {"", 2.0}}), Property("", std::nan("")), "-1"},
-        {rates, Property("", Core::Ratio(most, 1LL << 40)), "60/1"},
-        {rates, Property("", Core::Ratio(-most, most - 1)), "25/1"},
-    };
-    for (const auto& row : rows) EXPECT_EQ(FixupOf(row.constraint, row.value), "fixed to " + row.fixed);
-    EXPECT_EQ(FixupOf(ConstraintRange::Create(least, most, 0LL), Property("", least)), "ok");
-
     const auto alacBitrate = [](long long sampleRate) {
         Property stream = Tree("s{sample_format: s16p, channel_layout: mono}");
         stream.SetChildT("sample_rate", sampleRate);

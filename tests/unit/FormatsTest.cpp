@@ -66,29 +66,6 @@ TEST(FormatBase, KnowsOnlyTheKindsThatItHas) {
     EXPECT_EQ(former->GetRefCount(), 1U) << "released";
 }
 
-TEST(FormatBase, EveryDefaultStreamOfTheCatalogueHasALegalCodec) {
-    std::size_t checked = 0;
-    for (const auto& [id, format] : GetAvailableDataHelpers(IPreset::KEY_FORMAT)) {
-        const ConstraintMap constraints = CollectConstraints(*format);
-        const Property defaults = format->GetDefaults();
-        std::size_t position = 0;
-        for (const Property& stream : defaults[IPreset::KEY_STREAMS]) {
-            SCOPED_TRACE(id + ' ' + stream.GetName());
-            EXPECT_EQ(stream.GetName(), std::to_string(position++));
-            const Property& section = stream[1];
-            const std::string pattern =
-                "streams_any_" + stream[IPreset::KEY_TYPE_ID].GetString() + '/' + section.GetName() + "/codec_id";
-            ASSERT_TRUE(constraints.count(pattern)) << pattern;
-            EXPECT_TRUE(constraints.at(pattern)->IsValid(section[V::TAG_CODEC_ID]));
-            ++checked;
-        }
-        ObjectList objects;
-        format->GetRequiredObjects(objects);
-        EXPECT_TRUE(objects.empty()) << id;
-    }
-    EXPECT_GT(checked, GetAvailableDataHelpers(IPreset::KEY_FORMAT).size());
-}
-
 const std::string g_fpsPath = "filter_rate/frame_rate";
 
 SP<IPropertyConstraint> Codecs(const std::string& id) {
@@ -103,55 +80,50 @@ SP<IPropertyConstraint> Values(std::initializer_list<T> values) {
 
 /// A stream's node with every value that correction reaches, and one that it does not.
 Property StreamNode(const std::string& name) {
-    return Node(name, {Property(V::TAG_CODEC_ID, "x"), Property(V::TAG_FPS, Core::Ratio(7, 1)),
-                       Property(V::TAG_COVER_FLAG, false), Node("encode_options", {Property(V::TAG_PROFILE, "p")}),
-                       Property(A::TAG_SAMPLE_RATE, 7), Property(A::TAG_LAYOUT, "5.1"), Property(V::TAG_BITRATE, 7)});
+    return Tree(name +
+                "{codec_id: x, frame_rate: 7/1, cover: false, encode_options: {profile: p}, sample_rate: 7, "
+                "channel_layout: 5.1, bitrate: 7}");
 }
 
 TEST(FormatCorrection, ReachesFiveValuesByTheirRulesAndNothingElse) {
     const struct {
-        const char* node;
-        const char* first;
-        const char* second;
+        std::string kind, second;
         SP<IPropertyConstraint> constraint;
         const char* path;  ///< of what changes
         Property corrected;
     } rows[] = {
-        {"format_codec_video", "video_codec/codec_id", "filter_rate/frame_rate", Values<Core::Ratio>({{8, 1}}),
-         "frame_rate", Property("", Core::Ratio(8, 1))},
-        {"format_codec_video", "video_codec/codec_id", "format/cover", Values<bool>({true}), "cover",
-         Property("", true)},
-        {"format_codec_video", "video_codec/codec_id", "format/encode_options/profile", Values<std::string>({"q"}),
-         "encode_options/profile", Property("", "q")},
-        {"format_codec_audio", "audio_codec/codec_id", "filter_resample/resample/sample_rate", Values<long long>({8}),
-         "sample_rate", Property("", 8)},
-        {"format_codec_audio", "audio_codec/codec_id", "filter_resample/resample/channel_layout",
+        {"video", g_fpsPath, Values<Core::Ratio>({{8, 1}}), "frame_rate", Property("", Core::Ratio(8, 1))},
+        {"video", "format/cover", Values<bool>({true}), "cover", Property("", true)},
+        {"video", "format/encode_options/profile", Values<std::string>({"q"}), "encode_options/profile",
+         Property("", "q")},
+        {"audio", "filter_resample/resample/sample_rate", Values<long long>({8}), "sample_rate", Property("", 8)},
+        {"audio", "filter_resample/resample/channel_layout",
          ConstraintChannelLayout::Create(std::vector<std::string>{"mono"}), "channel_layout", Property("", "mono")},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.second);
+        const std::string node = "format_codec_" + row.kind, first = row.kind + "_codec/codec_id";
         TestFormat format;
         format.AddRef();
-        format.rules = {{"/", PairValidationRule::Create(row.first, Codecs("x"), row.second, row.constraint)}};
-        for (const char* const node : {"format_codec_video", "format_codec_audio", "format_codec_subtitle"}) {
-            Property stream = StreamNode(node);
+        format.rules = {{"/", PairValidationRule::Create(first, Codecs("x"), row.second, row.constraint)}};
+        for (const char* const each : {"format_codec_video", "format_codec_audio", "format_codec_subtitle"}) {
+            Property stream = StreamNode(each);
             format.CorrectFormatCodec(stream);
-            Property expected = StreamNode(node);
-            if (std::string(node) == row.node) expected[row.path].CopyDataFrom(row.corrected);
+            Property expected = StreamNode(each);
+            if (each == node) expected[row.path].CopyDataFrom(row.corrected);
             EXPECT_EQ(TreeDiff(expected, stream), "");
         }
         // Another codec, another codec path, another second path: not this rule's business.
-        for (const auto& other :
-             {PairValidationRule::Create(row.first, Codecs("y"), row.second, row.constraint),
-              PairValidationRule::Create(std::string("x") + row.first, Codecs("x"), row.second, row.constraint),
-              PairValidationRule::Create(row.first, Codecs("x"), std::string(row.second) + "x", row.constraint)}) {
+        for (const auto& other : {PairValidationRule::Create(first, Codecs("y"), row.second, row.constraint),
+                                  PairValidationRule::Create("x" + first, Codecs("x"), row.second, row.constraint),
+                                  PairValidationRule::Create(first, Codecs("x"), row.second + "x", row.constraint)}) {
             format.rules = {{"/", other}};
-            Property stream = StreamNode(row.node);
+            Property stream = StreamNode(node);
             format.CorrectFormatCodec(stream);
-            EXPECT_EQ(TreeDiff(StreamNode(row.node), stream), "");
+            EXPECT_EQ(TreeDiff(StreamNode(node), stream), "");
         }
         // A node with the codec alone has nothing to correct.
-        Property bare = Node(row.node, {Property(V::TAG_CODEC_ID, "x"), Node("encode_options", {})});
+        Property bare = Tree(node + "{codec_id: x, encode_options: {}}");
         format.CorrectFormatCodec(bare);
         EXPECT_EQ(bare.Count(), 2U);
     }
@@ -215,94 +187,6 @@ TEST(FormatCorrection, NeedsACodecIdAndValuesOfTheRightType) {
     stream[V::TAG_COVER_FLAG] = "yes";
     EXPECT_THROW(format.CorrectFormatCodec(stream), ConstraintIsNotApplicableForTypeException);
     EXPECT_EQ(stream[V::TAG_FPS].GetRatio(), Core::Ratio(8, 1)) << "what was corrected before stays so";
-}
-
-std::string CodecsOf(const IDataHelper& helper) {
-    std::string text;
-    for (const auto& [pattern, codecs] : CollectConstraints(helper)) text += pattern + ": " + ListOf(*codecs) + "; ";
-    return text;
-}
-
-TEST(Mp4Family, DiffersByItsTwoModes) {
-    const std::string subtitles = "streams_any_subtitles_text/subtitle_codec/codec_id: dvd_subtitle, mov_text; ";
-    const struct {
-        bool ipod;
-        bool m4v;
-        const char* audio;
-        const char* video;
-    } cases[] = {
-        {false, false, "aac, ac3, mp3", "h264, mpeg4, hevc, av1, vp9, vc1"},
-        {true, false, "aac, ac3", "h264, mpeg4"},
-        {false, true, "aac", "h264, mpeg4"},
-        {true, true, "aac", "h264, mpeg4"},
-    };
-    for (const auto& c : cases) {
-        const auto mp4 = DataHelperFormatMp4::Create("id", c.ipod, c.m4v);
-        EXPECT_EQ(CodecsOf(*mp4), std::string("streams_any_audio/audio_codec/codec_id: ") + c.audio + "; " + subtitles +
-                                      "streams_any_video/video_codec/codec_id: " + c.video + "; ");
-        EXPECT_EQ(Dump(mp4->GetDefaults()),
-                  "format/container: string id\nformat/global_header: bool true\nformat/psp_mode: bool false\n"
-                  "format/progressive_read: bool false\nformat/limits/video: int 2\nformat/limits/audio: int 16\n"
-                  "format/limits/subtitle: int 16\nformat/limits/other: int 16\n"
-                  "format/streams/0/type: string video\nformat/streams/0/video_codec/codec_id: string h264\n"
-                  "format/streams/1/type: string audio\nformat/streams/1/audio_codec/codec_id: string aac\n"
-                  "format/streams/2/type: string subtitles_text\nformat/streams/2/subtitle_codec/codec_id: string "
-                  "dvd_subtitle\n");
-    }
-}
-
-TEST(Mp4Family, TheAudioKindsDiffer) {
-    EXPECT_EQ(Dump(DataHelperFormatM4a::Create("m4b")->GetDefaults()),
-              "format/container: string m4b\nformat/global_header: bool true\nformat/limits/video: int 1\n"
-              "format/limits/audio: int 1\nformat/limits/subtitle: int 0\nformat/limits/other: int 1\n"
-              "format/streams/0/type: string audio\nformat/streams/0/audio_codec/codec_id: string aac\n"
-              "format/streams/1/type: string video\nformat/streams/1/video_codec/codec_id: string mjpeg\n"
-              "format/streams/1/cover: bool true\n");
-    EXPECT_EQ(Dump(DataHelperFormatF4a::Create()->GetDefaults()),
-              "format/container: string f4a\nformat/global_header: bool true\nformat/psp_mode: bool false\n"
-              "format/progressive_read: bool false\nformat/limits/video: int 0\nformat/limits/audio: int 1\n"
-              "format/limits/subtitle: int 0\nformat/limits/other: int 0\n"
-              "format/streams/0/type: string audio\nformat/streams/0/audio_codec/codec_id: string aac\n");
-    EXPECT_EQ(CodecsOf(*DataHelperFormatF4a::Create()), "streams_any_audio/audio_codec/codec_id: mp3, aac; ");
-    // Through the catalogue the id allows a cover and ALAC, since another class serves it.
-    EXPECT_EQ(
-        CodecsOf(*CreateDataHelper(IPreset::KEY_FORMAT, F::FORMAT_F4A)),
-        "streams_any_audio/audio_codec/codec_id: aac, alac; streams_any_video/video_codec/codec_id: mjpeg, png, bmp; ");
-    EXPECT_EQ(
-        CodecsOf(*DataHelperFormat3gp::Create("3gp")),
-        "streams_any_audio/audio_codec/codec_id: aac; streams_any_video/video_codec/codec_id: h263, h264, mpeg4; ");
-}
-
-TEST(Mp4Family, CorrectsBySmallRules) {
-    const struct {
-        SP<IDataHelper> format;
-        const char* node;
-        const char* codec;
-        Property value;
-        Property corrected;
-    } cases[] = {
-        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_audio", "mp3", Property("sample_rate", 12000),
-         Property("sample_rate", 16000)},
-        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_audio", "mp3", Property("sample_rate", 46050),
-         Property("sample_rate", 44100)},
-        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_audio", "aac", Property("sample_rate", 12000),
-         Property("sample_rate", 12000)},
-        {DataHelperFormatMp4::Create("mp4", false, false), "format_codec_video", "h264", Property("cover", false),
-         Property("cover", false)},
-        {DataHelperFormatM4a::Create("m4a"), "format_codec_video", "png", Property("cover", false),
-         Property("cover", true)},
-        {DataHelperFormatM4a::Create("m4a"), "format_codec_video", "h264", Property("cover", false),
-         Property("cover", false)},
-        {DataHelperFormatF4a::Create(), "format_codec_audio", "mp3", Property("sample_rate", 48000),
-         Property("sample_rate", 44100)},
-        {DataHelperFormat3gp::Create("3gp"), "format_codec_audio", "aac", Property("sample_rate", 7),
-         Property("sample_rate", 7)},
-    };
-    for (const auto& c : cases) {
-        Property stream = Node(c.node, {Property(V::TAG_CODEC_ID, c.codec), c.value});
-        c.format->CorrectFormatCodec(stream);
-        EXPECT_EQ(TreeDiff(c.corrected, stream[1]), "") << c.codec;
-    }
 }
 
 }  // namespace

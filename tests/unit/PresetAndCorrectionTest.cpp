@@ -4,7 +4,6 @@
 
 #include "norvex/Norvex.h"
 #include "support/Failures.h"
-#include "support/FakeBuild.h"
 #include "support/TestHelpers.h"
 #include "support/Trees.h"
 
@@ -21,90 +20,64 @@ using V = IFormatCodecVideo;
 
 SP<TestCodec> Codec(MediaType type) {
     SP<TestCodec> codec(new TestCodec(type));
-    codec->defaults =
-        Node("defaults",
-             {Property(C::TAG_CODEC_ID, "test"),
-              Node(C::TAG_CODEC_OPTIONS_ENCODE, {Property(C::TAG_PROFILE, "main"), Property(C::TAG_PRESET, "slow")})});
+    codec->defaults = Tree("defaults{codec_id: test, encode_options: {profile: main, preset: slow}}");
     return codec;
 }
 
-Property Preset(const std::string& mode, std::initializer_list<Property> more = {}) {
-    Property preset = Node("preset", {Property(C::TAG_CODEC_ID, "test"), Property(C::TAG_BITRATE_MODE, mode)});
-    for (const Property& child : more) preset.AddNamed(child);
-    return preset;
+Property Preset(const std::string& mode, const std::string& more = {}) {
+    return Tree("preset{codec_id: test, bitrate_mode: " + mode + (more.empty() ? "" : ", ") + more + "}");
 }
 
 Property VideoStream() {
-    return Node("s",
-                {Property(V::TAG_WIDTH, 1280), Property(V::TAG_HEIGHT, 720), Property(V::TAG_FPS, Ratio(30000, 1001)),
-                 Property(V::TAG_BITS_PER_PIXEL, 24), Property(V::TAG_COVER_FLAG, true)});
+    return Tree("s{width: 1280, height: 720, frame_rate: 30000/1001, bits_per_pixel: 24, cover: true}");
 }
 
 const char* const g_defaultOptions = "s/encode_options/profile: string main\ns/encode_options/preset: string slow\n";
 
 TEST(AudioPreset, MovesModeBitrateAndQuality) {
-    const Property bitrate(C::TAG_BITRATE, 64000);
-    const Property quality(C::TAG_QUALITY, 4);
     const struct {
-        Property preset;
-        const char* settled;
+        const char *mode, *values, *settled;
     } cases[] = {
-        {Preset("cbr", {quality, bitrate}),
+        {"cbr", "quality: 4, bitrate: 64000",
          "s/bitrate: int 64000\ns/codec_id: string test\ns/bitrate_mode: string cbr\n"},
-        {Preset("vbr", {bitrate, quality}),
+        {"vbr", "bitrate: 64000, quality: 4",
          "s/bitrate: int 64000\ns/codec_id: string test\ns/bitrate_mode: string vbr\ns/quality: int 4\n"},
-        {Preset("cbr_auto", {bitrate}), "s/bitrate: int 7\ns/codec_id: string test\ns/bitrate_mode: string cbr\n"},
+        {"cbr_auto", "bitrate: 64000", "s/bitrate: int 7\ns/codec_id: string test\ns/bitrate_mode: string cbr\n"},
     };
     for (const auto& c : cases) {
-        Property stream = Node("s", {Property(C::TAG_BITRATE, 7)});
-        Codec(MediaType::Audio)->ApplyPresetSettings(c.preset, stream);
+        Property stream = Tree("s{bitrate: 7}");
+        Codec(MediaType::Audio)->ApplyPresetSettings(Preset(c.mode, c.values), stream);
         EXPECT_EQ(Dump(stream), std::string(c.settled) + g_defaultOptions);
     }
 }
 
 TEST(VideoPreset, WorksOutABitrate) {
-    const Property bitrate(C::TAG_BITRATE, 64000);
-    const Property quality(C::TAG_QUALITY, 4);
-    const auto approval = [](bool approved) {
-        return Node(C::TAG_CODEC_OPTIONS_ENCODE, {Property(V::TAG_APPROVED_VBR_MODE_ONLY, approved)});
-    };
     const auto computed = [](double fps, int q) { return GetDefaultVideoBitrate("test", 1280, 720, fps, q); };
+    const std::string asked = "quality: 4, bitrate: 64000", approved = "encode_options: {approved_vbr_only: ";
+    const Ratio own(30000, 1001);
     const struct {
-        const char* name;
-        Property preset;
-        const char* mode;
+        const char* preset;
+        std::string values, mode;
         long long bitrate;
         Ratio fps;
     } cases[] = {
-        {"constant", Preset("cbr", {bitrate}), "cbr", 64000, {30000, 1001}},
-        {"quality", Preset("vbr", {quality, bitrate}), "vbr", computed(30000 / 1001.0, 4), {30000, 1001}},
-        {"not approved",
-         Preset("vbr", {quality, bitrate, approval(false)}),
-         "vbr",
-         computed(30000 / 1001.0, 4),
-         {30000, 1001}},
-        {"approved", Preset("vbr", {quality, bitrate, approval(true)}), "vbr", 64000, {30000, 1001}},
-        {"approved, none there",
-         Preset("vbr", {quality, approval(true)}),
-         "vbr",
-         computed(30000 / 1001.0, 4),
-         {30000, 1001}},
-        {"automatic", Preset("cbr_auto", {bitrate, quality}), "cbr", computed(30000 / 1001.0, -1), {30000, 1001}},
-        {"own rate", Preset("cbr_auto", {Property(V::TAG_FPS, Ratio(50, 1))}), "cbr", computed(50, -1), {50, 1}},
-        {"zero rate",
-         Preset("cbr_auto", {Property(V::TAG_FPS, Ratio(0, 1))}),
-         "cbr",
-         computed(30000 / 1001.0, -1),
-         {30000, 1001}},
+        {"cbr", "bitrate: 64000", "cbr", 64000, own},
+        {"vbr", asked, "vbr", computed(30000 / 1001.0, 4), own},
+        {"vbr", asked + ", " + approved + "false}", "vbr", computed(30000 / 1001.0, 4), own},
+        {"vbr", asked + ", " + approved + "true}", "vbr", 64000, own},
+        {"vbr", "quality: 4, " + approved + "true}", "vbr", computed(30000 / 1001.0, 4), own},
+        {"cbr_auto", asked, "cbr", computed(30000 / 1001.0, -1), own},
+        {"cbr_auto", "frame_rate: 50/1", "cbr", computed(50, -1), {50, 1}},
+        {"cbr_auto", "frame_rate: 0/1", "cbr", computed(30000 / 1001.0, -1), own},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+        SCOPED_TRACE(c.preset + c.values);
         Property stream = VideoStream();
-        Codec(MediaType::Video)->ApplyPresetSettings(c.preset, stream);
+        Codec(MediaType::Video)->ApplyPresetSettings(Preset(c.preset, c.values), stream);
         EXPECT_EQ(stream[C::TAG_BITRATE_MODE].GetString(), c.mode);
         EXPECT_EQ(stream[C::TAG_BITRATE].GetInt64(), c.bitrate);
         EXPECT_EQ(stream[V::TAG_FPS].GetRatio(), c.fps);
-        EXPECT_EQ(stream.ChildExists(C::TAG_QUALITY), std::string(c.mode) == "vbr");
+        EXPECT_EQ(stream.ChildExists(C::TAG_QUALITY), c.mode == "vbr");
         // What the preset does not hold is reset.
         EXPECT_EQ(stream[V::TAG_BITS_PER_PIXEL].GetInt64(), 0);
         EXPECT_FALSE(stream[V::TAG_COVER_FLAG].GetBool());
@@ -115,32 +88,27 @@ TEST(VideoPreset, CopiesWhatThePresetHolds) {
     Property stream = VideoStream();
     Codec(MediaType::Video)
         ->ApplyPresetSettings(
-            Preset("cbr", {Property(C::TAG_BITRATE, 1), Property(V::TAG_MULTIPASS_ENCODING, "two_pass"),
-                           Property(C::TAG_THREAD_NUMBER, 3), Property(V::TAG_MAX_B_FRAME_SEQUENCE, 2),
-                           Property(V::TAG_MAX_I_FRAME_INTERVAL, 250), Property(V::TAG_BITS_PER_PIXEL, 30),
-                           Property(V::TAG_COVER_FLAG, true),
-                           Node(C::TAG_CODEC_OPTIONS_ENCODE, {Property(C::TAG_PROFILE, "high")})}),
+            Preset("cbr",
+                   "bitrate: 1, passes: two_pass, thread_number: 3, max_b_frames: 2, key_frame_interval: 250, "
+                   "bits_per_pixel: 30, cover: true, encode_options: {profile: high}"),
             stream);
-    EXPECT_EQ(Dump(stream),
-              "s/width: int 1280\ns/height: int 720\ns/frame_rate: ratio 30000/1001\ns/bits_per_pixel: int "
-              "30\ns/cover: bool true\n"
-              "s/codec_id: string test\ns/key_frame_interval: int 250\ns/max_b_frames: int 2\ns/thread_number: int 3\n"
-              "s/passes: string two_pass\ns/bitrate_mode: string cbr\ns/bitrate: int 1\n"
-              "s/encode_options/profile: string high\ns/encode_options/preset: string slow\n");
+    EXPECT_EQ(PropertyValueToString(stream),
+              "{width: 1280, height: 720, frame_rate: 30000/1001, bits_per_pixel: 30, cover: true, codec_id: test, "
+              "key_frame_interval: 250, max_b_frames: 2, thread_number: 3, passes: two_pass, bitrate_mode: cbr, "
+              "bitrate: 1, encode_options: {profile: high, preset: slow}}");
 }
 
 TEST(Preset, AnEmptyOptionsNodeCountsAsAbsentAndDropsTheStreams) {
-    for (const Property& options : {Node(C::TAG_CODEC_OPTIONS_ENCODE, {}), Property(C::TAG_CODEC_OPTIONS_ENCODE, 5)}) {
-        Property stream = Node("s", {Node(C::TAG_CODEC_OPTIONS_ENCODE, {Property("old", 1)})});
-        Codec(MediaType::Audio)->ApplyPresetSettings(Preset("cbr_auto", {options}), stream);
+    for (const char* const options : {"encode_options: {}", "encode_options: 5"}) {
+        Property stream = Tree("s{encode_options: {old: 1}}");
+        Codec(MediaType::Audio)->ApplyPresetSettings(Preset("cbr_auto", options), stream);
         EXPECT_EQ(Dump(stream["encode_options"]),
                   "encode_options/profile: string main\nencode_options/preset: string slow\n");
     }
 }
 
 TEST(Preset, RefusesInAFixedOrder) {
-    Property foreign = Preset("sometimes");
-    foreign["codec_id"] = "another";
+    const Property foreign = Tree("preset{codec_id: another, bitrate_mode: sometimes}");
     const struct {
         MediaType type;
         Property preset;
@@ -174,7 +142,7 @@ TEST(Preset, MissingChildrenFailAsTheTreeDoes) {
     };
     EXPECT_EQ(missing(MediaType::Audio, Property(std::string("p")), VideoStream()), C::TAG_CODEC_ID);
     EXPECT_EQ(missing(MediaType::Audio, Preset("cbr"), VideoStream()), C::TAG_BITRATE);
-    EXPECT_EQ(missing(MediaType::Audio, Preset("vbr", {Property(C::TAG_BITRATE, 1)}), VideoStream()), C::TAG_QUALITY);
+    EXPECT_EQ(missing(MediaType::Audio, Preset("vbr", "bitrate: 1"), VideoStream()), C::TAG_QUALITY);
     EXPECT_EQ(missing(MediaType::Video, Preset("cbr"), VideoStream()), C::TAG_BITRATE);
     EXPECT_EQ(missing(MediaType::Video, Preset("cbr_auto"), Property(std::string("s"))), V::TAG_WIDTH);
 }
@@ -189,17 +157,16 @@ TEST(BitrateCorrection, FallsBackOnTheDefault) {
         SP<IPropertyConstraint> constraint;
         bool hasDefault;
         const char* corrected;
-        bool throws;
     } cases[] = {
-        {"absent, default", false, range, true, "s/bitrate: int 12\n", false},
-        {"absent, no default", false, range, false, "s: node\n", false},
-        {"no constraint, default", true, nullptr, true, "s/bitrate: int 12\n", false},
-        {"no constraint, no default", true, nullptr, false, "s/bitrate: int 99\n", false},
-        {"fixed", true, range, true, "s/bitrate: int 20\n", false},
-        {"refused, default", true, refusing, true, "s/bitrate: int 12\n", false},
-        {"refused, no default", true, refusing, false, "s/bitrate: int 99\n", false},
-        {"throws, default", true, throwing, true, "s/bitrate: int 12\n", true},
-        {"throws, no default", true, throwing, false, "s/bitrate: int 99\n", true},
+        {"absent, default", false, range, true, "s/bitrate: int 12\n"},
+        {"absent, no default", false, range, false, "s: node\n"},
+        {"no constraint, default", true, nullptr, true, "s/bitrate: int 12\n"},
+        {"no constraint, no default", true, nullptr, false, "s/bitrate: int 99\n"},
+        {"fixed", true, range, true, "s/bitrate: int 20\n"},
+        {"refused, default", true, refusing, true, "s/bitrate: int 12\n"},
+        {"refused, no default", true, refusing, false, "s/bitrate: int 99\n"},
+        {"throws, default", true, throwing, true, "s/bitrate: int 12\n"},
+        {"throws, no default", true, throwing, false, "s/bitrate: int 99\n"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -210,7 +177,7 @@ TEST(BitrateCorrection, FallsBackOnTheDefault) {
         if (c.constraint) codec.constraints[C::TAG_BITRATE] = c.constraint;
         Property stream(std::string("s"));
         if (c.present) stream.SetChildT(C::TAG_BITRATE, 99);
-        if (c.throws) {
+        if (c.constraint == throwing) {
             EXPECT_THROW(codec.CorrectBitrate(stream), std::bad_alloc);
         } else {
             codec.CorrectBitrate(stream);
@@ -220,29 +187,23 @@ TEST(BitrateCorrection, FallsBackOnTheDefault) {
 }
 
 TEST(VideoCorrection, BringsInFrameLimitsAndTakesBFramesFromFourCodecs) {
-    int without = 0;
     for (const std::string& id : GetAllVideoCodecs()) {
         TestCodec codec(MediaType::Video, id);
-        codec.defaults =
-            Node("d", {Property(V::TAG_MAX_B_FRAME_SEQUENCE, 2), Property(V::TAG_MAX_I_FRAME_INTERVAL, 250)});
-        Property fresh(std::string("s"));
+        codec.defaults = Tree("d{max_b_frames: 2, key_frame_interval: 250}");
+        Property fresh(std::string("s")), own = Tree("s{max_b_frames: 5, key_frame_interval: 9}");
         codec.CorrectFormatCodec(fresh);
-        Property own = Node("s", {Property(V::TAG_MAX_B_FRAME_SEQUENCE, 5), Property(V::TAG_MAX_I_FRAME_INTERVAL, 9)});
         codec.CorrectFormatCodec(own);
         const bool loses = id == "mjpeg" || id == "flv1" || id == "wmv2" || id == "h263";
-        EXPECT_EQ(Dump(fresh),
-                  (loses ? "" : "s/max_b_frames: int 2\n") + std::string("s/key_frame_interval: int 250\n"))
+        const std::string text = PropertyValueToString(fresh) + PropertyValueToString(own);
+        EXPECT_EQ(text, loses ? "{key_frame_interval: 250}{key_frame_interval: 9}"
+                              : "{max_b_frames: 2, key_frame_interval: 250}{max_b_frames: 5, key_frame_interval: 9}")
             << id;
-        EXPECT_EQ(Dump(own), (loses ? "" : "s/max_b_frames: int 5\n") + std::string("s/key_frame_interval: int 9\n"))
-            << id;
-        without += loses ? 1 : 0;
     }
-    EXPECT_EQ(without, 4);
 }
 
 Property AudioStream(long long rate, const std::string& format, const std::string& layout) {
-    return Node(A::TAG_FORMAT_CODEC_AUDIO, {Property(A::TAG_SAMPLE_RATE, rate), Property(A::TAG_SAMPLE_FORMAT, format),
-                                            Property(A::TAG_LAYOUT, layout)});
+    return Tree("format_codec_audio{sample_rate: " + std::to_string(rate) + ", sample_format: " + format +
+                ", channel_layout: " + layout + "}");
 }
 
 TEST(AudioCorrection, TheFirstRuleAboutATagDecidesWhateverItsFirstHalf) {
@@ -258,7 +219,7 @@ TEST(AudioCorrection, TheFirstRuleAboutATagDecidesWhateverItsFirstHalf) {
 
 TEST(AudioCorrection, WhatCannotBeMadeLegalIsAFailureWithTheTagTheValueAndTheCodec) {
     TestCodec codec(MediaType::Audio);
-    codec.defaults = Node("d", {Property(C::TAG_BITRATE, 12)});
+    codec.defaults = Tree("d{bitrate: 12}");
     codec.rules = {
         {"/", PairValidationRule::Create("", nullptr, "x/sample_rate", ConstraintRange::Create(8000LL, 16000LL, 0LL))},
         {"/", PairValidationRule::Create("", nullptr, "x/sample_format",
@@ -272,7 +233,7 @@ TEST(AudioCorrection, WhatCannotBeMadeLegalIsAFailureWithTheTagTheValueAndTheCod
 }
 
 TEST(AudioCorrection, NeedsTheThreeTagsOfTheAudioFormat) {
-    Property stream = Node("s", {Property(A::TAG_SAMPLE_RATE, 1)});
+    Property stream = Tree("s{sample_rate: 1}");
     const auto failure =
         CatchFrom<Core::PropertyException>([&] { TestCodec(MediaType::Audio).CorrectFormatCodec(stream); });
     EXPECT_EQ(TagOf<TagDetails>(failure), A::TAG_SAMPLE_FORMAT);
@@ -283,31 +244,6 @@ TEST(Correction, OfAnotherMediaTypeIsRefused) {
     const auto failure = CatchFrom<HelperException>([&] { TestCodec(MediaType::None).CorrectFormatCodec(stream); });
     EXPECT_EQ(TagOf<TagDescription>(failure), "Unknown stream type");
     EXPECT_TRUE(TagOf<TagCallStack>(failure));
-}
-
-TEST(AudioCorrection, FollowsTheEncoderBeforeAacsOwnLists) {
-    const FakeBuild build({{"aac",
-                            {{},
-                             {AV_SAMPLE_FMT_FLTP},
-                             {44100, 48000},
-                             {NativeLayout(AV_CH_LAYOUT_STEREO), NativeLayout(AV_CH_LAYOUT_HEXADECAGONAL)}}}});
-    const auto aac = DataHelperAudioCodecAac::Create();
-    const struct {
-        long long asked;
-        long long corrected;
-    } bitrates[] = {{100000, 96000}, {80000, 64000}, {10000, 32000}, {600000, 512000}};
-    for (const auto& [asked, corrected] : bitrates) {
-        Property stream = AudioStream(46051, "s16", "hexadecagonal");
-        stream.SetChildT(C::TAG_BITRATE, asked);
-        stream.SetChildT(C::TAG_BITRATE_MODE, "vbr");
-        stream.SetChildT(C::TAG_QUALITY, 3);
-        aac->CorrectFormatCodec(stream);
-        Property expected = AudioStream(48000, "fltp", "hexadecagonal");
-        expected.SetChildT(C::TAG_BITRATE, corrected);
-        expected.SetChildT(C::TAG_BITRATE_MODE, "cbr");
-        expected.SetChildT(C::TAG_QUALITY, 3);
-        EXPECT_EQ(TreeDiff(expected, stream), "");
-    }
 }
 
 TEST(KeptAnswers, AreThoseOfAHelperThatSaysSo) {

@@ -34,6 +34,9 @@ void Fail(const std::string& what, const std::error_code& error) {
     throw MediaError(what + ": " + error.message());
 }
 
+StreamError::StreamError(const AVStream& stream, const std::string& what, int error)
+    : MediaError(error < 0 ? what + ": " + ReasonOf(error) : what), m_streamIndex(stream.index) {}
+
 int Check(int result, const char* what) {
     if (result < 0) Fail(what, result);
     return result;
@@ -59,6 +62,20 @@ bool IsPositive(AVRational rational) {
 
 AVRational KnownAspect(AVRational aspect) {
     return IsPositive(aspect) ? aspect : AVRational{1, 1};
+}
+
+const std::int32_t* DisplayMatrix(const AVStream& stream) {
+#if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
+    std::size_t size = 0;
+    const std::uint8_t* const data = av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size);
+#else
+    const AVCodecParameters& parameters = *stream.codecpar;
+    const AVPacketSideData* const side =
+        av_packet_side_data_get(parameters.coded_side_data, parameters.nb_coded_side_data, AV_PKT_DATA_DISPLAYMATRIX);
+    const std::size_t size = side != nullptr ? side->size : 0;
+    const std::uint8_t* const data = side != nullptr ? side->data : nullptr;
+#endif
+    return size >= 9 * sizeof(std::int32_t) ? reinterpret_cast<const std::int32_t*>(data) : nullptr;
 }
 
 bool HasFlag(AVPixelFormat format, unsigned flag) {

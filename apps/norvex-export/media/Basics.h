@@ -1,6 +1,7 @@
 /// What every part of the media half stands on: failures, ownership of FFmpeg's objects, numbers, formats, channels.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <new>
 #include <string>
@@ -30,6 +31,18 @@ std::string Quoted(std::string text);
 [[noreturn]] void Fail(const std::string& what, int error);
 [[noreturn]] void Fail(const std::string& what, const std::error_code& error);
 int Check(int result, const char* what);
+
+/// Nothing can be made of one stream of the input. The others can do without it.
+class StreamError : public MediaError {
+public:
+    /// `error` is FFmpeg's, 0 where there is none.
+    StreamError(const AVStream& stream, const std::string& what, int error = 0);
+
+    int StreamIndex() const { return m_streamIndex; }
+
+private:
+    int m_streamIndex;
+};
 
 /// The options that something was given, for the message that it failed with them; empty without options.
 std::string WithOptions(const Options& options);
@@ -73,6 +86,9 @@ bool IsPositive(AVRational rational);
 
 /// Shape of one pixel; FFmpeg says 0 for the unknown one.
 AVRational KnownAspect(AVRational aspect);
+
+/// How the stream's pictures are turned for a viewer, as nine numbers; null where the stream does not say.
+const std::int32_t* DisplayMatrix(const AVStream& stream);
 
 bool HasFlag(AVPixelFormat format, unsigned flag);
 bool IsYuv(AVPixelFormat format);

@@ -10,13 +10,13 @@ namespace {
 Owned<AVCodecContext> OpenDecoder(const AVStream& stream) {
     const std::string name = Quoted(avcodec_get_name(stream.codecpar->codec_id));
     const AVCodec* const codec = avcodec_find_decoder(stream.codecpar->codec_id);
-    if (codec == nullptr) throw MediaError("this FFmpeg has no decoder for " + name);
+    if (codec == nullptr) throw StreamError(stream, "this FFmpeg has no decoder for " + name);
     Owned<AVCodecContext> context = Own(avcodec_alloc_context3(codec));
     Check(avcodec_parameters_to_context(context.get(), stream.codecpar), "cannot set up a decoder");
     context->pkt_timebase = stream.time_base;
     context->thread_count = 0;
     const int result = avcodec_open2(context.get(), codec, nullptr);
-    if (result < 0) Fail("cannot open the decoder for " + name, result);
+    if (result < 0) throw StreamError(stream, "cannot open the decoder for " + name, result);
     return context;
 }
 

@@ -67,6 +67,15 @@ std::string FileUrl(const std::string& path) {
     return "file:" + path;
 }
 
+void RequireReadAgain(const std::string& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    const bool isStream = fs::is_fifo(status) || fs::is_socket(status) || fs::is_character_file(status);
+    if (isStream || (path == "-" && !fs::exists(status))) {
+        throw MediaError("cannot open " + Quoted(path) + ": an input is read more than once and must be a file");
+    }
+}
+
 void RemoveUnfinished() {
     Unfinished& unfinished = GetUnfinished();
     unfinished.mutex.lock();  // and never unlocked: nothing is finished from here on, and nothing begun
@@ -86,6 +95,9 @@ void RemoveUnfinished() {
 
 PendingFile::PendingFile(const std::string& target) : m_name(Quoted(target)), m_target(Resolve(target)) {
     RequireWritable(target, {});
+    std::error_code error;
+    const fs::file_status status = fs::status(m_target, error);
+    if (fs::exists(status)) m_mode = status.permissions();
     const std::lock_guard<std::mutex> lock(GetUnfinished().mutex);
     // A name of its own, not one made of the target's: that one may be as long as a name can be.
     const fs::path extension = m_target.extension();
@@ -94,6 +106,9 @@ PendingFile::PendingFile(const std::string& target) : m_name(Quoted(target)), m_
         if (std::FILE* const file = std::fopen(m_path.string().c_str(), "wbx")) {
             std::fclose(file);
             GetUnfinished().files.insert(m_path);
+            std::error_code ignored;
+            constexpr auto ours = fs::perms::owner_read | fs::perms::owner_write;
+            if (m_mode != fs::perms::unknown) fs::permissions(m_path, m_mode | ours, ignored);
             return;
         }
         if (errno != EEXIST) Fail("cannot write " + m_name, AVERROR(errno));
@@ -124,6 +139,7 @@ void PendingFile::Write(const std::string& text) const {
 void PendingFile::Commit() {
     const std::lock_guard<std::mutex> lock(GetUnfinished().mutex);
     std::error_code error;
+    if (m_mode != fs::perms::unknown) fs::permissions(m_path, m_mode, error);
     fs::rename(m_path, m_target, error);
     if (error) Fail("cannot write " + m_name, error);
     GetUnfinished().files.erase(m_path);
@@ -166,6 +182,11 @@ void RequireWritable(const std::string& path, const std::vector<TakenFile>& take
     if (fs::is_directory(status)) Media::Fail(what, AVERROR(EISDIR));
     // Renaming over a device or a pipe would put a file in its place.
     if (fs::exists(status) && !fs::is_regular_file(status)) throw MediaError(what + ": it is not a regular file");
+    // To rename over a file takes no leave of its owner. The superuser may write to any, and is held to the same.
+    constexpr auto writable = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    const bool isForbidden = fs::exists(status) && ((status.permissions() & writable) == fs::perms::none ||
+                                                    access(target.c_str(), W_OK) != 0);
+    if (isForbidden) Media::Fail(what, AVERROR(EACCES));
     const fs::path folder = target.parent_path();
     if (!fs::exists(folder, error)) {
         throw MediaError(what + ": there is no folder " + Media::Quoted(fs::path(path).parent_path().string()));

@@ -11,6 +11,9 @@ namespace NorvexExport::Media {
 /// The name under which FFmpeg opens exactly this file: without it a colon would make the name a protocol.
 std::string FileUrl(const std::string& path);
 
+/// An input is read more than once, which a pipe cannot be, and to open one may wait for ever. Throws MediaError.
+void RequireReadAgain(const std::string& path);
+
 /// Removes what the files and folders below hold at this moment, and keeps all threads from making more: for the end of
 /// the program out of turn, which must follow. It may be called while other threads are about anything.
 void RemoveUnfinished();
@@ -34,6 +37,7 @@ private:
     std::string m_name;
     std::filesystem::path m_target;
     std::filesystem::path m_path;
+    std::filesystem::perms m_mode = std::filesystem::perms::unknown;  ///< of the file that is replaced
     bool m_committed = false;
 };
 

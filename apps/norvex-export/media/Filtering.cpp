@@ -12,15 +12,11 @@ extern "C" {
 #include <libavutil/samplefmt.h>
 }
 
+#include "Pixels.h"
+
 namespace NorvexExport::Media {
 
 namespace {
-
-/// The matrix for the scaler where it must make the encoder's YUV from colours that have none, else null.
-const char* ConversionMatrix(AVPixelFormat source, const AVCodecContext& encoder) {
-    if (!HasFlag(source, AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL) || !IsYuv(encoder.pix_fmt)) return nullptr;
-    return encoder.colorspace == AVCOL_SPC_BT709 ? "bt709" : "smpte170m";
-}
 
 struct Size {
     int width = 0;
@@ -37,10 +33,11 @@ int EvenSide(std::int64_t length, std::int64_t numerator, std::int64_t denominat
 Size ScaledSize(const VideoJob& job, const AVBufferSrcParameters& source) {
     if (job.fit == Fit::Stretch) return {job.width, job.height};
     const bool covers = job.fit == Fit::Crop;
-    const AVRational sourceAspect = KnownAspect(source.sample_aspect_ratio);
     const AVRational targetAspect = KnownAspect(ToRational(job.sampleAspect));
-    // The source's shape in pixels of the target.
-    const AVRational shape = av_mul_q({source.width, source.height}, av_div_q(sourceAspect, targetAspect));
+    AVRational sourceShape = av_mul_q({source.width, source.height}, KnownAspect(source.sample_aspect_ratio));
+    if (job.orientation.SwapsSides()) sourceShape = av_inv_q(sourceShape);
+    // The same in pixels of the target.
+    const AVRational shape = av_div_q(sourceShape, targetAspect);
     const AVRational frame = {job.width, job.height};
     const bool keepsWidth = (av_cmp_q(shape, frame) > 0) != covers;
     const AVRounding rounding = covers ? AV_ROUND_UP : AV_ROUND_NEAR_INF;
@@ -51,6 +48,16 @@ Size ScaledSize(const VideoJob& job, const AVBufferSrcParameters& source) {
                       : EvenSide(job.height, shape.num, shape.den, rounding);
     free = covers ? std::max(free, whole) : std::min(free, whole);
     return size;
+}
+
+/// What turns a stored picture upright.
+std::vector<FilterStep> UprightSteps(const Orientation& orientation) {
+    std::vector<FilterStep> steps;
+    if (orientation.isMirrored) steps.push_back({"hflip", {}});
+    if (orientation.degrees == 90) steps.push_back({"transpose", {{"dir", "clock"}}});
+    if (orientation.degrees == 180) steps.insert(steps.end(), {{"hflip", {}}, {"vflip", {}}});
+    if (orientation.degrees == 270) steps.push_back({"transpose", {{"dir", "cclock"}}});
+    return steps;
 }
 
 /// Where a picture stands in a frame; even, so that luma and chroma stay together.
@@ -128,10 +135,10 @@ bool IsSingle(const VideoJob& job) {
     return job.isCover || job.isStill;
 }
 
-std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParameters& source,
+std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParameters& source, AVColorSpace matrix,
                                    const AVCodecContext& encoder, bool isFirst) {
     const Size size = ScaledSize(job, source);
-    const char* const matrix = ConversionMatrix(static_cast<AVPixelFormat>(source.format), encoder);
+    const Conversion colours = ConversionFor(static_cast<AVPixelFormat>(source.format), matrix, source.height, encoder);
     const auto number = [](int value) { return std::to_string(value); };
     const auto ratio = [](AVRational value) { return std::to_string(value.num) + "/" + std::to_string(value.den); };
 
@@ -143,10 +150,16 @@ std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParamet
     scale.options.emplace_back("flags", job.scaler.empty() ? "bicubic" : job.scaler);
     if (encoder.color_range == AVCOL_RANGE_JPEG) scale.options.emplace_back("out_range", "pc");
     if (encoder.color_range == AVCOL_RANGE_MPEG) scale.options.emplace_back("out_range", "tv");
-    if (matrix != nullptr) scale.options.emplace_back("out_color_matrix", matrix);
+    if (colours.from != nullptr) scale.options.emplace_back("in_color_matrix", colours.from);
+    if (colours.to != nullptr) scale.options.emplace_back("out_color_matrix", colours.to);
+
+    if (job.fields == Fields::Keep) scale.options.emplace_back("interl", "1");
 
     std::vector<FilterStep> steps;
+    if (job.fields == Fields::Deinterlace) steps.push_back({"bwdif", {{"mode", "send_frame"}}});
     if (!IsSingle(job)) steps.push_back(rate);
+    const std::vector<FilterStep> upright = UprightSteps(job.orientation);
+    steps.insert(steps.end(), upright.begin(), upright.end());
     steps.push_back(scale);
     if (size.width < job.width || size.height < job.height) {
         steps.push_back({"pad",
@@ -171,8 +184,14 @@ std::vector<FilterStep> AudioSteps(const AVBufferSrcParameters& source, const AV
     const std::string rate = std::to_string(encoder.sample_rate);
     // The resampler counts the samples of its source.
     const std::int64_t begin = av_rescale(firstSample, source.sample_rate, encoder.sample_rate);
-    // "async" fills gaps and trims overlaps by the timestamps and does not stretch.
-    return {{"aresample", {{"sample_rate", rate}, {"async", "1"}, {"first_pts", std::to_string(begin)}}},
+    // "async" fills gaps and trims overlaps by the timestamps and does not stretch. The matrix of a down-mix adds up to
+    // 1 at most, as it does for whole numbers by itself.
+    return {{"aresample",
+             {{"sample_rate", rate},
+              {"async", "1"},
+              {"min_hard_comp", "0.004"},
+              {"first_pts", std::to_string(begin)},
+              {"rematrix_maxval", "1"}}},
             {"aformat",
              {{"sample_fmts", av_get_sample_fmt_name(encoder.sample_fmt)},
               {"sample_rates", rate},

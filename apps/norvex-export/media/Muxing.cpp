@@ -1,8 +1,10 @@
 #include "Muxing.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <new>
+#include <string_view>
 
 extern "C" {
 #include <libavutil/dict.h>
@@ -15,6 +17,17 @@ namespace NorvexExport::Media {
 
 Muxer::Muxer(const std::string& container, const Options& options, const PendingFile& file)
     : Muxer(container, file.QuotedName(), FileUrl(file.Path())) {
+    Open(options);
+}
+
+Muxer Muxer::OnTrial(const std::string& container, const Options& options) {
+    Muxer muxer(container, "its header", FileUrl("/dev/null"));
+    muxer.Open(options);
+    return muxer;
+}
+
+void Muxer::Open(const Options& options) {
+    const char* const container = m_context->oformat->name;
     for (const auto& [name, value] : options) {
         const int result = av_opt_set(m_context.get(), name.c_str(), value.c_str(), AV_OPT_SEARCH_CHILDREN);
         if (result < 0) Fail("the container " + Quoted(container) + " does not take " + name + "=" + value, result);
@@ -30,13 +43,38 @@ Muxer::Muxer(const std::string& container, const Options& options, const Pending
     CheckWriting(avio_open(&m_context->pb, m_context->url, AVIO_FLAG_WRITE));
 }
 
-int Muxer::AddStream(const AVCodecContext& encoder) {
+int Muxer::AddStream(const AVCodecContext& encoder, const AVStream& source) {
     AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
     if (stream == nullptr) throw std::bad_alloc();
     Check(avcodec_parameters_from_context(stream->codecpar, &encoder), "cannot describe a stream");
+    CopySideData(encoder, *stream);
     stream->time_base = encoder.time_base;
     stream->avg_frame_rate = encoder.framerate;
     stream->sample_aspect_ratio = encoder.sample_aspect_ratio;
+    CopyStreamTags(source, *stream, *m_context->oformat);
+    stream->disposition &= ~AV_DISPOSITION_ATTACHED_PIC;
+    return stream->index;
+}
+
+int Muxer::AddAttachedCover(const AVStream& source) {
+    AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
+    if (stream == nullptr) throw std::bad_alloc();
+    const AVPacket& picture = source.attached_pic;
+    AVCodecParameters& parameters = *stream->codecpar;
+    parameters.codec_type = AVMEDIA_TYPE_ATTACHMENT;
+    parameters.codec_id = source.codecpar->codec_id;
+    parameters.extradata =
+        static_cast<std::uint8_t*>(av_mallocz(static_cast<std::size_t>(picture.size) + AV_INPUT_BUFFER_PADDING_SIZE));
+    if (parameters.extradata == nullptr) throw std::bad_alloc();
+    std::copy_n(picture.data, picture.size, parameters.extradata);
+    parameters.extradata_size = picture.size;
+    CopyStreamTags(source, *stream, *m_context->oformat);
+    // Readers know the cover by this name and this type.
+    const bool isJpeg = parameters.codec_id == AV_CODEC_ID_MJPEG;
+    const std::string codec = isJpeg ? "jpeg" : avcodec_get_name(parameters.codec_id);
+    const std::string name = "cover." + (isJpeg ? "jpg" : codec);
+    Check(av_dict_set(&stream->metadata, "mimetype", ("image/" + codec).c_str(), 0), "cannot describe a stream");
+    Check(av_dict_set(&stream->metadata, "filename", name.c_str(), AV_DICT_DONT_OVERWRITE), "cannot describe a stream");
     return stream->index;
 }
 
@@ -55,8 +93,7 @@ int Muxer::AddCopy(const AVStream& source, const AVCodecParameters& sourceParame
     const bool isOfBlocks = parameters.codec_id != AV_CODEC_ID_MP3 && parameters.codec_id != AV_CODEC_ID_AC3;
     if (!isOfBlocks) parameters.block_align = 0;
     CopySideData(source, *stream);
-    Check(av_dict_copy(&stream->metadata, source.metadata, 0), "cannot describe a stream");
-    stream->disposition = source.disposition;
+    CopyStreamTags(source, *stream, *m_context->oformat);
     stream->sample_aspect_ratio = source.sample_aspect_ratio;
     stream->avg_frame_rate = source.avg_frame_rate;
     stream->r_frame_rate = source.r_frame_rate;
@@ -91,12 +128,23 @@ void Muxer::Begin() {
     CheckWriting(result);
 }
 
-void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase) {
+bool Muxer::PlacesStreams(const std::string& container) {
+    // FFmpeg's flag of a variable rate does not tell: versions differ about MP4.
+    constexpr std::array<std::string_view, 9> without = {"avi",        "dv",  "gxf", "mxf", "mxf_d10",
+                                                         "mxf_opatom", "ogg", "ogv", "swf"};
+    return std::find(without.begin(), without.end(), container) == without.end();
+}
+
+void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase, std::int64_t begin) {
     if (m_isOnePicture && m_packets > 0) FailAsOnePicture();
     ++m_packets;
     packet.stream_index = stream;
     packet.pos = -1;
-    av_packet_rescale_ts(&packet, timeBase, m_context->streams[stream]->time_base);
+    const AVRational clock = m_context->streams[stream]->time_base;
+    av_packet_rescale_ts(&packet, timeBase, clock);
+    const std::int64_t later = av_rescale_q(begin, av_get_time_base_q(), clock);
+    if (packet.pts != AV_NOPTS_VALUE) packet.pts += later;
+    if (packet.dts != AV_NOPTS_VALUE) packet.dts += later;
     CheckWriting(av_interleaved_write_frame(m_context.get(), &packet));
 }
 
@@ -123,14 +171,34 @@ Muxer::Muxer(const std::string& container, const std::string& quotedName, const 
 
 void Muxer::CopySideData(const AVStream& source, AVStream& stream) {
 #if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
-    for (int i = 0; i < source.nb_side_data; ++i) {
-        const AVPacketSideData& data = source.side_data[i];
-        std::uint8_t* const copy = av_stream_new_side_data(&stream, data.type, data.size);
-        if (copy == nullptr) throw std::bad_alloc();
-        std::copy_n(data.data, data.size, copy);
-    }
+    for (int i = 0; i < source.nb_side_data; ++i) CopySideData(source.side_data[i], stream);
 #else
     (void)source;
+    (void)stream;
+#endif
+}
+
+void Muxer::CopySideData(const AVCodecContext& encoder, AVStream& stream) {
+#if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
+    for (int i = 0; i < encoder.nb_coded_side_data; ++i) {
+        const AVPacketSideData& data = encoder.coded_side_data[i];
+        const bool isOfLight =
+            data.type == AV_PKT_DATA_MASTERING_DISPLAY_METADATA || data.type == AV_PKT_DATA_CONTENT_LIGHT_LEVEL;
+        if (isOfLight) CopySideData(data, stream);
+    }
+#else
+    (void)encoder;
+    (void)stream;
+#endif
+}
+
+void Muxer::CopySideData(const AVPacketSideData& data, AVStream& stream) {
+#if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
+    std::uint8_t* const copy = av_stream_new_side_data(&stream, data.type, data.size);
+    if (copy == nullptr) throw std::bad_alloc();
+    std::copy_n(data.data, data.size, copy);
+#else
+    (void)data;
     (void)stream;
 #endif
 }

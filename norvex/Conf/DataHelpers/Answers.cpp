@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "norvex/Conf/DataHelpers/KeepingHelper.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 
 namespace Norvex::Conf {
@@ -17,6 +18,11 @@ ConstraintMap ConstraintsOf(const IDataHelper& helper) {
     return constraints;
 }
 
+const Answers* KeptBy(const IDataHelper& helper) {
+    const auto* const keeping = dynamic_cast<const KeepingHelper*>(&helper);
+    return keeping != nullptr ? keeping->GetKeptAnswers() : nullptr;
+}
+
 }  // namespace
 
 RuleList RulesOf(const IDataHelper& helper) {
@@ -29,7 +35,7 @@ ReadRules ReadRulesOf(const RuleList& rules) {
     ReadRules read;
     read.reserve(rules.size());
     for (const auto& [key, rule] : rules) {
-        if (rule) read.emplace_back(rule);
+        if (rule) read.emplace_back(key, rule);
     }
     return read;
 }
@@ -50,5 +56,25 @@ Answers::Answers(const IDataHelper& helper, const RuleList& asked)
       constraints(ConstraintsOf(helper)),
       rules(ReadRulesOf(asked)),
       resampler(ResamplerConstraintsOf(asked)) {}
+
+Reading::Reading(const IDataHelper& helper) : m_helper(helper), m_kept(KeptBy(helper)) {}
+
+const Core::Property& Reading::Defaults() {
+    if (m_kept != nullptr) return m_kept->defaults;
+    if (!m_defaults) m_defaults = m_helper.GetDefaults();
+    return *m_defaults;
+}
+
+const ConstraintMap& Reading::Constraints() {
+    if (m_kept != nullptr) return m_kept->constraints;
+    if (!m_constraints) m_constraints = ConstraintsOf(m_helper);
+    return *m_constraints;
+}
+
+const ReadRules& Reading::Rules() {
+    if (m_kept != nullptr) return m_kept->rules;
+    if (!m_rules) m_rules = ReadRulesOf(RulesOf(m_helper));
+    return *m_rules;
+}
 
 }  // namespace Norvex::Conf

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <array>
+#include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "norvex/interfaces/Conf/IDataHelper.h"
@@ -11,9 +14,13 @@ namespace Norvex::Conf {
 
 /// A rule with its constraints at hand: asking the rule for one takes a reference, over which threads would fight.
 struct ReadRule {
-    explicit ReadRule(SP<IValidationRule> asked)
-        : rule(std::move(asked)), first(rule->GetFirstConstraint()), second(rule->GetSecondConstraint()) {}
+    ReadRule(const std::string& listedKey, SP<IValidationRule> asked)
+        : key(listedKey),
+          rule(std::move(asked)),
+          first(rule->GetFirstConstraint()),
+          second(rule->GetSecondConstraint()) {}
 
+    std::string key;  ///< that it has in the list of rules
     SP<IValidationRule> rule;
     SP<const IPropertyConstraint> first;  ///< null in a rule without a condition
     SP<const IPropertyConstraint> second;
@@ -40,6 +47,24 @@ struct Answers {
 
 private:
     Answers(const IDataHelper& helper, const RuleList& asked);
+};
+
+/// Reads what a helper answers: what it keeps, or else what it is asked for here, each once and only if it is wanted.
+/// Refers to the helper.
+class Reading {
+public:
+    explicit Reading(const IDataHelper& helper);
+
+    const Core::Property& Defaults();
+    const ConstraintMap& Constraints();
+    const ReadRules& Rules();
+
+private:
+    const IDataHelper& m_helper;
+    const Answers* const m_kept;  ///< null where nothing is
+    std::optional<Core::Property> m_defaults;
+    std::optional<ConstraintMap> m_constraints;
+    std::optional<ReadRules> m_rules;
 };
 
 }  // namespace Norvex::Conf

@@ -24,11 +24,12 @@ public:
     /// the helper is shared.
     void KeepAnswers() noexcept { m_keeps = true; }
 
+    /// What is kept, made on the first call, whichever thread makes it; null where nothing is. For the library's own
+    /// use: hosts do not know what it holds.
+    const Answers* GetKeptAnswers() const;
+
 protected:
     KeepingHelper() = default;
-
-    /// What is kept, made on the first call, whichever thread makes it; null where nothing is.
-    const Answers* GetKeptAnswers() const;
 
     /// Forgets what is kept, for what changes the answers of a helper. Must not overlap with any use of it.
     void DropAnswers() noexcept;

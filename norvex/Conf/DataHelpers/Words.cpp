@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "norvex/Conf/DataHelpers/Constraints/PairValidationRule.h"
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IPreset.h"
@@ -57,75 +58,78 @@ SP<IPropertyConstraint> Only(bool value) {
 }
 
 const std::string& VideoCodecIdPath() {
-    static const std::string path = Path(P::KEY_FILTER_VIDEO_CODEC, C::TAG_CODEC_ID);
+    static const std::string& path = Lasting(Path(P::KEY_FILTER_VIDEO_CODEC, C::TAG_CODEC_ID));
     return path;
 }
 
 const std::string& FrameRatePath() {
-    static const std::string path = Path(Proc::IFilterFrameRate::CLASS_ID, V::TAG_FPS);
+    static const std::string& path = Lasting(Path(Proc::IFilterFrameRate::CLASS_ID, V::TAG_FPS));
     return path;
 }
 
 const std::string& WidthPath() {
-    static const std::string path = Path(Proc::IFilterResize::CLASS_ID, Proc::IResize::CLASS_ID, V::TAG_WIDTH);
+    static const std::string& path =
+        Lasting(Path(Proc::IFilterResize::CLASS_ID, Proc::IResize::CLASS_ID, V::TAG_WIDTH));
     return path;
 }
 
 const std::string& HeightPath() {
-    static const std::string path = Path(Proc::IFilterResize::CLASS_ID, Proc::IResize::CLASS_ID, V::TAG_HEIGHT);
+    static const std::string& path =
+        Lasting(Path(Proc::IFilterResize::CLASS_ID, Proc::IResize::CLASS_ID, V::TAG_HEIGHT));
     return path;
 }
 
 const std::string& FrameSizeModePath() {
-    static const std::string path =
-        Path(Proc::IFilterResize::CLASS_ID, Proc::IResize::CLASS_ID, Proc::IResize::FRAME_SIZE_MODE);
+    static const std::string& path =
+        Lasting(Path(Proc::IFilterResize::CLASS_ID, Proc::IResize::CLASS_ID, Proc::IResize::FRAME_SIZE_MODE));
     return path;
 }
 
 const std::string& AudioCodecIdPath() {
-    static const std::string path = Path(P::KEY_FILTER_AUDIO_CODEC, C::TAG_CODEC_ID);
+    static const std::string& path = Lasting(Path(P::KEY_FILTER_AUDIO_CODEC, C::TAG_CODEC_ID));
     return path;
 }
 
 const std::string& AudioBitratePath() {
-    static const std::string path = Path(P::KEY_FILTER_AUDIO_CODEC, C::TAG_BITRATE);
+    static const std::string& path = Lasting(Path(P::KEY_FILTER_AUDIO_CODEC, C::TAG_BITRATE));
     return path;
 }
 
 const std::string& SampleRatePath() {
-    static const std::string path =
-        Path(Proc::IFilterResample::CLASS_ID, Proc::IResample::CLASS_ID, A::TAG_SAMPLE_RATE);
+    static const std::string& path =
+        Lasting(Path(Proc::IFilterResample::CLASS_ID, Proc::IResample::CLASS_ID, A::TAG_SAMPLE_RATE));
     return path;
 }
 
 const std::string& SampleFormatPath() {
-    static const std::string path =
-        Path(Proc::IFilterResample::CLASS_ID, Proc::IResample::CLASS_ID, A::TAG_SAMPLE_FORMAT);
+    static const std::string& path =
+        Lasting(Path(Proc::IFilterResample::CLASS_ID, Proc::IResample::CLASS_ID, A::TAG_SAMPLE_FORMAT));
     return path;
 }
 
 const std::string& LayoutPath() {
-    static const std::string path = Path(Proc::IFilterResample::CLASS_ID, Proc::IResample::CLASS_ID, A::TAG_LAYOUT);
+    static const std::string& path =
+        Lasting(Path(Proc::IFilterResample::CLASS_ID, Proc::IResample::CLASS_ID, A::TAG_LAYOUT));
     return path;
 }
 
 const std::string& CoverFlagPath() {
-    static const std::string path = Path(P::KEY_FORMAT, V::TAG_COVER_FLAG);
+    static const std::string& path = Lasting(Path(P::KEY_FORMAT, V::TAG_COVER_FLAG));
     return path;
 }
 
 const std::string& FormatProfilePath() {
-    static const std::string path = Path(P::KEY_FORMAT, C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PROFILE);
+    static const std::string& path = Lasting(Path(P::KEY_FORMAT, C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PROFILE));
     return path;
 }
 
 const std::string& ProfileKey() {
-    static const std::string key = Path(C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PROFILE);
+    static const std::string& key = Lasting(Path(C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PROFILE));
     return key;
 }
 
 const std::string& PresetKey() {
-    static const std::string key = Path(C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PRESET);
+    static const std::string& key = Lasting(Path(C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PRESET));
     return key;
 }
 

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <utility>
 
-#include "norvex/Conf/DataHelpers/PlainHelper.h"
+#include "norvex/Conf/Review/Explaining.h"
 #include "norvex/Conf/Review/PresetAssembly.h"
 
 namespace Norvex::Conf {
@@ -41,6 +41,8 @@ public:
         return taken;
     }
 
+    bool HasMore() const { return !m_rest.empty() || (m_node != nullptr && m_next != m_node->end()); }
+
 private:
     const Property* m_node;
     Property::const_iterator m_next;  ///< up to it, all are taken
@@ -56,27 +58,32 @@ struct Step {
 
 /// Tells of each leaf of a tree the way to it, and the leaf in its place in another tree, or null. A node that has lost
 /// or got all its children is no leaf to tell of: they say what happened. Without recursion: a stream's node may be
-/// deeper than the stack.
+/// deeper than the stack. Gives whether the other tree may have leaves in places where this one has none.
 template <class Tell>
-void CompareLeaves(const Property& tree, const Property& other, const Tell& tell) {
+bool CompareLeaves(const Property& tree, const Property& other, const Tell& tell) {
+    bool hasOtherMore = false;
     std::vector<Step> way;
     way.push_back({&tree, tree.begin(), Siblings(&other)});
     while (!way.empty()) {
         Step& step = way.back();
         if (step.next == step.node->end()) {
+            hasOtherMore = hasOtherMore || step.others.HasMore();
             way.pop_back();
             continue;
         }
         const Property& child = *step.next++;
         const Property* const twin = step.others.Take(child.GetName());
         if (child.Count() > 0) {
+            hasOtherMore = hasOtherMore || (twin != nullptr && twin->Count() == 0);
             way.push_back({&child, child.begin(), Siblings(twin)});
         } else if (twin == nullptr || twin->Count() == 0) {
             tell(way, child, twin);
-        } else if (child.GetType() != PT_NODE) {
-            tell(way, child, nullptr);
+        } else {
+            hasOtherMore = true;
+            if (child.GetType() != PT_NODE) tell(way, child, nullptr);
         }
     }
+    return hasOtherMore;
 }
 
 std::string PathOf(const std::vector<Step>& way, const Property& leaf) {
@@ -93,123 +100,127 @@ bool IsSame(const Property& one, const Property& two) {
     return one == two || (one.GetType() == PT_DOUBLE && std::isnan(one.GetDouble()) && std::isnan(two.GetDouble()));
 }
 
-struct Change {
-    CorrectedValue told;
-    const Property* value;  ///< that is there now, or null
+/// What one helper changed.
+struct Changes {
+    std::vector<CorrectedValue>& report;
+    const std::size_t first;                   ///< of this helper's in the report
+    std::vector<const Property*> values = {};  ///< that are there now, or null, of each from the first on
 };
 
-/// What differs in two states of a stream: what is there now first, then what was taken away.
-std::vector<Change> ChangesBetween(const Property& before, const Property& after, const NamedHelper& named) {
-    std::vector<Change> changes;
-    const auto add = [&](std::string path, const Property* former, const Property* now) {
-        CorrectedValue told;
+/// Adds what differs in two states of a stream: what is there now first, then what was taken away.
+void AddChanges(const Property& before, const Property& after, const NamedHelper& named, Changes& changes) {
+    const auto add = [&](const auto& way, const Property& leaf, const Property* former, const Property* now) {
+        if (changes.report.empty()) changes.report.reserve(4);  // who changes one value often changes a few
+        CorrectedValue& told = changes.report.emplace_back();
         told.helperKind = named.kind;
         told.helperId = named.id;
-        told.path = std::move(path);
+        told.path = PathOf(way, leaf);
         if (former != nullptr) told.before = *former;
         if (now != nullptr) told.after = *now;
-        changes.push_back({std::move(told), now});
+        changes.values.push_back(now);
     };
-    if (before == after) return changes;
-    CompareLeaves(after, before, [&](const auto& way, const Property& leaf, const Property* former) {
-        if (former == nullptr || !IsSame(*former, leaf)) add(PathOf(way, leaf), former, &leaf);
-    });
+    const bool isSomeGone =
+        CompareLeaves(after, before, [&](const auto& way, const Property& leaf, const Property* former) {
+            if (former == nullptr || !IsSame(*former, leaf)) add(way, leaf, former, &leaf);
+        });
+    if (!isSomeGone) return;
     CompareLeaves(before, after, [&](const auto& way, const Property& leaf, const Property* now) {
-        if (now == nullptr) add(PathOf(way, leaf), &leaf, nullptr);
+        if (now == nullptr) add(way, leaf, &leaf, nullptr);
     });
-    return changes;
 }
 
 // ------------------------------------------------------------------------------------------------- why it changed
 
-/// A part of what another helper says.
-class Excerpt final : public PlainHelper {
-public:
-    Property GetDefaults() const override { return Property(std::string()); }
-    void GetConstraints(ConstraintMap& out) const override { out = constraints; }
-    void GetValidationRules(RuleList& out) const override { out = rules; }
-
-    ConstraintMap constraints;
-    RuleList rules;
-};
-
-/// Says why a helper changed a value. The helper is asked once, whatever the number of changes.
+/// Says why a helper changed values. The helper is asked once, whatever the number of changes.
 class Reasons {
 public:
     /// `stream` is settled. Throws what the helper throws.
     Reasons(const NamedHelper& named, const Property& stream)
         : m_named(named),
           m_stream(stream),
-          m_defaults(named.helper->GetDefaults()),
-          m_preset(AssemblePreset({stream})) {
-        const SP<Excerpt> said(new Excerpt);
-        named.helper->GetConstraints(said->constraints);
-        for (const Finding& finding : ExplainPreset(m_preset, {{named.kind, named.id, said}})) {
-            About(finding.path).excerpt->constraints[finding.key] = finding.constraint;
-        }
-        named.helper->GetValidationRules(said->rules);
-        for (const auto& rule : said->rules) {
-            if (rule.second) About(rule.second->GetSecondPath()).excerpt->rules.push_back(rule);
+          m_said(*named.helper),
+          m_defaults(m_said.Defaults()),
+          m_preset(AssembleStream(stream)) {}
+
+    void GiveTo(const Changes& changes) {
+        Collect(changes);
+        for (std::size_t i = 0; i < changes.values.size(); ++i) {
+            CorrectedValue& told = changes.report[changes.first + i];
+            const Said& said = m_about[told.path];
+            // Values that share a name, or have a separator in it, share a path; it leads to one of them.
+            if (said.value == nullptr || said.value != changes.values[i]) continue;
+            if (told.before) told.broken = WhatBroke(told, said);
+            if (told.broken) {
+                told.reason = CorrectedValue::Reason::Broken;
+            } else if (const Property* const standard = m_defaults.FindByPath(told.path);
+                       standard != nullptr && *standard == *told.after) {
+                told.reason = CorrectedValue::Reason::Default;
+            }
         }
     }
 
-    void GiveTo(Change& change) {
-        CorrectedValue& told = change.told;
-        told.broken = WhatBroke(change);
-        if (told.broken) {
-            told.reason = CorrectedValue::Reason::Broken;
-        } else if (told.after && m_defaults.ChildExists(told.path) && m_defaults[told.path] == *told.after &&
-                   ValueAt(told.path) == change.value) {
-            told.reason = CorrectedValue::Reason::Default;
-        }
-    }
+    /// The settled stream.
+    Property TakePreset() { return std::move(m_preset); }
 
 private:
-    /// What the helper says about one value of the stream.
-    struct Said {
-        const Property* value;
-        SP<Excerpt> excerpt;
+    struct SaidOfValue {
+        const ConstraintMap::value_type& constraint;
+        const Property& value;
+        Way way;
     };
 
-    /// What a path of the stream leads to. Values that share a name, or have a separator in it, share a path; it leads
-    /// to one of them.
-    const Property* ValueAt(const std::string& path) const {
-        return m_stream.ChildExists(path) ? &m_stream[path] : nullptr;
-    }
+    /// What the helper says about one value of the stream.
+    struct Said {
+        const Property* value = nullptr;  ///< that the path leads to, or null
+        std::vector<SaidOfValue> constraints;
+        std::vector<const ReadRule*> rules;
+    };
 
-    Said& About(const std::string& presetPath) {
-        std::string path = StreamPathOf(presetPath);
-        const auto said = m_said.find(path);
-        if (said != m_said.end()) return said->second;
-        const Property* const value = ValueAt(path);
-        return m_said.emplace(std::move(path), Said{value, SP<Excerpt>(new Excerpt)}).first->second;
+    /// Looks up what the helper says about the changed values, each of its constraints and rules once.
+    void Collect(const Changes& changes) {
+        m_about.reserve(changes.values.size());
+        for (std::size_t i = changes.first; i < changes.report.size(); ++i) {
+            const std::string& path = changes.report[i].path;
+            m_about[path].value = m_stream.FindByPath(path);
+        }
+        const std::string& section = SectionOf(m_named.kind);
+        for (const auto& constraint : m_said.Constraints()) {
+            VisitValues(m_preset, section, constraint.first, [&](const Property& value, const Way& way) {
+                const auto said = m_about.find(WithinStream(way.Path()));
+                if (said != m_about.end()) said->second.constraints.push_back({constraint, value, way});
+            });
+        }
+        for (const ReadRule& rule : m_said.Rules()) {
+            const auto said = m_about.find(WithinStream(rule.rule->GetSecondPath()));
+            if (said != m_about.end()) said->second.rules.push_back(&rule);
+        }
     }
 
     /// What the former value would break if all others stood as they stand now.
-    std::optional<Finding> WhatBroke(const Change& change) {
-        const CorrectedValue& told = change.told;
-        const auto said = m_said.find(told.path);
-        if (!told.before || !told.after || said == m_said.end() || said->second.value != change.value) {
-            return std::nullopt;
+    std::optional<Finding> WhatBroke(const CorrectedValue& told, const Said& said) {
+        if (said.constraints.empty() && said.rules.empty()) return std::nullopt;
+        std::vector<Property*> places;
+        for (const std::string& path : PresetPathsOf(m_stream.GetName(), told.path)) places.push_back(&m_preset[path]);
+        for (Property* const place : places) place->CopyDataFrom(*told.before);
+        m_found.clear();
+        for (const auto& [constraint, value, way] : said.constraints) {
+            if (m_found.empty()) ExplainConstraint(m_named, constraint, value, way, Wanted::Violations, m_found);
         }
-        Put(told.path, *told.before);
-        std::vector<Finding> findings = CheckPreset(m_preset, {{m_named.kind, m_named.id, said->second.excerpt}});
-        Put(told.path, *told.after);
-        for (Finding& finding : findings) {
-            if (StreamPathOf(finding.path) == told.path) return std::move(finding);
+        for (const ReadRule* const rule : said.rules) {
+            if (m_found.empty()) ExplainRule(m_preset, m_named, *rule, Wanted::Violations, m_found);
         }
-        return std::nullopt;
-    }
-
-    void Put(const std::string& path, const Property& value) {
-        for (const std::string& place : PresetPathsOf(m_stream.GetName(), path)) m_preset[place].CopyDataFrom(value);
+        for (Property* const place : places) place->CopyDataFrom(*told.after);
+        if (m_found.empty()) return std::nullopt;
+        return std::move(m_found.front());
     }
 
     const NamedHelper& m_named;
     const Property& m_stream;
-    const Property m_defaults;
+    Reading m_said;
+    const Property& m_defaults;
     Property m_preset;
-    std::unordered_map<std::string, Said> m_said;
+    std::unordered_map<std::string_view, Said> m_about;  ///< by the path in the stream
+    std::vector<Finding> m_found;                        ///< kept for its memory
 };
 
 }  // namespace
@@ -223,8 +234,10 @@ CorrectionReport CorrectWithReport(Property& stream, const std::vector<NamedHelp
             if (!report.failure) report.failure = std::current_exception();
         }
     };
+    std::optional<Property> settled;  // the preset of the stream, while no helper may have changed it since
     for (const NamedHelper& named : helpers) {
         if (!named.helper) continue;
+        settled.reset();
         const Property before = stream;
         std::exception_ptr failure;
         try {
@@ -232,21 +245,23 @@ CorrectionReport CorrectWithReport(Property& stream, const std::vector<NamedHelp
         } catch (...) {
             failure = std::current_exception();
         }
-        std::vector<Change> changes = ChangesBetween(before, stream, named);
+        Changes changes{report.changes, report.changes.size()};
+        AddChanges(before, stream, named, changes);
         if (failure) report.failure = failure;
-        if (!changes.empty()) {
+        if (!changes.values.empty()) {
             ask([&] {
                 Reasons reasons(named, stream);
-                for (Change& change : changes) reasons.GiveTo(change);
+                reasons.GiveTo(changes);
+                settled = reasons.TakePreset();
             });
         }
-        for (Change& change : changes) report.changes.push_back(std::move(change.told));
         if (failure) break;
     }
-    const Property preset = AssemblePreset({stream});
+    if (!settled) settled = AssembleStream(stream);
     for (const NamedHelper& named : helpers) {
         ask([&] {
-            std::vector<Finding> left = CheckPreset(preset, {named});
+            std::vector<Finding> left;
+            ExplainHelper(*settled, named, Wanted::Violations, left);
             std::move(left.begin(), left.end(), std::back_inserter(report.left));
         });
     }

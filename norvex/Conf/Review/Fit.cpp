@@ -72,7 +72,7 @@ struct Fault {
     const char* codec;
     const char* message;
 };
-constexpr Fault g_faults[] = {
+const Fault g_faults[] = {
     {"wav", "aac", wavAacMessage},
     {"avi", "flac", aviFlacMessage},
     {"flv", "pcm_s16be", flvBytesMessage},

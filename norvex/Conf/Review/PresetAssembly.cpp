@@ -1,9 +1,13 @@
 #include "norvex/Conf/Review/PresetAssembly.h"
 
+#include <array>
+#include <functional>
 #include <string_view>
 #include <utility>
 
 #include "norvex/Conf/DataHelpers/Words.h"
+#include "norvex/Conf/Review/Explaining.h"
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IPreset.h"
@@ -25,29 +29,29 @@ struct Place {
 };
 
 const std::vector<Place>& VideoPlaces() {
-    static const std::vector<Place> places = {
+    static const std::vector<Place>& places = Lasting(std::vector<Place>{
         {V::TAG_WIDTH, WidthPath()},
         {V::TAG_HEIGHT, HeightPath()},
         {V::TAG_FPS, FrameRatePath()},
-    };
+    });
     return places;
 }
 
 /// The same for a value of the video codec's section, be it a stream's or a preset's.
 const std::vector<Place>& FormatPlaces() {
-    static const std::vector<Place> places = {
+    static const std::vector<Place>& places = Lasting(std::vector<Place>{
         {V::TAG_COVER_FLAG, CoverFlagPath()},
         {ProfileKey(), FormatProfilePath()},
-    };
+    });
     return places;
 }
 
 const std::vector<Place>& AudioPlaces() {
-    static const std::vector<Place> places = {
+    static const std::vector<Place>& places = Lasting(std::vector<Place>{
         {A::TAG_SAMPLE_RATE, SampleRatePath()},
         {A::TAG_SAMPLE_FORMAT, SampleFormatPath()},
         {A::TAG_LAYOUT, LayoutPath()},
-    };
+    });
     return places;
 }
 
@@ -57,7 +61,9 @@ Property& MakePath(Property& root, std::string_view path) {
     for (;;) {
         if (node->GetType() != PT_NODE) *node = Property(node->GetName());
         const std::size_t end = path.find(Property::SEPARATOR);
-        node = &node->SetChild(std::string(path.substr(0, end)));
+        const std::string_view step = path.substr(0, end);
+        const auto child = node->FindChild(step);
+        node = child != node->end() ? &*child : &node->SetChild(std::string(step));
         if (end == std::string_view::npos) return *node;
         path.remove_prefix(end + Property::SEPARATOR.size());
     }
@@ -65,7 +71,7 @@ Property& MakePath(Property& root, std::string_view path) {
 
 void AddValues(Property& preset, const Property& section, const std::vector<Place>& places) {
     for (const auto& [tag, path] : places) {
-        if (section.ChildExists(tag)) MakePath(preset, path).CopyDataFrom(section[tag]);
+        if (const Property* const value = section.FindByPath(tag)) MakePath(preset, path).CopyDataFrom(*value);
     }
 }
 
@@ -75,23 +81,25 @@ void AddStream(Property& preset, const std::string& codecKey, const Property& st
     AddValues(preset, stream, places);
 }
 
+void AddSection(Property& preset, const Property& section) {
+    const std::string& name = section.GetName();
+    if (name == V::TAG_FORMAT_CODEC_VIDEO) {
+        AddStream(preset, P::KEY_FILTER_VIDEO_CODEC, section, VideoPlaces());
+    } else if (name == A::TAG_FORMAT_CODEC_AUDIO) {
+        AddStream(preset, P::KEY_FILTER_AUDIO_CODEC, section, AudioPlaces());
+    } else if (!name.empty()) {
+        preset.SetChild(name, section);
+        // The resampler's section keeps the sample format beside the node in which rules look for it.
+        if (name == Proc::IFilterResample::CLASS_ID && section.ChildExists(A::TAG_SAMPLE_FORMAT)) {
+            MakePath(preset, SampleFormatPath()).CopyDataFrom(section[A::TAG_SAMPLE_FORMAT]);
+        }
+    }
+}
+
 template <class Sections>
 Property Assemble(const Sections& sections) {
     Property preset(std::string("preset"));
-    for (const Property& section : sections) {
-        const std::string& name = section.GetName();
-        if (name == V::TAG_FORMAT_CODEC_VIDEO) {
-            AddStream(preset, P::KEY_FILTER_VIDEO_CODEC, section, VideoPlaces());
-        } else if (name == A::TAG_FORMAT_CODEC_AUDIO) {
-            AddStream(preset, P::KEY_FILTER_AUDIO_CODEC, section, AudioPlaces());
-        } else if (!name.empty()) {
-            preset.SetChild(name, section);
-            // The resampler's section keeps the sample format beside the node in which rules look for it.
-            if (name == Proc::IFilterResample::CLASS_ID && section.ChildExists(A::TAG_SAMPLE_FORMAT)) {
-                MakePath(preset, SampleFormatPath()).CopyDataFrom(section[A::TAG_SAMPLE_FORMAT]);
-            }
-        }
-    }
+    for (const Property& section : sections) AddSection(preset, section);
     const auto video = preset.FindChild(P::KEY_FILTER_VIDEO_CODEC);
     if (video != preset.end()) AddValues(preset, *video, FormatPlaces());
     return preset;
@@ -107,17 +115,25 @@ Property AssembleDocument(const Property& preset) {
     return Assemble(preset);
 }
 
-std::string StreamPathOf(const std::string& presetPath) {
+Property AssembleStream(const Property& stream) {
+    return Assemble(std::array{std::cref(stream)});
+}
+
+std::string_view WithinStream(std::string_view presetPath) {
     for (const auto* const places : {&VideoPlaces(), &FormatPlaces(), &AudioPlaces()}) {
         for (const auto& [tag, path] : *places) {
             if (path == presetPath) return tag;
         }
     }
     for (const std::string* const section : {&P::KEY_FILTER_VIDEO_CODEC, &P::KEY_FILTER_AUDIO_CODEC}) {
-        const std::string prefix = *section + Property::SEPARATOR;
-        if (presetPath.compare(0, prefix.size(), prefix) == 0) return presetPath.substr(prefix.size());
+        std::string_view below = presetPath;
+        if (Take(below, *section) && Take(below, Property::SEPARATOR)) return below;
     }
     return presetPath;
+}
+
+std::string StreamPathOf(const std::string& presetPath) {
+    return std::string(WithinStream(presetPath));
 }
 
 std::string DocumentPathOf(const std::string& presetPath) {

@@ -9,6 +9,7 @@
 #include "norvex/Conf/DataHelpers/Lookup/Catalogue.h"
 #include "norvex/Conf/DataHelpers/Lookup/DataHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
+#include "norvex/Conf/Review/Explaining.h"
 #include "norvex/Conf/Review/PresetAssembly.h"
 #include "norvex/Conf/Review/Sentences.h"
 #include "norvex/foundation/Excerpt.h"
@@ -57,13 +58,13 @@ const char* const otherMessage = "another value";
 /// Takes down what a constraint offers.
 class AllowedConsumer final : public RefCounted<IConstraintConsumer> {
 public:
-    const Allowed& Get() const { return m_allowed; }
+    /// Leaves what it took down to a constraint that keeps it.
+    Allowed Take() { return GetRefCount() > 1 ? m_allowed : std::move(m_allowed); }
 
     void Reset() override { m_allowed = {}; }
     void AddValue(const std::string& name, const Property& value) override {
-        Property named(name);
-        named.CopyDataFrom(value);
-        m_allowed.values.push_back(std::move(named));
+        if (m_allowed.values.empty()) m_allowed.values.reserve(8);  // most lists are short
+        m_allowed.values.emplace_back(name, value);
     }
     void EndValues() override {}
     void SetMaxValue(double value) override { m_allowed.max = Number(value); }
@@ -85,16 +86,19 @@ private:
 };
 
 std::string WordsFor(const Allowed& allowed, const IPropertyConstraint& constraint) {
-    std::vector<std::string> names;
+    std::vector<std::string_view> names;
+    names.reserve(allowed.values.size());
     for (const Property& value : allowed.values) {
         // A flag's display name is a digit.
-        std::string name = value.GetType() == PT_BOOL ? Core::PropertyValueToString(value) : value.GetName();
-        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(std::move(name));
+        const bool isFlag = value.GetType() == PT_BOOL;
+        const std::string_view name = isFlag ? (value.GetBool() ? "true" : "false") : std::string_view(value.GetName());
+        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
     }
-    if (names.size() == 1) return names.front();
+    if (names.size() == 1) return std::string(names.front());
     if (!names.empty()) {
         std::string list;
-        for (const std::string& name : names) list += (list.empty() ? "" : ", ") + name;
+        list.reserve(16 * names.size());
+        for (const std::string_view name : names) (list += list.empty() ? "" : ", ") += name;
         return Fill(Translate(oneOfMessage), {list});
     }
     if (allowed.min && allowed.max) return Fill(Translate(rangeMessage), {TextOf(allowed.min), TextOf(allowed.max)});
@@ -108,9 +112,9 @@ std::string MessageFor(const Finding& finding) {
     const char* message = isConditional ? notAllowedWhenMessage : notAllowedMessage;
     if (finding.problem == Problem::Missing) message = isConditional ? missingWhenMessage : missingMessage;
     if (finding.problem == Problem::WrongType) message = isConditional ? wrongTypeWhenMessage : wrongTypeMessage;
-    const std::string& words = finding.allowed.words;
+    const std::string otherWords = finding.allowed.words.empty() ? Translate(otherMessage) : std::string();
     return Fill(Translate(message), {Core::Excerpt(finding.documentPath), TextOf(finding.value),
-                                     words.empty() ? Translate(otherMessage) : words,
+                                     finding.allowed.words.empty() ? otherWords : finding.allowed.words,
                                      Core::Excerpt(DocumentPathOf(finding.conditionPath)), TextOf(finding.condition)});
 }
 
@@ -125,13 +129,9 @@ Problem Judge(const IPropertyConstraint& constraint, const Property& value) {
     }
 }
 
-/// The value at a path, or null.
-const Property* At(const Property& preset, const std::string& path) {
-    return preset.ChildExists(path) ? &preset[path] : nullptr;
-}
-
-Finding Begin(const NamedHelper& named, Finding::Source source, const std::string& key) {
-    Finding finding;
+Finding& Begin(const NamedHelper& named, Finding::Source source, const std::string& key,
+               std::vector<Finding>& findings) {
+    Finding& finding = findings.emplace_back();
     finding.helperKind = named.kind;
     finding.helperId = named.id;
     finding.source = source;
@@ -147,49 +147,6 @@ void Conclude(Finding& finding, Problem problem) {
     finding.allowed = WhatIsAllowed(*finding.constraint);
     finding.documentPath = DocumentPathOf(finding.path);
     finding.message = MessageFor(finding);
-}
-
-/// The section of a preset that a kind of helper rules.
-const std::string& SectionOf(const std::string& kind) {
-    const auto& aliases = GetCatalogue().kindAliases;
-    const auto alias = aliases.find(kind);
-    return alias != aliases.end() ? alias->second : kind;
-}
-
-/// Empty where the stream does not say.
-std::string_view TypeOf(const Property& stream) {
-    const auto type = stream.FindChild(P::KEY_TYPE_ID);
-    return type != stream.end() && type->GetType() == PT_STRING ? std::string_view(type->GetString())
-                                                                : std::string_view();
-}
-
-/// The values that a constraint is about, with their paths. Streams may share a name, and so a path.
-std::vector<std::pair<std::string, const Property*>> ValuesOf(const Property& preset, const std::string& section,
-                                                              const std::string& key) {
-    std::vector<std::pair<std::string, const Property*>> values;
-    const auto add = [&](const std::string& path) {
-        if (preset.ChildExists(path)) values.emplace_back(path, &preset[path]);
-    };
-    const std::string anyStream = P::KEY_STREAMS + P::INDEX;
-    if (section == P::KEY_FORMAT && key.compare(0, anyStream.size(), anyStream) == 0) {
-        const std::size_t end = std::min(key.find(Property::SEPARATOR), key.size());
-        const std::string type = key.substr(anyStream.size(), end - anyStream.size());
-        const std::string below = key.substr(std::min(end + Property::SEPARATOR.size(), key.size()));
-        const std::string streams = Path(section, P::KEY_STREAMS);
-        if (preset.ChildExists(streams)) {
-            for (const Property& stream : preset[streams]) {
-                if (TypeOf(stream) != type) continue;
-                if (stream.ChildExists(below)) {
-                    values.emplace_back(Path(streams, stream.GetName(), below), &stream[below]);
-                }
-            }
-        }
-        add(below);  // the codec's own section
-        return values;
-    }
-    add(Path(section, key));
-    if (values.empty()) add(key);
-    return values;
 }
 
 // ------------------------------------------------------------------------------------ what a container has room for
@@ -212,12 +169,11 @@ std::array<StreamKind, 3> StreamKinds() {
 /// Tells what of a preset a container has no room for.
 class RoomCheck {
 public:
-    RoomCheck(const Property& preset, const NamedHelper& container, const ConstraintMap& constraints,
-              std::vector<Finding>& findings)
-        : m_preset(preset), m_container(container), m_constraints(constraints), m_findings(findings) {}
+    RoomCheck(const Property& preset, const NamedHelper& container, Reading& said, std::vector<Finding>& findings)
+        : m_preset(preset), m_container(container), m_said(said), m_findings(findings) {}
 
     void Run() {
-        for (const StreamKind& kind : StreamKinds()) {
+        for (const StreamKind& kind : m_kinds) {
             const auto section = m_preset.FindChild(kind.section);
             if (section != m_preset.end() && !Holds(kind)) Refuse(sectionMessage, kind.section, kind.word);
         }
@@ -228,41 +184,45 @@ public:
     }
 
 private:
-    bool Holds(const StreamKind& kind) const {
-        return m_constraints.count(StreamCodecPattern(kind.type, kind.section)) > 0;
+    /// Whether there is a list of codecs for the kind.
+    bool Holds(const StreamKind& kind) {
+        const ConstraintMap& constraints = m_said.Constraints();
+        return std::any_of(constraints.begin(), constraints.end(), [&kind](const auto& constraint) {
+            const auto key = ParseStreamKey(constraint.first);
+            return key && key->type == kind.type && Way(kind.section, IFormatCodec::TAG_CODEC_ID) == key->below;
+        });
     }
 
     void CheckStreams(const Property& streams) {
-        const auto kinds = StreamKinds();
-        std::array<std::size_t, kinds.size() + 1> counts{};  // of other types last
+        std::array<std::size_t, std::tuple_size_v<decltype(m_kinds)> + 1> counts{};  // of other types last
         for (const Property& stream : streams) {
             const std::string_view type = TypeOf(stream);
-            const std::string path = Path(P::KEY_FORMAT, P::KEY_STREAMS, stream.GetName());
+            const Way way(P::KEY_FORMAT, P::KEY_STREAMS, stream.GetName());
             const auto kind =
-                std::find_if(kinds.begin(), kinds.end(), [type](const auto& k) { return k.type == type; });
-            std::size_t& count = counts[static_cast<std::size_t>(kind - kinds.begin())];
-            if (kind == kinds.end()) {
-                RequireRoom(path, std::string(), IFormatFile::TAG_LIMITS_OTHER, otherWord, ++count);
+                std::find_if(m_kinds.begin(), m_kinds.end(), [type](const auto& k) { return k.type == type; });
+            std::size_t& count = counts[static_cast<std::size_t>(kind - m_kinds.begin())];
+            if (kind == m_kinds.end()) {
+                RequireRoom(way, std::string_view(), IFormatFile::TAG_LIMITS_OTHER, otherWord, ++count);
             } else if (!Holds(*kind)) {
-                Refuse(streamMessage, path, kind->word);
+                Refuse(streamMessage, way.Path(), kind->word);
             } else if (++count > 1) {
-                RequireRoom(path, kind->type, kind->limit, kind->word, count);
+                RequireRoom(way, kind->type, kind->limit, kind->word, count);
             }
-            for (const StreamKind& other : kinds) {
+            for (const StreamKind& other : m_kinds) {
                 if (other.type == type || stream.FindChild(other.section) == stream.end()) continue;
-                const std::string section = Path(path, other.section);
+                const std::string section = Path(way.Path(), other.section);
                 Add(Problem::NoPlace, section,
                     Fill(Translate(otherKindMessage), {Core::Excerpt(section), Core::Excerpt(type)}));
             }
         }
     }
 
-    void RequireRoom(const std::string& path, const std::string& type, const std::string& limit, const char* word,
+    void RequireRoom(const Way& way, std::string_view type, const std::string& limit, const char* word,
                      std::size_t count) {
-        // Helpers make their defaults anew on each call, and few presets need them.
-        if (!m_defaults) m_defaults = m_container.helper->GetDefaults();
-        const std::size_t most = std::max(Limit(*m_defaults, limit), CountOf(*m_defaults, type));
+        const Property& defaults = m_said.Defaults();
+        const std::size_t most = std::max(Limit(defaults, limit), CountOf(defaults, type));
         if (count <= most) return;
+        const std::string path = way.Path();
         Add(Problem::TooMany, path,
             Fill(Translate(surplusMessage),
                  {Core::Excerpt(path), m_container.id, Translate(word), std::to_string(most)}));
@@ -275,11 +235,11 @@ private:
     }
 
     /// Default streams have room whatever the limit says: FLV starts with subtitles and states a limit of none.
-    static std::size_t CountOf(const Property& defaults, const std::string& type) {
+    static std::size_t CountOf(const Property& defaults, std::string_view type) {
         const auto streams = defaults.FindChild(P::KEY_STREAMS);
         if (streams == defaults.end()) return 0;
         return static_cast<std::size_t>(std::count_if(
-            streams->begin(), streams->end(), [&type](const Property& stream) { return TypeOf(stream) == type; }));
+            streams->begin(), streams->end(), [type](const Property& stream) { return TypeOf(stream) == type; }));
     }
 
     void Refuse(const char* message, const std::string& path, const char* word) {
@@ -287,92 +247,130 @@ private:
     }
 
     void Add(Problem problem, const std::string& path, const std::string& message) {
-        Finding finding = Begin(m_container, Finding::Source::Helper, std::string());
+        Finding& finding = Begin(m_container, Finding::Source::Helper, std::string(), m_findings);
         finding.verdict = Verdict::Violated;
         finding.problem = problem;
         finding.path = path;
         finding.documentPath = path;
         finding.message = message;
-        m_findings.push_back(std::move(finding));
     }
 
     const Property& m_preset;
     const NamedHelper& m_container;
-    const ConstraintMap& m_constraints;
+    Reading& m_said;
     std::vector<Finding>& m_findings;
-    std::optional<Property> m_defaults;
+    const decltype(StreamKinds()) m_kinds = StreamKinds();
 };
 
 // ------------------------------------------------------------------------------------------------------ explaining
 
-enum class Wanted { All, Violations };
-
-void ExplainConstraints(const Property& preset, const NamedHelper& named, Wanted wanted,
-                        std::vector<Finding>& findings) {
-    ConstraintMap constraints;
-    named.helper->GetConstraints(constraints);
-    if (SectionOf(named.kind) == P::KEY_FORMAT) RoomCheck(preset, named, constraints, findings).Run();
-    for (const auto& [key, constraint] : constraints) {
-        for (const auto& [path, value] : ValuesOf(preset, SectionOf(named.kind), key)) {
-            const Problem problem = constraint ? Judge(*constraint, *value) : Problem::None;
-            if (problem == Problem::None && wanted == Wanted::Violations) continue;
-            Finding finding = Begin(named, Finding::Source::Constraint, key);
-            finding.path = path;
-            finding.value = *value;
-            finding.constraint = constraint;
-            Conclude(finding, problem);
-            findings.push_back(std::move(finding));
-        }
-    }
-}
-
-void ExplainRules(const Property& preset, const NamedHelper& named, Wanted wanted, std::vector<Finding>& findings) {
-    RuleList rules;
-    named.helper->GetValidationRules(rules);
-    for (const auto& [key, rule] : rules) {
-        if (!rule) continue;
-        const SP<IPropertyConstraint> first = rule->GetFirstConstraint();
-        const SP<IPropertyConstraint> second = rule->GetSecondConstraint();
-        const Property* const condition = first ? At(preset, rule->GetFirstPath()) : nullptr;
-        const bool applies = !first || (condition != nullptr && IsLegal(*condition, *first));
-        if (!applies && wanted == Wanted::Violations) continue;
-        const Property* const value = At(preset, rule->GetSecondPath());
-        Problem problem = Problem::None;
-        if (applies && second) problem = value != nullptr ? Judge(*second, *value) : Problem::Missing;
-        if (problem == Problem::None && wanted == Wanted::Violations) continue;
-        Finding finding = Begin(named, Finding::Source::Rule, key);
-        finding.path = rule->GetSecondPath();
-        if (value != nullptr) finding.value = *value;
-        finding.constraint = second;
-        if (first) finding.conditionPath = rule->GetFirstPath();
-        if (condition != nullptr) finding.condition = *condition;
-        Conclude(finding, problem);
-        if (!applies) finding.verdict = Verdict::DoesNotApply;
-        findings.push_back(std::move(finding));
-    }
-}
-
 std::vector<Finding> Explain(const Property& preset, const std::vector<NamedHelper>& helpers, Wanted wanted) {
     std::vector<Finding> findings;
-    for (const NamedHelper& named : helpers) {
-        if (!named.helper) continue;
-        ExplainConstraints(preset, named, wanted, findings);
-        ExplainRules(preset, named, wanted, findings);
-    }
+    for (const NamedHelper& named : helpers) ExplainHelper(preset, named, wanted, findings);
     return findings;
 }
 
 }  // namespace
+
+std::string Way::Path() const {
+    std::string path(m_parts[0]);
+    for (std::size_t i = 1; i < m_count; ++i) (path += Property::SEPARATOR) += m_parts[i];
+    return path;
+}
+
+bool Way::operator==(std::string_view path) const noexcept {
+    for (std::size_t i = 0; i < m_count; ++i) {
+        if (i > 0 && !Take(path, Property::SEPARATOR)) return false;
+        if (!Take(path, m_parts[i])) return false;
+    }
+    return path.empty();
+}
+
+bool Take(std::string_view& text, std::string_view part) noexcept {
+    if (text.substr(0, part.size()) != part) return false;
+    text.remove_prefix(part.size());
+    return true;
+}
+
+std::string_view TypeOf(const Property& stream) {
+    const auto type = stream.FindChild(P::KEY_TYPE_ID);
+    return type != stream.end() && type->GetType() == PT_STRING ? std::string_view(type->GetString())
+                                                                : std::string_view();
+}
+
+std::optional<StreamKey> ParseStreamKey(std::string_view key) {
+    if (!Take(key, P::KEY_STREAMS) || !Take(key, P::INDEX)) return std::nullopt;
+    const std::size_t end = std::min(key.find(Property::SEPARATOR), key.size());
+    const std::string_view type = key.substr(0, end);
+    key.remove_prefix(end);
+    Take(key, Property::SEPARATOR);
+    return StreamKey{type, key};
+}
+
+const std::string& SectionOf(const std::string& kind) {
+    const auto& aliases = GetCatalogue().kindAliases;
+    const auto alias = aliases.find(kind);
+    return alias != aliases.end() ? alias->second : kind;
+}
+
+void ExplainConstraint(const NamedHelper& named, const ConstraintMap::value_type& constraint, const Property& value,
+                       const Way& way, Wanted wanted, std::vector<Finding>& findings) {
+    const auto& [key, allowing] = constraint;
+    const Problem problem = allowing ? Judge(*allowing, value) : Problem::None;
+    if (problem == Problem::None && wanted == Wanted::Violations) return;
+    Finding& finding = Begin(named, Finding::Source::Constraint, key, findings);
+    finding.path = way.Path();
+    finding.value = value;
+    finding.constraint = allowing;
+    Conclude(finding, problem);
+}
+
+void ExplainRule(const Property& preset, const NamedHelper& named, const ReadRule& rule, Wanted wanted,
+                 std::vector<Finding>& findings) {
+    const Property* const condition = rule.first ? preset.FindByPath(rule.rule->GetFirstPath()) : nullptr;
+    const bool applies = !rule.first || (condition != nullptr && IsLegal(*condition, *rule.first));
+    if (!applies && wanted == Wanted::Violations) return;
+    const Property* const value = preset.FindByPath(rule.rule->GetSecondPath());
+    Problem problem = Problem::None;
+    if (applies && rule.second) problem = value != nullptr ? Judge(*rule.second, *value) : Problem::Missing;
+    if (problem == Problem::None && wanted == Wanted::Violations) return;
+    Finding& finding = Begin(named, Finding::Source::Rule, rule.key, findings);
+    finding.path = rule.rule->GetSecondPath();
+    if (value != nullptr) finding.value = *value;
+    finding.constraint = rule.second;
+    if (rule.first) finding.conditionPath = rule.rule->GetFirstPath();
+    if (condition != nullptr) finding.condition = *condition;
+    Conclude(finding, problem);
+    if (!applies) finding.verdict = Verdict::DoesNotApply;
+}
+
+void ExplainHelper(const Property& preset, const NamedHelper& named, Wanted wanted, std::vector<Finding>& findings) {
+    if (!named.helper) return;
+    Reading said(*named.helper);
+    const std::string& section = SectionOf(named.kind);
+    const ConstraintMap& constraints = said.Constraints();
+    if (section == P::KEY_FORMAT) RoomCheck(preset, named, said, findings).Run();
+    for (const auto& constraint : constraints) {
+        VisitValues(preset, section, constraint.first, [&](const Property& value, const Way& way) {
+            ExplainConstraint(named, constraint, value, way, wanted, findings);
+        });
+    }
+    for (const ReadRule& rule : said.Rules()) ExplainRule(preset, named, rule, wanted, findings);
+}
 
 NamedHelper FindHelper(const std::string& kind, const std::string& id) {
     return {kind, id, CreateDataHelper(kind, id)};
 }
 
 std::vector<NamedHelper> HelpersOf(const Property& preset) {
+    const auto& filters = GetCatalogue().filters;
     std::vector<NamedHelper> helpers;
+    helpers.reserve(3 + filters.size());
     const auto add = [&](const std::string& kind, const std::string& idTag) {
-        const Property* const id = At(preset, Path(kind, idTag));
-        if (id == nullptr || id->GetType() != PT_STRING) return;
+        const auto section = preset.FindChild(kind);
+        if (section == preset.end()) return;
+        const auto id = section->FindChild(idTag);
+        if (id == section->end() || id->GetType() != PT_STRING) return;
         const auto& table = GetAvailableDataHelpers(kind);
         const auto helper = table.find(id->GetString());
         if (helper != table.end()) helpers.push_back({kind, helper->first, helper->second});
@@ -380,19 +378,19 @@ std::vector<NamedHelper> HelpersOf(const Property& preset) {
     add(P::KEY_FORMAT, IFormatFile::TAG_CONTAINER);
     add(P::KEY_FILTER_VIDEO_CODEC, IFormatCodec::TAG_CODEC_ID);
     add(P::KEY_FILTER_AUDIO_CODEC, IFormatCodec::TAG_CODEC_ID);
-    for (const auto& [kind, helper] : GetCatalogue().filters) {
-        if (preset.ChildExists(kind)) helpers.push_back({kind, std::string(), helper});
+    for (const auto& [kind, helper] : filters) {
+        if (preset.FindByPath(kind) != nullptr) helpers.push_back({kind, std::string(), helper});
     }
     return helpers;
 }
 
 Allowed WhatIsAllowed(const IPropertyConstraint& constraint) {
-    // Counted, and with what it took down: a host's constraint may keep it.
+    // Counted: a host's constraint may keep it.
     const SP<AllowedConsumer> consumer(new AllowedConsumer);
     Allowed allowed;
     try {
         constraint.FillValueList(consumer);
-        allowed = consumer->Get();
+        allowed = consumer->Take();
         allowed.words = WordsFor(allowed, constraint);
     } catch (...) {
         // A constraint of the host's own that has no list has no words either.

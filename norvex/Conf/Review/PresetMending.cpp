@@ -163,7 +163,7 @@ void VisitSections(Tree& preset, const See& see) {
         if (streams == section.end()) continue;
         for (auto& stream : *streams) {
             for (auto& below : stream) {
-                if (below.GetType() != PT_NODE || !IsCodecSection(below.GetName())) continue;
+                if (below.GetType() != PT_NODE) continue;
                 see(below, Path(P::KEY_FORMAT, P::KEY_STREAMS, stream.GetName(), below.GetName()));
             }
         }
@@ -391,16 +391,25 @@ private:
         m_preset = std::move(once);
     }
 
+    static bool AreNumbered(const Property& streams) {
+        std::set<std::string_view> names;
+        return std::all_of(streams.begin(), streams.end(), [&names](const Property& stream) {
+            const std::string& name = stream.GetName();
+            const bool isNumber = !name.empty() && name.find_first_not_of("0123456789") == std::string::npos;
+            return isNumber && names.insert(name).second;
+        });
+    }
+
     Property* Streams() {
         const std::string path = Path(P::KEY_FORMAT, P::KEY_STREAMS);
         if (!m_preset.ChildExists(path) || m_preset[path].GetType() != PT_NODE) return nullptr;
         return &m_preset[path];
     }
 
-    /// Streams are named by their places.
+    /// Streams are named by their numbers in the file; where they have none, by their places.
     void NumberStreams() {
         Property* const streams = Streams();
-        if (streams == nullptr) return;
+        if (streams == nullptr || AreNumbered(*streams)) return;
         Property numbered(streams->GetName());
         for (const Property& stream : *streams) numbered.SetChild(std::to_string(numbered.Count()), stream);
         *streams = std::move(numbered);

@@ -1,17 +1,18 @@
 #include <algorithm>
 
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
 #include "norvex/platform/LayoutRows.h"
 
 namespace Norvex {
 
 const std::map<AVCodecID, std::string>& GetFFCodecsMap() {
-    static const std::map<AVCodecID, std::string> codecs = [] {
+    static const std::map<AVCodecID, std::string>& codecs = Lasting([] {
         std::map<AVCodecID, std::string> names;
         const AVCodecDescriptor* codec = nullptr;
         while ((codec = avcodec_descriptor_next(codec)) != nullptr) names.emplace(codec->id, codec->name);
         return names;
-    }();
+    }());
     return codecs;
 }
 

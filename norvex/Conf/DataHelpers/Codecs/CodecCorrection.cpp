@@ -7,6 +7,7 @@
 
 #include "norvex/Conf/DataHelpers/Answers.h"
 #include "norvex/Conf/DataHelpers/Codecs/DataHelperCodecFFMPEG.h"
+#include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/Exceptions.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
@@ -19,10 +20,11 @@ using Core::Property;
 using A = IFormatCodecAudio;
 using V = IFormatCodecVideo;
 
+constexpr Name withoutBFrames[] = {V::CODEC_ID_MJPEG, V::CODEC_ID_FLV1, V::CODEC_ID_WMV2, V::CODEC_ID_H263};
+
 bool HasBFrames(const std::string& codecId) {
-    static const std::string withoutBFrames[] = {V::CODEC_ID_MJPEG, V::CODEC_ID_FLV1, V::CODEC_ID_WMV2,
-                                                 V::CODEC_ID_H263};
-    return std::find(std::begin(withoutBFrames), std::end(withoutBFrames), codecId) == std::end(withoutBFrames);
+    return std::none_of(std::begin(withoutBFrames), std::end(withoutBFrames),
+                        [&codecId](const std::string& other) { return other == codecId; });
 }
 
 void AddDefault(Property& tree, const Property& defaults, const std::string& tag) {

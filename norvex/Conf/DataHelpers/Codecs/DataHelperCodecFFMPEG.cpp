@@ -6,6 +6,7 @@
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintRange.h"
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintSampleFormat.h"
 #include "norvex/Conf/DataHelpers/Words.h"
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IPreset.h"
@@ -43,9 +44,9 @@ const LayoutRecord* FindRecord(const AVChannelLayout& layout) {
 
 }  // namespace
 
-const SP<IPropertyConstraint> DataHelperCodecFFMPEG::s_defaultVideoBitrateConstraint =
+NORVEX_CONSTANT(const SP<IPropertyConstraint>, DataHelperCodecFFMPEG::s_defaultVideoBitrateConstraint) =
     ConstraintRange::Create(100000LL, IFormatCodecVideo::MAX_VIDEO_BITRATE, 0LL);
-const SP<IPropertyConstraint> DataHelperCodecFFMPEG::s_defaultQualityConstraint =
+NORVEX_CONSTANT(const SP<IPropertyConstraint>, DataHelperCodecFFMPEG::s_defaultQualityConstraint) =
     ConstraintRange::Create(1LL, IFormatCodec::MAX_QUALITY, 0LL);
 
 DataHelperCodecFFMPEG::DataHelperCodecFFMPEG(const std::string& codecId, MediaType type)

@@ -2,6 +2,7 @@
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintRange.h"
 #include "norvex/Conf/DataHelpers/Filters/FilterHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Proc/IFilterFrameRate.h"
 #include "norvex/interfaces/Proc/IFilterResize.h"
@@ -16,7 +17,7 @@ using Proc::IResize;
 /// Frames per second. Those of NTSC are exact ratios under rounded labels.
 const ConstraintSet::ValueList<Core::Ratio>& FrameRates() {
     // clang-format off
-    static const ConstraintSet::ValueList<Core::Ratio> rates = {
+    static const auto& rates = Lasting(ConstraintSet::ValueList<Core::Ratio>{
         {"Auto",  Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE},
         {"1",     {1, 1}},
         {"2",     {2, 1}},
@@ -39,7 +40,7 @@ const ConstraintSet::ValueList<Core::Ratio>& FrameRates() {
         {"100",   {100, 1}},
         {"120",   {120, 1}},
         {"240",   {240, 1}},
-    };
+    });
     // clang-format on
     return rates;
 }

@@ -5,6 +5,7 @@
 #include "norvex/Conf/DataHelpers/Formats/FormatHelpers.h"
 #include "norvex/Conf/DataHelpers/Lookup/Registry.h"
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecSubtitle.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
@@ -16,8 +17,8 @@
 #include "norvex/interfaces/Proc/IFilterResample.h"
 #include "norvex/interfaces/Proc/IFilterResize.h"
 
-// The tables are function-local statics and no globals: the constants that they are keyed by come from other sources,
-// which may be initialised later than this one.
+// The tables are filled on the first request and not while the library is loaded: containers ask for the census of
+// encoders, which the host fills.
 
 namespace Norvex::Conf {
 
@@ -234,13 +235,13 @@ Table BuildFormatTable() {
 
 const Catalogue& GetCatalogue() {
     RequireNotWithinBuild(Tables::Codecs);
-    static const Catalogue catalogue = BuildCatalogue();
+    static const Catalogue& catalogue = Lasting(BuildCatalogue());
     return catalogue;
 }
 
 const IDataHelper::DataHelperMap& GetFormatTable() {
     RequireNotWithinBuild(Tables::Formats);
-    static const Table formats = BuildFormatTable();
+    static const Table& formats = Lasting(BuildFormatTable());
     return formats;
 }
 

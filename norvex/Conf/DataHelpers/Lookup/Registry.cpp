@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
 #include <mutex>
 
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/Exceptions.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
@@ -33,7 +35,7 @@ struct Registry {
 };
 
 Registry& GetRegistry() {
-    static Registry registry;
+    static Registry& registry = *Lasting(std::make_unique<Registry>());
     return registry;
 }
 

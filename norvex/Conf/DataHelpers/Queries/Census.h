@@ -9,8 +9,8 @@ extern "C" {
 namespace Norvex::Conf {
 
 /// Whether the census was never taken, or found no encoder at all.
-bool CensusIsEmpty() noexcept;
+bool CensusIsEmpty();
 
-bool CensusHas(AVCodecID codec) noexcept;
+bool CensusHas(AVCodecID codec);
 
 }  // namespace Norvex::Conf

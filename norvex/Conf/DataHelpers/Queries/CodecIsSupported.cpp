@@ -6,10 +6,12 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "norvex/Conf/DataHelpers/Queries/Muxers.h"
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/LayoutRecord.h"
@@ -30,9 +32,9 @@ bool ContainsOneOf(const std::string& text, const std::vector<std::string>& need
                        [&text](const std::string& needle) { return text.find(needle) != std::string::npos; });
 }
 
-template <class T>
-bool IsIn(const std::vector<T>& list, T value) {
-    return std::find(list.begin(), list.end(), value) != list.end();
+template <class List, class T>
+bool IsIn(const List& list, const T& value) {
+    return std::find(std::begin(list), std::end(list), value) != std::end(list);
 }
 
 /// What a stream says of itself, and what judging it needs.
@@ -63,7 +65,7 @@ struct UntaggedMuxers {
 /// The first row that has the muxer's name decides. In the first, AAC counts only with codec data: the muxers make the
 /// frame headers from it.
 const std::vector<UntaggedMuxers>& UntaggedTable() {
-    static const std::vector<UntaggedMuxers> table = {
+    static const auto& table = Lasting(std::vector<UntaggedMuxers>{
         {Match::Contains, {"mpegts", "mpegps"},
             {AV_CODEC_ID_MPEG1VIDEO, AV_CODEC_ID_MPEG2VIDEO, AV_CODEC_ID_MPEG4, AV_CODEC_ID_CAVS, AV_CODEC_ID_DIRAC,
              AV_CODEC_ID_PCM_BLURAY, AV_CODEC_ID_MP2, AV_CODEC_ID_MP3, AV_CODEC_ID_AC3, AV_CODEC_ID_AAC_LATM,
@@ -83,7 +85,7 @@ const std::vector<UntaggedMuxers>& UntaggedTable() {
         {Match::Equals,   {"mp3"},  {AV_CODEC_ID_MP3}},
         {Match::Contains, {"ogv", "ogg"},
             {AV_CODEC_ID_THEORA, AV_CODEC_ID_VP8, AV_CODEC_ID_VP9, AV_CODEC_ID_VORBIS, AV_CODEC_ID_FLAC}},
-    };
+    });
     return table;
 }
 // clang-format on
@@ -124,7 +126,7 @@ bool TagIsSupported(const AVOutputFormat& muxer, const Stream& stream) {
 }
 
 bool IsFlvCodec(const Stream& stream) {
-    static const std::vector<AVCodecID> codecs = {
+    static constexpr AVCodecID codecs[] = {
         AV_CODEC_ID_H263, AV_CODEC_ID_FLV1, AV_CODEC_ID_H264, AV_CODEC_ID_AAC,      AV_CODEC_ID_FLASHSV,
         AV_CODEC_ID_VP6,  AV_CODEC_ID_VP6F, AV_CODEC_ID_VP6A, AV_CODEC_ID_FLASHSV2,
     };
@@ -133,7 +135,7 @@ bool IsFlvCodec(const Stream& stream) {
 
 /// The pixel formats of lossless H.264 that players of AVI know.
 bool IsAviPixelFormat(int format) {
-    static const std::vector<int> formats = {
+    static constexpr int formats[] = {
         AV_PIX_FMT_YUV420P, AV_PIX_FMT_YUYV422,  AV_PIX_FMT_YUV422P, AV_PIX_FMT_YUV444P, AV_PIX_FMT_YUV410P,
         AV_PIX_FMT_YUV411P, AV_PIX_FMT_YUVJ420P, AV_PIX_FMT_NV12,    AV_PIX_FMT_NV21,    AV_PIX_FMT_YUV440P,
     };
@@ -142,7 +144,7 @@ bool IsAviPixelFormat(int format) {
 
 /// What MOV takes beyond its table of tags.
 bool IsMovCodec(AVCodecID id) {
-    static const std::vector<AVCodecID> codecs = {
+    static constexpr AVCodecID codecs[] = {
         AV_CODEC_ID_PCM_S16LE,     AV_CODEC_ID_PCM_S16BE, AV_CODEC_ID_PCM_S8,    AV_CODEC_ID_PCM_U8,
         AV_CODEC_ID_PCM_S32LE,     AV_CODEC_ID_PCM_S32BE, AV_CODEC_ID_PCM_S24LE, AV_CODEC_ID_PCM_S24BE,
         AV_CODEC_ID_PCM_F32BE,     AV_CODEC_ID_PCM_F32LE, AV_CODEC_ID_PCM_F64BE, AV_CODEC_ID_PCM_F64LE,

@@ -9,6 +9,7 @@ extern "C" {
 #include "norvex/Conf/DataHelpers/Lookup/DataHelpers.h"
 #include "norvex/Conf/DataHelpers/Queries/Census.h"
 #include "norvex/Conf/DataHelpers/Queries/Muxers.h"
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IPreset.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
 
@@ -17,14 +18,17 @@ namespace Norvex::Conf {
 namespace {
 
 /// The census: an id for every entry of FFmpeg's list of codecs that the factory can encode, repeats included.
-std::vector<AVCodecID> g_encoders;
+std::vector<AVCodecID>& Census() {
+    static std::vector<AVCodecID>& encoders = Lasting(std::vector<AVCodecID>());
+    return encoders;
+}
 
 bool Contains(const std::vector<std::string>& names, const std::string& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
 const std::string& TextId(AVCodecID id) {
-    static const std::string none;
+    static const std::string& none = Lasting(std::string());
     const auto codec = GetFFCodecsMap().find(id);
     return codec != GetFFCodecsMap().end() ? codec->second : none;
 }
@@ -36,7 +40,7 @@ void RemoveIf(std::vector<std::string>& names, Predicate predicate) {
 
 /// What FFmpeg offers for the muxer out of the census, sorted and without repeats.
 std::vector<std::string> AskFFmpeg(const AVOutputFormat* muxer, AVMediaType type) {
-    std::vector<AVCodecID> ids = g_encoders;
+    std::vector<AVCodecID> ids = Census();
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
 
@@ -62,7 +66,7 @@ void RemoveWithoutHelper(std::vector<std::string>& names, AVMediaType type) {
 std::vector<std::string> GetSupportedCodecs(AVMediaType type, const std::string& format,
                                             const std::vector<std::string>& fallback,
                                             const std::vector<std::string>& exclusions) {
-    if (g_encoders.empty()) return fallback;
+    if (CensusIsEmpty()) return fallback;
     const AVOutputFormat* const muxer = FindMuxer(format);
     if (muxer == nullptr) return fallback;
 
@@ -78,12 +82,12 @@ std::vector<std::string> GetSupportedCodecs(AVMediaType type, const std::string&
 
 }  // namespace
 
-bool CensusIsEmpty() noexcept {
-    return g_encoders.empty();
+bool CensusIsEmpty() {
+    return Census().empty();
 }
 
-bool CensusHas(AVCodecID codec) noexcept {
-    return std::find(g_encoders.begin(), g_encoders.end(), codec) != g_encoders.end();
+bool CensusHas(AVCodecID codec) {
+    return std::find(Census().begin(), Census().end(), codec) != Census().end();
 }
 
 FormatValidator& FormatValidator::Instance() {
@@ -92,10 +96,11 @@ FormatValidator& FormatValidator::Instance() {
 }
 
 void FormatValidator::FillEncoders(const SP<Proc::ICodecFactory>& factory) {
-    g_encoders.clear();
+    std::vector<AVCodecID>& encoders = Census();
+    encoders.clear();
     void* position = nullptr;
     while (const AVCodec* codec = av_codec_iterate(&position)) {
-        if (!factory->ListEncoders(TextId(codec->id), true, true).empty()) g_encoders.push_back(codec->id);
+        if (!factory->ListEncoders(TextId(codec->id), true, true).empty()) encoders.push_back(codec->id);
     }
 }
 

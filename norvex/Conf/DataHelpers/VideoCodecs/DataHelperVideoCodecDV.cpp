@@ -13,7 +13,7 @@ namespace {
 using V = IFormatCodecVideo;
 
 /// The 525-line and the 625-line system, in pixels.
-const SizeConstraints::SizeList sizes_dv = {{720, 480}, {720, 576}};
+constexpr SizeConstraints::SizeList::value_type sizes_dv[] = {{720, 480}, {720, 576}};
 
 }  // namespace
 
@@ -36,7 +36,7 @@ Core::Property DataHelperVideoCodecDV::GetDefaults() const {
 void DataHelperVideoCodecDV::GetValidationRules(RuleList& rules) const {
     VideoCodecHelper::GetValidationRules(rules);
     AddRule(rules, VideoCodecIdPath(), OneOf({V::CODEC_ID_DVVIDEO}), FrameSizeModePath(),
-            SizeConstraints::Create(sizes_dv));
+            SizeConstraints::Create({std::begin(sizes_dv), std::end(sizes_dv)}));
 }
 
 void DataHelperVideoCodecDV::GetConstraints(ConstraintMap& constraints) const {
