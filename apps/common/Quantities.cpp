@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <boost/algorithm/string/case_conv.hpp>
 #include <charconv>
+#include <cmath>
 #include <initializer_list>
 #include <iterator>
 #include <limits>
@@ -98,6 +99,24 @@ std::optional<long long> ParseBitrate(std::string_view text) {
 
 std::optional<long long> ParseFrequency(std::string_view text) {
     return ParseScaled(text, {"Hz", "hz", "HZ"});
+}
+
+std::optional<long long> ParseTime(std::string_view text) {
+    constexpr long long second = 1000000;
+    constexpr long long longest = 1000000;  // seconds
+    long long whole = 0;
+    int colons = 0;
+    for (std::size_t colon; (colon = text.find(':')) != std::string_view::npos; text.remove_prefix(colon + 1)) {
+        const auto part = ParseWhole<unsigned>(text.substr(0, colon));
+        if (!part || ++colons > 2 || *part > longest || (colons == 2 && *part > 59)) return std::nullopt;
+        whole = (whole + *part) * 60;
+    }
+    const auto decimal = ParseDecimal(text);
+    if (!decimal) return std::nullopt;
+    double seconds = static_cast<double>(decimal->digits);
+    for (int place = 0; place < decimal->places; ++place) seconds /= 10;
+    if (seconds > static_cast<double>(longest) || (colons > 0 && seconds >= 60)) return std::nullopt;
+    return whole * second + std::llround(seconds * static_cast<double>(second));
 }
 
 std::optional<Size> ParseSize(const std::string& text) {

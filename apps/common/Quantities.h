@@ -19,6 +19,9 @@ std::optional<long long> ParseBitrate(std::string_view text);
 /// "44100", "44.1k", "48 kHz". Not negative.
 std::optional<long long> ParseFrequency(std::string_view text);
 
+/// A time in microseconds: "90", "1.5", "1:30", "0:01:30.25". Not negative.
+std::optional<long long> ParseTime(std::string_view text);
+
 struct Size {
     int width = 0;   ///< pixels
     int height = 0;  ///< pixels

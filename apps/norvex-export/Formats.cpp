@@ -1,8 +1,13 @@
 #include "Formats.h"
 
+extern "C" {
+#include <libavcodec/avcodec.h>
+}
+
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <sstream>
 
 #include "common/OtherNames.h"
 #include "norvex/Norvex.h"
@@ -92,10 +97,17 @@ struct Mode {
     const char* ffmpeg;
 };
 
-struct ProfileFormat {
+struct ProfileFormats {
     const std::string* codec;
     const std::string* profile;
-    const char* pixelFormat;
+    const char* pixelFormats;  ///< between spaces
+};
+
+struct Speed {
+    const std::string* preset;
+    const char* encoder;
+    const char* option;
+    const char* value;
 };
 
 /// Only texts that FFmpeg has under other names than the rule book.
@@ -108,10 +120,9 @@ constexpr Option g_options[] = {
     {&V::CODEC_ID_HAP,    &C::TAG_FORMAT,  &V::TAG_FORMAT_HAP,                    "format",  "hap"},
     {&V::CODEC_ID_HAP,    &C::TAG_FORMAT,  &V::TAG_FORMAT_HAP_ALPHA,              "format",  "hap_alpha"},
     {&V::CODEC_ID_HAP,    &C::TAG_FORMAT,  &V::TAG_FORMAT_HAP_Q,                  "format",  "hap_q"},
-    // The pixel format settles these profiles, and each library's encoder of AV1 has its own scale of speeds.
+    // The pixel format settles these profiles.
     {&V::CODEC_ID_VP9,    &C::TAG_PROFILE, &V::TAG_VP9_PROFILE_0,                 nullptr,   nullptr},
     {&V::CODEC_ID_AV1,    &C::TAG_PROFILE, &V::TAG_AV1_PROFILE_MAIN,              nullptr,   nullptr},
-    {&V::CODEC_ID_AV1,    &C::TAG_PRESET,  &V::TAG_AV1_PRESET_FASTER,             nullptr,   nullptr},
     {&MV::CODEC_ID_DNXHD, &C::TAG_PROFILE, &MV::TAG_DNX_PROFILE_HD_X,             "profile", "dnxhd"},
 };
 
@@ -134,15 +145,45 @@ constexpr Mode g_modes[] = {
     {&MA::CODEC_ID_OPUS, &MA::TAG_BITRATE_MODE_CVBR, "vbr", "constrained"},
 };
 
-/// Pixel formats that a profile stands for.
-constexpr ProfileFormat g_profileFormats[] = {
-    {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HD,     "yuv422p"},
+/// Encoders of AV1 have scales of speed of their own; the preset is a quarter off the fast end of each.
+constexpr Speed g_speeds[] = {
+    {&V::TAG_AV1_PRESET_FASTER, "libaom-av1", "cpu-used", "6"},
+    {&V::TAG_AV1_PRESET_FASTER, "libsvtav1",  "preset",   "10"},
+    {&V::TAG_AV1_PRESET_FASTER, "librav1e",   "speed",    "8"},
+};
+
+/// Pixel formats that a profile has (ITU-T H.264 annex A, H.265 annex A; the bitstream specifications of VP9 and AV1).
+constexpr ProfileFormats g_profileFormats[] = {
+    {&V::CODEC_ID_H264,   &V::TAG_X264_PROFILE_BASELINE, "yuv420p"},
+    {&V::CODEC_ID_H264,   &V::TAG_X264_PROFILE_MAIN,     "yuv420p"},
+    {&V::CODEC_ID_H264,   &V::TAG_X264_PROFILE_HIGH,     "yuv420p"},
+    {&V::CODEC_ID_H264,   &V::TAG_X264_PROFILE_HIGH10,   "yuv420p10le"},
+    {&V::CODEC_ID_H264,   &V::TAG_X264_PROFILE_HIGH422,  "yuv422p yuv422p10le"},
+    {&V::CODEC_ID_H264,   &V::TAG_X264_PROFILE_HIGH444,  "yuv444p yuv444p10le"},
+    {&V::CODEC_ID_H265,   &V::TAG_X265_PROFILE_MAIN,     "yuv420p"},
+    {&V::CODEC_ID_H265,   &V::TAG_X265_PROFILE_MAIN10,   "yuv420p10le"},
+    {&V::CODEC_ID_VP9,    &V::TAG_VP9_PROFILE_0,         "yuv420p yuva420p"},
+    {&V::CODEC_ID_AV1,    &V::TAG_AV1_PROFILE_MAIN,      "yuv420p yuv420p10le"},
+    {&V::CODEC_ID_PRORES, &V::TAG_PRORES_PROFILE_422,    "yuv422p10le"},
+    {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HD,       "yuv422p"},
     {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HD_X,   "yuv422p10le"},
     {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_LB,  "yuv422p"},
     {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_SQ,  "yuv422p"},
     {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_HQ,  "yuv422p"},
     {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_HQX, "yuv422p10le"},
     {&MV::CODEC_ID_DNXHD, &MV::TAG_DNX_PROFILE_HR_444, "yuv444p10le"},
+};
+
+/// Still pictures without a place for the shape of pixels, tried with FFmpeg 5.1 by reading back what was written.
+const std::string* const g_unshaped[] = {
+    &F::FORMAT_BMP, &F::FORMAT_TARGA, &F::FORMAT_JPEG2000, &F::FORMAT_JPEGLS, &F::FORMAT_PPM,   &F::FORMAT_PGM,
+    &F::FORMAT_PBM, &F::FORMAT_PAM,   &F::FORMAT_SGI,      &F::FORMAT_XBM,    &F::FORMAT_XWD,   &F::FORMAT_PGMYUV,
+    &F::FORMAT_AVIF, &MF::FORMAT_WEBP, &MF::FORMAT_WEBP_ANIM, &MF::FORMAT_JPEGXL, &MF::FORMAT_QOI,
+};
+
+/// Codecs whose encoders code fields, or that lose nothing of any line.
+const std::string* const g_fieldCodecs[] = {
+    &V::CODEC_ID_H264, &V::CODEC_ID_MPEG2VIDEO, &MV::CODEC_ID_HUFFYUV, &V::CODEC_ID_UTVIDEO, &MV::CODEC_ID_FFV1,
 };
 
 struct SizeForm {
@@ -153,11 +194,25 @@ struct SizeForm {
 };
 // clang-format on
 
+template <std::size_t N>
+bool Holds(const std::string* const (&list)[N], const std::string& id) {
+    return std::any_of(std::begin(list), std::end(list), [&id](const std::string* known) { return *known == id; });
+}
+
 const Extras& ExtrasOf(const std::string& formatId) {
     static constexpr Extras none = {"", "", false, false, false};
     const std::string muxer = MuxerOf(formatId);
     const Extras* const extras = FindRow(g_extras, [&muxer](const Extras& row) { return muxer == row.muxer; });
     return extras != nullptr ? *extras : none;
+}
+
+std::optional<std::pair<std::string, std::string>> SpeedOf(const std::string& preset) {
+    const AVCodec* const encoder = avcodec_find_encoder(AV_CODEC_ID_AV1);
+    const std::string name = encoder != nullptr ? encoder->name : "";
+    const Speed* const row =
+        FindRow(g_speeds, [&](const Speed& r) { return *r.preset == preset && name == r.encoder; });
+    if (row == nullptr) return std::nullopt;
+    return std::pair<std::string, std::string>(row->option, row->value);
 }
 
 }  // namespace
@@ -183,6 +238,15 @@ bool HoldsOrientation(const std::string& formatId) {
     return ExtrasOf(formatId).orientation;
 }
 
+bool HoldsPixelShape(const std::string& formatId, const std::string& codecId) {
+    if (formatId == F::FORMAT_FLV) return codecId == V::CODEC_ID_H264;
+    return !Holds(g_unshaped, formatId);
+}
+
+bool HoldsFields(const std::string& codecId) {
+    return Holds(g_fieldCodecs, codecId);
+}
+
 std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::string& formatId) {
     // Without it the packets have no time codes, and players do not know the sound of discs.
     if (formatId == F::FORMAT_MPEG2TS) return {{"mpegts_m2ts_mode", "1"}};
@@ -204,6 +268,7 @@ std::optional<std::pair<std::string, std::string>> EncoderOptionOf(const std::st
                                                                    const std::string& value) {
     const Option* const row =
         FindRow(g_options, [&](const Option& r) { return *r.codec == codecId && *r.tag == tag && *r.value == value; });
+    if (codecId == V::CODEC_ID_AV1 && tag == C::TAG_PRESET) return SpeedOf(value);
     const Tag* const named = FindRow(g_tags, [&](const Tag& r) { return *r.codec == codecId && *r.tag == tag; });
     if (row == nullptr) return std::pair(named != nullptr ? named->option : tag, value);
     if (row->option == nullptr) return std::nullopt;
@@ -225,10 +290,11 @@ std::optional<std::pair<std::string, std::string>> ModeOptionOf(const std::strin
     return std::pair<std::string, std::string>(row->option, row->ffmpeg);
 }
 
-std::string PixelFormatOf(const std::string& codecId, const std::string& profile) {
-    const ProfileFormat* const row =
-        FindRow(g_profileFormats, [&](const ProfileFormat& r) { return *r.codec == codecId && *r.profile == profile; });
-    return row != nullptr ? row->pixelFormat : "";
+std::vector<std::string> PixelFormatsOf(const std::string& codecId, const std::string& profile) {
+    const ProfileFormats* const row = FindRow(
+        g_profileFormats, [&](const ProfileFormats& r) { return *r.codec == codecId && *r.profile == profile; });
+    std::istringstream formats(row != nullptr ? row->pixelFormats : "");
+    return {std::istream_iterator<std::string>(formats), {}};
 }
 
 std::pair<long long, long long> FittingSize(const std::string& codecId, long long width, long long height) {

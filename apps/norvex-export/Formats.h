@@ -52,9 +52,14 @@ std::optional<std::pair<std::string, std::string>> QualityOptionOf(const std::st
 /// The same for a bitrate mode.
 std::optional<std::pair<std::string, std::string>> ModeOptionOf(const std::string& codecId, const std::string& mode);
 
-/// FFmpeg's name of the pixel format that a profile stands for; empty where the source settles it, or the encoder's
-/// side of the host does.
-std::string PixelFormatOf(const std::string& codecId, const std::string& profile);
+/// FFmpeg's names of the pixel formats that a profile has; none where any will do that the encoder takes.
+std::vector<std::string> PixelFormatsOf(const std::string& codecId, const std::string& profile);
+
+/// Whether the shape of pixels that are not square is kept.
+bool HoldsPixelShape(const std::string& formatId, const std::string& codecId);
+
+/// Whether FFmpeg's encoder of the codec takes interlaced pictures as such.
+bool HoldsFields(const std::string& codecId);
 
 /// The greatest frame size within this one that the rules of a codec let pass, as far as they want whole steps of
 /// pixels.

@@ -144,7 +144,9 @@ VideoJob MakeVideoJob(const Property& stream, const VideoSource& source, const P
     }
     if (stream.ChildExists(C::TAG_THREAD_NUMBER)) job.threads = ToInt(stream[C::TAG_THREAD_NUMBER]);
     job.options = EncoderOptions(stream);
-    job.pixelFormat = PixelFormatOf(job.codecId, ProfileIn(stream));
+    job.pixelFormats = PixelFormatsOf(job.codecId, ProfileIn(stream));
+    const std::string isOpaque = Path({C::TAG_CODEC_OPTIONS_ENCODE, V::TAG_DISABLE_TRANSPARENCY});
+    job.keepsAlpha = !stream.ChildExists(isOpaque) || !stream[isOpaque].GetBool();
     return job;
 }
 

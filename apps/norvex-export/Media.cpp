@@ -90,6 +90,7 @@ void RequireComplete(const ExportJob& job) {
         if (!IsSingle(video) && !IsPositive(ToRational(video.frameRate)))
             throw MediaError("the frame rate must be above 0");
     }
+    if (job.span.begin < 0 || job.span.end <= job.span.begin) throw MediaError("the film must end after its beginning");
     for (const AudioJob& audio : job.audio) {
         if (audio.sampleRate <= 0) throw MediaError("the sample rate must be above 0");
     }
@@ -112,9 +113,10 @@ ExportResult RunPass(Input& input, const ExportJob& job, int pass, PassRecords& 
                      ProgressMeter& progress) {
     const OutputStreams streams = MakeStreams(input, job, pass, records, muxer);
     progress.BeginPass(pass);
+    BeginFilm(input, job, muxer);
     muxer.Begin();
     const Owned<AVPacket> packet = Own(av_packet_alloc());
-    while (WantMore(streams) && input.Read(*packet)) {
+    while (WantMore(streams) && !input.IsFilmOver() && input.Read(*packet)) {
         for (const auto& stream : streams) {
             if (stream->SourceIndex() == packet->stream_index) stream->Take(*packet);
         }
@@ -129,6 +131,8 @@ ExportResult RunPass(Input& input, const ExportJob& job, int pass, PassRecords& 
     ExportResult result;
     for (const auto& stream : streams) stream->Report(result);
     result.duration = FarthestSecond(streams);
+    result.jumps = input.Times().Jumps();
+    result.damagedStamps = input.Times().DamagedStamps();
     return result;
 }
 
@@ -144,11 +148,21 @@ std::string WhyNotWritable(Input& input, const ExportJob& job) {
         PassRecords none;
         Muxer muxer = Muxer::OnTrial(job.muxer, job.muxerOptions);
         const OutputStreams streams = MakeStreams(input, job, 1, none, muxer);
+        muxer.TakeTags(input.Context(), input.StartTime());
         muxer.Begin();
         return {};
     } catch (const MediaError& error) {
         return error.what();
     }
+}
+
+/// Seconds, 0 where unknown.
+double DurationOf(const Span& span, const Input& input) {
+    const double whole = input.Duration() * AV_TIME_BASE;
+    const auto begin = static_cast<double>(span.begin);
+    if (span.end == Span::endless) return std::max(0.0, whole - begin) / AV_TIME_BASE;
+    const auto end = static_cast<double>(span.end);
+    return std::max(0.0, (whole > 0 ? std::min(whole, end) : end) - begin) / AV_TIME_BASE;
 }
 
 ExportResult RunPasses(const ExportJob& job, const PendingFile& file, const ProgressMeter::Callback& onProgress) {
@@ -161,7 +175,7 @@ ExportResult RunPasses(const ExportJob& job, const PendingFile& file, const Prog
     // Pictures alone are done long before the input ends.
     const bool isPicture = std::all_of(job.video.begin(), job.video.end(), IsSingle) && job.audio.empty() &&
                            job.subtitles.empty() && job.copies.empty();
-    ProgressMeter progress(onProgress, file, isPicture ? 0 : input.Duration(), passes);
+    ProgressMeter progress(onProgress, file, isPicture ? 0 : DurationOf(job.span, input), passes);
     if (passes == 2) RunFirstPass(job, records, progress);
     ExportResult result;
     {

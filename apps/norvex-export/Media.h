@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -54,6 +55,7 @@ struct VideoSource : StreamSource {
     int height = 0;                  ///< pixels
     Fraction sampleAspect;           ///< shape of one pixel, 1/1 where the input does not say
     Orientation orientation;         ///< of the stored picture
+    bool isInterlaced = false;       ///< its lines are of two moments
     Fraction frameRate;              ///< frames per second, 25/1 where the input does not say
     std::string pixelFormat;         ///< FFmpeg's name, empty where unknown
     bool isAttachedPicture = false;  ///< a cover picture: one frame
@@ -92,6 +94,13 @@ struct InputInfo {
 /// How a picture is brought to a size of another shape.
 enum class Fit { Stretch, Letterbox, Crop };
 
+/// What becomes of pictures whose lines are of two moments.
+enum class Fields {
+    Ignore,       ///< as if they were of one
+    Keep,         ///< they are coded as such, which takes an encoder that can, and the source's size
+    Deinterlace,  ///< whole pictures are made of them
+};
+
 /// How the encoder is told to spend bits.
 enum class RateControl {
     Bitrate,  ///< hold `bitrate`
@@ -100,14 +109,18 @@ enum class RateControl {
 
 struct VideoJob {
     int streamIndex = -1;
-    std::string codecId;      ///< FFmpeg's name; FFmpeg's own choice of an encoder for it is taken
-    int width = 0;            ///< pixels
-    int height = 0;           ///< pixels
-    Fraction sampleAspect;    ///< shape of one pixel, taken for 1/1 where it is not positive
-    std::string pixelFormat;  ///< FFmpeg's name; by the profile and the source where it is empty
+    std::string codecId;    ///< FFmpeg's name; FFmpeg's own choice of an encoder for it is taken
+    int width = 0;          ///< pixels
+    int height = 0;         ///< pixels
+    Fraction sampleAspect;  ///< shape of one pixel, taken for 1/1 where it is not positive
+    /// FFmpeg's names of the pixel formats that will do, of which that nearest to the source's is taken; any that the
+    /// encoder takes where there are none.
+    std::vector<std::string> pixelFormats;
+    bool keepsAlpha = true;  ///< where the source has any and the encoder can
     /// Frames per second; frames are repeated or left out to meet it. A cover and a still picture need none.
     Fraction frameRate;
     Orientation orientation;  ///< how the source's picture is turned before anything else is done to it
+    Fields fields = Fields::Ignore;
     Fit fit = Fit::Stretch;
     std::string scaler;  ///< "neighbor", "fast_bilinear", "bilinear" or "bicubic", which is taken where it is empty
     RateControl rateControl = RateControl::Bitrate;
@@ -119,8 +132,7 @@ struct VideoJob {
     int threads = 0;                      ///< 0 leaves it to the encoder
     bool isCover = false;                 ///< a cover picture of a sound file: one frame, marked as attached
     bool isStill = false;                 ///< the first frame alone
-    /// Encoder options by FFmpeg's names ("preset", "profile", "tune"). Profiles of H.264 and H.265 that stand for
-    /// a pixel format set it; without one it is the encoder's format nearest to the source's.
+    /// Encoder options by FFmpeg's names ("preset", "profile", "tune").
     std::vector<std::pair<std::string, std::string>> options;
 };
 
@@ -142,6 +154,14 @@ struct SubtitleJob {
     std::string codecId;  ///< FFmpeg's name; FFmpeg's own choice of an encoder for it is taken
 };
 
+/// What of the input is exported; in microseconds after its beginning.
+struct Span {
+    static constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
+
+    std::int64_t begin = 0;
+    std::int64_t end = endless;
+};
+
 struct ExportJob {
     std::string inputPath;
     std::string outputPath;
@@ -153,6 +173,7 @@ struct ExportJob {
     std::vector<AudioJob> audio;
     std::vector<SubtitleJob> subtitles;
     std::vector<int> copies;  ///< streams of the input that go over as they are, by index
+    Span span;
 };
 
 struct Progress {
@@ -181,6 +202,8 @@ struct ExportResult {
     std::vector<long long> audioBitrates;  ///< the same of each audio job
     double duration = 0;                   ///< seconds, of the longest stream
     std::uintmax_t bytes = 0;              ///< size of the output
+    long long jumps = 0;                   ///< of the input's time, that were closed
+    long long damagedStamps = 0;           ///< of packets of the input, that were made up for
     double elapsed = 0;                    ///< seconds that it took
     /// What the output lacks of the job, as nothing could be made of it.
     std::vector<StreamFailure> leftOut;
@@ -192,6 +215,15 @@ InputInfo Probe(const std::string& path);
 /// Tries to begin the output, without writing anything, and tells which of the job's copies stand in the way. A job
 /// that cannot begin without its copies gives none: to export it tells why.
 std::vector<StreamFailure> FindUnwritableCopies(const ExportJob& job);
+
+/// What an encoder gets of a source's pictures.
+struct PixelFormat {
+    std::string name;                 ///< FFmpeg's
+    std::vector<std::string> losses;  ///< what it has no place for, in words such as "2 of its 10 bits"
+};
+
+/// The pixel format in which pictures of a source in the given one are encoded. Throws MediaError.
+PixelFormat ChoosePixelFormat(const VideoJob& job, const std::string& source);
 
 /// A file that is in use already.
 struct TakenFile {

@@ -95,6 +95,8 @@ Plan PlanFor(const Request& request, const InputInfo& input, const std::vector<S
     if (HasMovableIndex(plan.formatId) && !request.noFaststart) {
         plan.job.muxerOptions.emplace_back("movflags", "+faststart");
     }
+    plan.job.span.begin = request.start.value_or(0);
+    if (request.duration) plan.job.span.end = plan.job.span.begin + *request.duration;
     plan.job.globalHeader = FormatHasGlobalHeader(plan.formatId);
 
     RequireWhatIsAsked(draft, P::KEY_FILTER_VIDEO_CODEC, P::STREAM_TYPE_VIDEO, input.video, request.noVideo);

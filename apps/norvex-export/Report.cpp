@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "Summary.h"
 #include "Terminal.h"
 #include "norvex/Norvex.h"
 #include "norvex/document/TreeForm.h"
@@ -261,7 +262,11 @@ std::string PlanText(const Plan& plan, bool colours) {
     std::string text =
         fmt::format("{}{}{} -> {}{}{}  {}{}, {:.2f} s{}\n", style.bold, plan.request.input, style.reset, style.bold,
                     plan.request.output, style.reset, style.dim, plan.formatId, plan.input.duration, style.reset);
-    for (const StreamPlan& stream : plan.streams) text += StreamText(stream, plan.request.explain, style);
+    if (plan.request.verbose || plan.request.explain) {
+        for (const StreamPlan& stream : plan.streams) text += StreamText(stream, plan.request.explain, style);
+    } else {
+        text += SummaryText(plan);
+    }
     for (const std::string& note : plan.notes) text += "\n" + note + "\n";
     if (!plan.request.savePresetFile.empty()) text += "\nSaved the preset to " + plan.request.savePresetFile + ".\n";
     if (plan.request.dryRun) text += "\nNothing was encoded: this was a dry run.\n";
@@ -306,10 +311,16 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
         for (const StreamFailure& stream : result->leftOut) {
             leftOut.push_back({{"index", stream.streamIndex}, {"reason", stream.reason}});
         }
-        document["result"] = {{"videoFrames", result->videoFrames}, {"audioSamples", result->audioSamples},
-                              {"subtitles", result->subtitles},     {"copiedPackets", result->copiedPackets},
-                              {"duration", result->duration},       {"bytes", result->bytes},
-                              {"elapsed", result->elapsed},         {"leftOut", leftOut}};
+        document["result"] = {{"videoFrames", result->videoFrames},
+                              {"audioSamples", result->audioSamples},
+                              {"subtitles", result->subtitles},
+                              {"copiedPackets", result->copiedPackets},
+                              {"duration", result->duration},
+                              {"bytes", result->bytes},
+                              {"elapsed", result->elapsed},
+                              {"leftOut", leftOut},
+                              {"jumps", result->jumps},
+                              {"damagedStamps", result->damagedStamps}};
     }
     // A file name need not be UTF-8; what is not is shown by the replacement character.
     return Norvex::Document::WriteJson(document) + '\n';
@@ -319,7 +330,17 @@ std::string ResultText(const Plan& plan, const ExportResult& result) {
     std::string text = fmt::format("\nWrote {} ({}, {}) in {}", plan.request.output, BytesText(result.bytes),
                                    DurationText(result.duration), DurationText(result.elapsed));
     if (result.duration > 0 && result.elapsed > 0) text += ", " + SpeedText(result.duration, result.elapsed);
-    return text + '\n';
+    text += '\n';
+    if (result.jumps > 0) {
+        text += fmt::format("The input's time jumps {}: the film goes on where it was.\n",
+                            result.jumps == 1 ? "once" : fmt::format("{} times", result.jumps));
+    }
+    if (result.damagedStamps > 0) {
+        text += fmt::format("{} of the input made up for.\n",
+                            result.damagedStamps == 1 ? "One damaged time stamp"
+                                                      : fmt::format("{} damaged time stamps", result.damagedStamps));
+    }
+    return text;
 }
 
 std::string ProgressText(const Progress& progress, double elapsed, std::size_t columns) {

@@ -163,6 +163,15 @@ Take FrameSize(const std::string& section) {
     };
 }
 
+/// Seconds, or minutes and hours before them, for a time in microseconds.
+Take Time(std::optional<long long> Request::*time, long long least) {
+    return [=](const std::string& text, const Taker& taker) {
+        const auto parsed = NorvexApps::ParseTime(text);
+        if (!parsed || *parsed < least) throw TextError("'" + text + "' is no time such as 90, 1.5 or 1:30");
+        taker.GetRequest().*time = parsed;
+    };
+}
+
 Take Flag(bool Request::*flag) {
     return [flag](const std::string& /*text*/, const Taker& taker) { taker.GetRequest().*flag = true; };
 }
@@ -192,14 +201,14 @@ StreamChoice ParseStreams(const std::string& text) {
     if (kind != std::end(g_kinds)) choice.kind = kind->second;
     const bool isAlone = colon == std::string::npos;
     const std::string rest = choice.kind ? (isAlone ? "" : text.substr(colon + 1)) : text;
-    const auto number = choice.kind ? std::nullopt : NorvexApps::ParseInteger(rest);
+    const long long number = choice.kind ? -1 : NorvexApps::ParseInteger(rest).value_or(-1);
     // Languages as containers give them: two or three letters, and perhaps a region behind a hyphen.
     const std::size_t letters = std::min(rest.find('-'), rest.size());
     const bool isLanguage = letters >= 2 && letters <= 3 && std::all_of(rest.begin(), rest.end(), [](unsigned char c) {
                                 return std::isalnum(c) != 0 || c == '-';
                             });
-    if (number && *number >= 0 && *number < std::numeric_limits<int>::max()) {
-        choice.stream = static_cast<int>(*number);
+    if (number >= 0 && number < std::numeric_limits<int>::max()) {
+        choice.stream = static_cast<int>(number);
     } else if (isLanguage) {
         choice.language = boost::algorithm::to_lower_copy(rest);
     } else if (!choice.kind || !isAlone) {
@@ -215,6 +224,16 @@ void TakeStreams(const std::string& text, const Taker& taker) {
     auto& streams = taker.GetRequest().streams;
     streams.clear();
     for (const std::string& part : parts) streams.push_back(ParseStreams(part));
+}
+
+void TakeDeinterlacing(const std::string& text, const Taker& taker) {
+    constexpr std::pair<const char*, Deinterlacing> wishes[] = {
+        {"auto", Deinterlacing::Auto}, {"on", Deinterlacing::On}, {"off", Deinterlacing::Off}};
+    const std::string word = boost::algorithm::to_lower_copy(text);
+    const auto* const wish =
+        std::find_if(std::begin(wishes), std::end(wishes), [&word](const auto& row) { return word == row.first; });
+    if (wish == std::end(wishes)) throw TextError("'" + text + "' is neither auto nor on nor off");
+    taker.GetRequest().deinterlacing = wish->second;
 }
 
 std::vector<Option> GeneralOptions() {
@@ -233,12 +252,19 @@ std::vector<Option> GeneralOptions() {
          "subtitles, cover, attachments, data; default: all that\n"
          "the container holds)",
          TakeStreams},
+        {"--start", "TIME",
+         "Leave out what lies before: seconds, such as 90 or 1.5,\n"
+         "or 1:30. With --copy the film begins at the key picture\n"
+         "before it",
+         Time(&Request::start, 0)},
+        {"--duration", "TIME", "Leave out what lies behind that much", Time(&Request::duration, 1)},
         {"--no-faststart", nullptr, "Leave the index of MP4 and MOV behind the media", Flag(&Request::noFaststart)},
         {"--preset", "FILE", "Start from the preset in this file", File(&Request::presetFile)},
         {"--save-preset", "FILE", "Write what was settled on to this file", File(&Request::savePresetFile)},
         {"--classic", nullptr, "Know the classic codecs and containers alone", Flag(&Request::classic)},
         {"--dry-run", nullptr, "Show what would be encoded, and encode nothing", Flag(&Request::dryRun)},
-        {"--explain", nullptr, "Show each rule and constraint that was looked at", Flag(&Request::explain)},
+        {"--verbose", nullptr, "Show each value that was asked and settled on", Flag(&Request::verbose)},
+        {"--explain", nullptr, "The same, with each rule and constraint that was looked at", Flag(&Request::explain)},
         {"--json", nullptr, "Print for programs", Flag(&Request::json)},
         {"--quiet", nullptr, "Print nothing but errors", Flag(&Request::quiet)},
     };
@@ -273,6 +299,8 @@ std::vector<Option> VideoOptions() {
          "Frames per second, such as 25, 29.97 or 30000/1001,\n"
          "or ntsc, pal, film, or auto, the source's",
          FrameRate(Path({Proc::IFilterFrameRate::CLASS_ID, V::TAG_FPS}))},
+        {"--deinterlace", "WHEN", "auto, on or off: auto keeps the fields of interlaced\npictures where the codec can",
+         TakeDeinterlacing},
         {"--two-pass", nullptr, "Encode twice, the second time by what the first has\nlearned",
          [mode = Path({codec, V::TAG_MULTIPASS_ENCODING})](const std::string& /*text*/, const Taker& taker) {
              taker.Choose(mode, V::TAG_TWO_PASS_MODE);
@@ -308,7 +336,7 @@ std::vector<Option> AudioOptions() {
         {"--sample-rate", "RATE", "Hz, such as 44100 or 48k, or auto, the source's",
          SampleRate(inResample(A::TAG_SAMPLE_RATE))},
         {"--layout", "LAYOUT", "Channels: mono, stereo, 5.1, 7.1 and the like, or auto,\nthe source's",
-         Name(inResample(A::TAG_LAYOUT), A::TAG_CH_LAYOUT_UNKNOWN)},
+         NameOrOpen(inResample(A::TAG_LAYOUT))},
         {"--sample-format", "FORMAT", "Sample format, such as s16, s32 or fltp, or auto",
          NameOrOpen(Path({resample, A::TAG_SAMPLE_FORMAT}))},
     };

@@ -27,6 +27,13 @@ struct Choice {
     bool isFromPreset = false;
 };
 
+/// What becomes of interlaced pictures.
+enum class Deinterlacing {
+    Auto,  ///< they stay so where the codec can, and are made whole elsewhere
+    On,    ///< all pictures are made whole, whatever the input says of them
+    Off,
+};
+
 /// Streams that the user wants: those that fit all of what is given.
 struct StreamChoice {
     std::string text;  ///< as the user wrote it
@@ -44,14 +51,18 @@ struct Request {
     std::vector<Choice> choices;        ///< of two for one path the last counts
     std::vector<StreamChoice> streams;  ///< what is wanted of the input; all where it is empty
     std::vector<std::string> notes;     ///< how the choices were understood, a sentence each
+    std::optional<long long> start;     ///< what is wanted of the input begins there, in microseconds
+    std::optional<long long> duration;  ///< and lasts that long
     bool noVideo = false;
     bool noAudio = false;
     bool noSubtitles = false;
+    Deinterlacing deinterlacing = Deinterlacing::Auto;
     bool noFaststart = false;  ///< leave the index of MP4 and its kin behind the media
     bool copy = false;         ///< carry streams over unchanged where the container takes them
 
     bool classic = false;  ///< leave out the second set of helpers
     bool dryRun = false;
+    bool verbose = false;
     bool explain = false;
     bool json = false;
     bool quiet = false;

@@ -48,7 +48,8 @@ void AddLeaves(const Value& node, const std::string& path, Statements& statement
 Statements StatementsOf(const Value& helper) {
     Statements statements;
     for (const auto& [name, value] : helper.GetObject()) {
-        if (name == "id" || name == "limits") continue;  // limits stand among the defaults
+        // Limits stand among the defaults, and parameters are what those and the constraints have.
+        if (name == "id" || name == "limits" || name == "parameters") continue;
         if (name == "constraints") {
             for (const Value& constraint : value.GetList()) {
                 // What a container carries is told without it.

@@ -138,8 +138,7 @@ TEST_F(NamesTest, BecomeChoices) {
         {{"--audio-bitrate", "Auto"}, "", "audio_codec/bitrate_mode=cbr_auto "},
         {{"--layout", "auto", "--sample-rate", "auto", "--audio", "auto"},
          "",
-         "audio_codec/codec_id=auto filter_resample/resample/sample_rate=-1 "
-         "filter_resample/resample/channel_layout=unknown "},
+         "audio_codec/codec_id=auto filter_resample/resample/sample_rate=-1 "},
         {{"--size", "720p"}, "", resize + "frame_size_mode=custom " + resize + "width=1280 " + resize + "height=720 "},
         {{"--fps", "25", "--fps", "film"}, "", "filter_rate/frame_rate=24/1 "},
         // What is left open takes back what a preset says, for a codec with all that belongs to it.

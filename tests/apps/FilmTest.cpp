@@ -153,6 +153,81 @@ TEST_F(FilmTest, TurnsPicturesUprightOrKeepsHowTheyAreTurned) {
     }
 }
 
+TEST_F(FilmTest, PicturesKeepWhatTheCodecCanAndTheRestIsTold) {
+    const struct {
+        std::string make, arguments, picture, told;
+    } cases[] = {
+        {"format=yuv422p10le", "o.mov --video prores", "prores,320,180,1:1,yuv422p10le", ""},
+        {"format=gray", "o.mov --video prores", "prores,320,180,1:1,yuv422p10le", ""},
+        {"format=yuva444p10le", "o.mov --video prores", "prores,320,180,1:1,yuv422p10le",
+         "loses its transparency and detail of its colours (4:4:4 becomes 4:2:2): 'prores' has it as yuv422p10le"},
+        {"format=bgra", "o.webm", "vp8,320,180,1:1,yuv420p", "'vp8' has it as yuva420p here."},
+        {"format=yuv420p10le", "o.mp4", "h264,320,180,1:1,yuv420p", "loses 2 of its 10 bits: 'h264'"},
+        {"format=yuv420p10le", "o.mp4 --video hevc --profile main10 --encoder-preset fast",
+         "hevc,320,180,1:1,yuv420p10le", ""},
+        {"format=yuv422p10le", "o.mkv --profile high422", "h264,320,180,1:1,yuv422p10le", ""},
+        {"format=yuv444p", "o.mp4 --video av1", "av1,320,180,1:1,yuv420p", "(4:4:4 becomes 4:2:0)"},
+        {"format=yuv444p", "o.pgm", "pgm,320,180,,gray", "loses its colours"},
+        {"scale=4000:6000,setsar=1", "o.jpg", "mjpeg,2880,4320,1:1,yuvj420p",
+         "is brought from 4000x6000 to 2880x4320."},
+        {"scale=640:20,setsar=1", "o.png", "png,1024,32,1:1,rgb24", "is brought from 640x20 to 1024x32."},
+        {"scale=9000:4,setsar=1", "o.png", "png,8192,32,1:1,rgb24", "is brought from 9000x4 to 8192x32, between bars."},
+        {"scale=3:5,setsar=1", "o.mp4", "h264,32,54,1:1,yuv420p", "from 3x5 to 32x54."},
+        {"scale=853:480,setsar=1", "o.mp4", "h264,852,480,1:1,yuv420p", ""},
+        {"scale=720:576,setsar=64/45", "o.mp4", "h264,720,576,64:45,yuv420p", ""},
+        {"scale=720:576,setsar=64/45", "o.flv", "flv1,1024,576,,yuv420p",
+         "'flv1' has no place for the shape of pixels"},
+        {"tinterlace=interleave_top,setfield=tff", "o.mp4", "h264,320,180,1:1,yuv420p,tt",
+         "is interlaced, and stays so."},
+        {"tinterlace=interleave_top,setfield=tff", "o.mp4 --size 160x90", "h264,160,90,1:1,yuv420p",
+         "is interlaced, and its fields are made into whole pictures."},
+        {"tinterlace=interleave_top,setfield=tff", "o.mp4 --deinterlace on", "h264,320,180,1:1,yuv420p",
+         "is interlaced, and its fields are made into whole pictures."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.make + " to " + c.arguments);
+        Make("-f lavfi -i testsrc2=s=320x180:r=50:d=0.1 -vf " + c.make + " -c:v ffv1 -flags +ildct in.mkv");
+        const Outcome outcome = Run("in.mkv " + c.arguments);
+        ASSERT_EQ(outcome.status, 0) << outcome.text;
+        EXPECT_THAT(outcome.text, HasSubstr(c.told));
+        std::string picture =
+            RunOther("ffprobe",
+                     "-v error -select_streams v:0 -show_entries "
+                     "stream=codec_name,width,height,sample_aspect_ratio,pix_fmt,field_order -of csv=p=0 " +
+                         c.arguments.substr(0, c.arguments.find(' ')))
+                .text;
+        for (const std::string& word :
+             {std::string("\n"), std::string(",progressive"), std::string(",unknown"), std::string("N/A")}) {
+            const std::size_t at = picture.find(word);
+            if (at != std::string::npos) picture.erase(at, word.size());
+        }
+        EXPECT_EQ(picture, c.picture);
+    }
+}
+
+TEST_F(FilmTest, WhatHdrTellsOfLightGoesOver) {
+    Make(
+        "-f lavfi -i testsrc2=s=320x180:d=0.2 -pix_fmt yuv420p10le -c:v libx265 -x265-params log-level=none:colorprim="
+        "bt2020:transfer=smpte2084:colormatrix=bt2020nc:max-cll=1000,400:master-display='G(13250,34500)B(7500,3000)"
+        "R(34000,16000)WP(15635,16450)L(10000000,1)' in.mkv");
+    EXPECT_EQ(Run("in.mkv o.mp4 --video hevc --profile main10 --encoder-preset fast --quiet").text, "");
+    for (const char* const entries : {"-show_entries stream_side_data", "-show_frames -read_intervals %+#1"}) {
+        const std::string told = RunOther("ffprobe", std::string("-v error ") + entries + " o.mp4").text;
+        for (const char* const value : {"red_x=34000/50000", "max_luminance=10000000/10000", "max_content=1000"}) {
+            EXPECT_THAT(told, HasSubstr(value)) << entries;
+        }
+    }
+}
+
+TEST_F(FilmTest, RedIsRedInJpegs) {
+    for (const char* const size : {"640x480", "1280x720"}) {
+        Make(std::string("-f lavfi -i color=red:s=") + size + " -frames:v 1 in.png");
+        EXPECT_EQ(Run("in.png o.jpg --quiet").text, "");
+        Make("-i o.jpg -f rawvideo -pix_fmt rgb24 o.rgb");
+        EXPECT_EQ(Read("o.rgb").substr(0, 3), std::string("\xfe\0\0", 3)) << size;
+    }
+}
+
 TEST_F(FilmTest, GoesOnWithoutWhatCannotBeDecoded) {
     Make(
         "-f lavfi -i testsrc=s=64x48:d=1 -f lavfi -i sine=d=1 -f lavfi -i sine=d=1 -map 0 -map 1 -map 2 -c:v mpeg4 "
@@ -172,6 +247,27 @@ TEST_F(FilmTest, GoesOnWithoutWhatCannotBeDecoded) {
     EXPECT_EQ(Streams("out.mkv"), "h264 64x48, aac");
     EXPECT_EQ(Run("in.mkv out.mkv --quiet --streams 2").status, 1);
     EXPECT_EQ(FileCount(), 2U);
+}
+
+TEST_F(FilmTest, CopiesThatCannotBeWrittenAreEncodedAndTold) {
+    Make(
+        "-f lavfi -i testsrc=s=64x48:d=0.2 -f lavfi -i sine=d=0.2 -map 0 -map 0 -map 1 -map 1 -c:v:0 vp8 -c:v:1 "
+        "libvpx-vp9 -c:a:0 flac -c:a:1 libopus in.mkv");
+    const struct {
+        const char *arguments, *streams, *told;
+    } cases[] = {
+        {"o.mov --streams 0", "h264 64x48", "does not write the picture of stream 0 (vp8) to 'mov' as it is"},
+        {"o.mov --streams 1", "h264 64x48", "does not write the picture of stream 1 (vp9) to 'mov' as it is"},
+        {"o.ogv --streams 1", "theora 64x48", "does not write the picture of stream 1 (vp9) to 'ogv' as it is"},
+        {"o.mov --streams 2", "aac", "does not write the sound of stream 2 (flac) to 'mov' as it is"},
+        {"o.mov --streams 3", "aac", "does not write the sound of stream 3 (opus) to 'mov' as it is"},
+        {"o.mkv --streams 0,2", "vp8 64x48, flac", ""},
+    };
+    for (const auto& c : cases) {
+        const Outcome outcome = Run(std::string("in.mkv --copy ") + c.arguments);
+        EXPECT_THAT(outcome.text, HasSubstr(c.told));
+        EXPECT_EQ(Streams(std::string(c.arguments).substr(0, 5)), c.streams);
+    }
 }
 
 TEST_F(FilmTest, TakesOneProgrammeUnlessAskedForMore) {

@@ -533,34 +533,6 @@ TEST_F(Media, FitsPicturesIntoOtherShapes) {
     }
 }
 
-TEST_F(Media, ChoosesThePixelFormat) {
-    const struct {
-        const char* source;
-        const char* codec;
-        const char* profile;  ///< null for none
-        const char* expected;
-    } table[] = {
-        {"yuv444p", "h264", "baseline", "yuv420p"},   {"yuv444p", "h264", "main", "yuv420p"},
-        {"yuv444p", "h264", "high", "yuv420p"},       {"yuv420p", "h264", "high10", "yuv420p10le"},
-        {"yuv420p", "h264", "high422", "yuv422p"},    {"yuv420p", "h264", "high444", "yuv444p"},
-        {"yuv422p", "h264", nullptr, "yuv422p"},      {"yuv444p", "hevc", "main", "yuv420p"},
-        {"yuv420p", "hevc", "main10", "yuv420p10le"}, {"yuv444p", "mpeg4", nullptr, "yuv420p"},
-        {"rgb24", "mpeg4", nullptr, "yuv420p"},       {"rgb24", "png", nullptr, "rgb24"},
-        {"yuv422p", "ffv1", nullptr, "yuv422p"},      {"yuv420p", "mjpeg", nullptr, "yuvj420p"},
-        {"yuv422p", "mjpeg", nullptr, "yuvj422p"},
-    };
-    for (const auto& row : table) {
-        SCOPED_TRACE(std::string(row.source) + " to " + row.codec + " " + (row.profile != nullptr ? row.profile : ""));
-        ClipSettings clip;
-        clip.frames = 3, clip.soundSeconds = 0, clip.pixelFormat = row.source;
-        ExportJob job = VideoJobFor(Clip(clip), row.codec, "matroska");
-        job.video.at(0).options.clear();
-        if (row.profile != nullptr) job.video.at(0).options.emplace_back("profile", row.profile);
-        RunExport(job, Ignore);
-        EXPECT_EQ(Probe(job.outputPath).video.at(0).pixelFormat, row.expected);
-    }
-}
-
 // -------------------------------------------------------------------------------------- pictures on their own
 
 TEST_F(Media, AStillPictureIsTheFirstFrame) {

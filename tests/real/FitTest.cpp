@@ -184,7 +184,7 @@ TEST_F(Fit, NeverThrowsForWhatAStreamHolds) {
         Sound("vorbis", 0, "")};
     for (const FormatFit& fit : FitIntoAll(streams)) {
         ASSERT_EQ(fit.streams.size(), streams.size());
-        for (const std::size_t unknown : {0, 1, 3, 4})
+        for (const std::size_t unknown : std::vector<std::size_t>{0, 1, 3, 4})
             EXPECT_EQ(Told(fit.streams[unknown]), "left out") << fit.formatId;
     }
     // Its codec can be read, and that is enough to encode it.

@@ -71,6 +71,7 @@ constexpr Reason g_reasons[] = {
     {"webp_anim",      "neither pictures",   "FFmpeg", "its demuxer reads no film of WebP"},
     {"opus filter_resample/resample/sample_rate", "48000 Hz", "FFmpeg", "its decoder gives 48000 Hz whatever was coded"},
     {"cfhd filter_resize/resize/width=48", "a multiple of 16", "system", "the height of 600 goes with wider steps"},
+    {"mpeg2ts truehd", "ac3+",               "FFmpeg", "its demuxer looks for an AC-3 core beside TrueHD"},
     {"flv opus",       "sample_rate is", "system", "FLV's rates and those of Opus have none in common"},
     {"mp4 mp2",        "mp3",                "FFmpeg", "MP4 has one number for both, and its demuxer takes it for MP3"},
 };

@@ -59,7 +59,6 @@ public:
           m_outputIndex(m_isAttached ? muxer.AddAttachedCover(stream)
                                      : muxer.AddCopy(stream, m_filter ? m_filter->Parameters() : *stream.codecpar,
                                                      input.FrameRate(stream))),
-          m_startTime(av_rescale_q(input.StartTime(), av_get_time_base_q(), stream.time_base)),
           m_packet(Own(av_packet_alloc())) {
         // Packets of AVI tell in which order to decode them and nothing else.
         if (std::string_view(input.Container()) == "avi" && LacksTimes()) FailWithoutTimes();
@@ -68,9 +67,10 @@ public:
     int SourceIndex() const override { return m_stream.index; }
     /// An attached picture is one packet, and what is attached to the file as a whole none.
     bool WantsMore() const override {
-        return !m_isAttached && Type() != AVMEDIA_TYPE_ATTACHMENT && !(IsAttachedPicture(m_stream) && m_packets > 0);
+        return !m_isAttached && Type() != AVMEDIA_TYPE_ATTACHMENT && !(IsAttachedPicture(m_stream) && m_packets > 0) &&
+               !m_isOver;
     }
-    double Seconds() const override { return static_cast<double>(m_end) * av_q2d(m_stream.time_base); }
+    double Seconds() const override { return static_cast<double>(m_end) / AV_TIME_BASE; }
     void Report(ExportResult& result) const override { result.copiedPackets += m_packets; }
 
     void Take(const AVPacket& packet) override {
@@ -78,6 +78,7 @@ public:
         // What stands before the first key frame cannot be decoded without what was cut off.
         const bool isKey = (packet.flags & AV_PKT_FLAG_KEY) != 0;
         if (m_packets == 0 && !isKey && Type() == AVMEDIA_TYPE_VIDEO) return;
+        if (m_input.IsPart() && !IsInside(packet)) return;
         Check(av_packet_ref(m_packet.get(), &packet), "cannot keep a packet");
         if (m_filter == nullptr) {
             Write(*m_packet);
@@ -88,7 +89,7 @@ public:
 
     void Finish() override {
         const bool isSteady = Type() == AVMEDIA_TYPE_VIDEO || Type() == AVMEDIA_TYPE_AUDIO;
-        if (m_packets > 0 || !isSteady || m_isAttached) return;
+        if (m_packets > 0 || !isSteady || m_isAttached || m_input.IsPart()) return;
         throw StreamError(m_stream, "the stream " + std::to_string(m_stream.index) + " of " + m_input.QuotedName() +
                                         " holds nothing that can be copied");
     }
@@ -100,8 +101,15 @@ private:
     }
 
     void Write(AVPacket& packet) {
+        if (IsAttachedPicture(m_stream)) {
+            packet.pts = packet.dts = 0;
+            av_packet_rescale_ts(&packet, m_stream.time_base, m_muxer.TimeBase(m_outputIndex));
+            ++m_packets;
+            m_muxer.Write(packet, m_outputIndex, m_muxer.TimeBase(m_outputIndex));
+            return;
+        }
         SetTimes(packet);
-        m_end = std::max(m_end, std::max(packet.pts, packet.dts) + packet.duration);
+        m_end = std::max(m_end, m_input.FilmTime(std::max(packet.pts, packet.dts) + packet.duration, m_stream));
         m_nextTime = packet.dts + packet.duration;
         Rescale(packet);
         ++m_packets;
@@ -120,17 +128,30 @@ private:
 
     AVMediaType Type() const { return m_stream.codecpar->codec_type; }
 
-    /// Brings the times to the line of the output, in the time base of the source, and makes up for missing ones.
-    void SetTimes(AVPacket& packet) const {
-        if (IsAttachedPicture(m_stream)) {
-            packet.pts = packet.dts = 0;
-            return;
+    /// Whether the packet belongs to the part of the input that is wanted.
+    bool IsInside(const AVPacket& packet) {
+        const std::int64_t ticks = packet.dts != AV_NOPTS_VALUE ? packet.dts : packet.pts;
+        if (ticks == AV_NOPTS_VALUE || IsAttachedPicture(m_stream)) return true;
+        // Pictures are shown later than they are decoded, the first of them by as much as any other at least.
+        const bool isWhole = packet.dts != AV_NOPTS_VALUE && packet.pts != AV_NOPTS_VALUE;
+        if (m_packets == 0) m_delay = isWhole ? packet.pts - packet.dts : 0;
+        if (m_input.FilmTime(ticks + m_delay, m_stream) >= m_input.FilmEnd()) {
+            m_isOver = Type() != AVMEDIA_TYPE_SUBTITLE;
+            return false;
         }
-        if (packet.pts != AV_NOPTS_VALUE) packet.pts -= m_startTime;
-        if (packet.dts != AV_NOPTS_VALUE) packet.dts -= m_startTime;
+        const std::int64_t shown = packet.pts != AV_NOPTS_VALUE ? packet.pts : ticks;
+        // Pictures before the first key are of no use without what was cut off; of sound, the half counts.
+        const std::int64_t half = Type() == AVMEDIA_TYPE_AUDIO ? packet.duration / 2 : 0;
+        if (Type() == AVMEDIA_TYPE_SUBTITLE) return m_input.FilmTime(shown + packet.duration, m_stream) > 0;
+        return m_input.FilmTime(shown + half, m_stream) >= 0;
+    }
+
+    /// Makes up for missing times.
+    void SetTimes(AVPacket& packet) const {
+        const std::int64_t start = av_rescale_q(m_input.FilmStart(), av_get_time_base_q(), m_stream.time_base);
         if (packet.dts == AV_NOPTS_VALUE) {
             const bool isFirst = m_packets == 0 && packet.pts != AV_NOPTS_VALUE;
-            packet.dts = isFirst ? packet.pts : m_nextTime;
+            packet.dts = isFirst ? packet.pts : m_packets == 0 ? start : m_nextTime;
         }
         if (packet.pts == AV_NOPTS_VALUE) {
             if (LacksTimes()) FailWithoutTimes();
@@ -138,12 +159,12 @@ private:
         }
         // Muxers would move all streams for an event that began before the film.
         if (Type() != AVMEDIA_TYPE_SUBTITLE) return;
-        packet.pts = packet.dts = std::max<std::int64_t>(packet.pts, 0);
+        packet.pts = packet.dts = std::max(packet.pts, start);
         if (packet.duration >= UINT32_MAX)
             packet.duration = 0;  // FFmpeg's mark of an event that does not end by itself
     }
 
-    /// Brings the times to the time base of the output, and in order where they are not.
+    /// Brings the times to the line and the time base of the output, and in order where they are not.
     void Rescale(AVPacket& packet) {
         const AVRational timeBase = m_muxer.TimeBase(m_outputIndex);
         const int samples =
@@ -157,6 +178,9 @@ private:
         } else {
             av_packet_rescale_ts(&packet, m_stream.time_base, timeBase);
         }
+        const std::int64_t start = av_rescale_q(m_input.FilmStart(), av_get_time_base_q(), timeBase);
+        packet.pts -= start;
+        packet.dts -= start;
         if (m_packets > 0) packet.dts = std::max(packet.dts, m_lastTime + (m_muxer.WantsRisingTimes() ? 1 : 0));
         packet.pts = std::max(packet.pts, packet.dts);
         m_lastTime = packet.dts;
@@ -168,12 +192,13 @@ private:
     bool m_isAttached;                       // becomes a file inside the file
     std::unique_ptr<PacketFilter> m_filter;  // null where the packets go over as they are
     int m_outputIndex;
-    std::int64_t m_startTime;  // of the input, which becomes 0; this and the next two in the time base of the source
-    std::int64_t m_nextTime = 0;
-    std::int64_t m_end = 0;
+    std::int64_t m_nextTime = 0;                 // in the time base of the source
+    std::int64_t m_end = 0;                      // in the film, in AV_TIME_BASE units
     std::int64_t m_sampleTime = AV_NOPTS_VALUE;  // what av_rescale_delta remembers
     std::int64_t m_lastTime = 0;                 // of decoding, in the time base of the output
     long long m_packets = 0;
+    bool m_isOver = false;
+    std::int64_t m_delay = 0;  // of the first packet, in the time base of the source
     Owned<AVPacket> m_packet;
 };
 

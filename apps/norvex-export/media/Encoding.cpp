@@ -14,21 +14,11 @@ extern "C" {
 
 #include "EncoderFacts.h"
 #include "Input.h"
+#include "Pixels.h"
 
 namespace NorvexExport::Media {
 
 namespace {
-
-/// Pixel formats that say full range by themselves: yuvj420p and its kin.
-bool IsFullRangeYuv(AVPixelFormat format) {
-    const char* const name = av_get_pix_fmt_name(format);
-    return name != nullptr && std::string_view(name).substr(0, 4) == "yuvj";
-}
-
-/// Codecs whose pictures are of full range; players expect the limited one of all others.
-bool IsFullRangeCodec(AVCodecID codec) {
-    return codec == AV_CODEC_ID_MJPEG;
-}
 
 void SetOption(AVCodecContext& encoder, const std::string& name, const std::string& value) {
     if (name == "profile" && !CodesProfile(*encoder.codec, value)) {
@@ -62,8 +52,8 @@ std::string X265LogLevel() {
 }
 
 /// The job's options for x265, with our own before them.
-Options WithX265Parameters(const Options& options, const Pass& pass) {
-    std::string parameters = "log-level=" + X265LogLevel();
+Options WithX265Parameters(const Options& options, const Pass& pass, const Light& light) {
+    std::string parameters = "log-level=" + X265LogLevel() + X265ParametersOf(light);
     if (pass.record != nullptr) {
         parameters += ":pass=" + std::to_string(pass.number) + ":stats=" + Escaped(pass.record->StatisticsFile());
     }
@@ -116,62 +106,6 @@ void BoundPeaks(AVCodecContext& encoder, const VideoJob& job) {
     encoder.rc_buffer_size = static_cast<int>(std::min<long long>(job.bitrate, INT_MAX));
 }
 
-/// The pixel format that the profile in the options goes with, or AV_PIX_FMT_NONE.
-AVPixelFormat ProfilePixelFormat(AVCodecID codec, const Options& options) {
-    struct Row {
-        AVCodecID codec;
-        std::string_view profile;
-        AVPixelFormat format;
-    };
-    constexpr std::array<Row, 8> table = {{
-        {AV_CODEC_ID_H264, "baseline", AV_PIX_FMT_YUV420P},
-        {AV_CODEC_ID_H264, "main", AV_PIX_FMT_YUV420P},
-        {AV_CODEC_ID_H264, "high", AV_PIX_FMT_YUV420P},
-        {AV_CODEC_ID_H264, "high10", AV_PIX_FMT_YUV420P10},
-        {AV_CODEC_ID_H264, "high422", AV_PIX_FMT_YUV422P},
-        {AV_CODEC_ID_H264, "high444", AV_PIX_FMT_YUV444P},
-        {AV_CODEC_ID_HEVC, "main", AV_PIX_FMT_YUV420P},
-        {AV_CODEC_ID_HEVC, "main10", AV_PIX_FMT_YUV420P10},
-    }};
-    for (const auto& [name, value] : options) {
-        if (name != "profile") continue;
-        for (const Row& row : table) {
-            if (row.codec == codec && row.profile == value) return row.format;
-        }
-    }
-    return AV_PIX_FMT_NONE;
-}
-
-/// The encoder's formats that suit the range of its codec: the yuvj ones for full range, the others otherwise. Those
-/// with a palette are left out where there is any other: the scaler makes no palettes.
-std::vector<AVPixelFormat> SuitablePixelFormats(const AVCodec& codec) {
-    std::vector<AVPixelFormat> formats = DeclaredPixelFormats(codec);
-    const auto firstOfPalette = std::stable_partition(
-        formats.begin(), formats.end(), [](AVPixelFormat format) { return !HasFlag(format, AV_PIX_FMT_FLAG_PAL); });
-    if (firstOfPalette != formats.begin()) formats.erase(firstOfPalette, formats.end());
-    const bool wantsFullRange = IsFullRangeCodec(codec.id);
-    const auto middle = std::stable_partition(
-        formats.begin(), formats.end(), [&](AVPixelFormat format) { return IsFullRangeYuv(format) == wantsFullRange; });
-    if (middle != formats.begin()) formats.erase(middle, formats.end());
-    return formats;
-}
-
-AVPixelFormat ChoosePixelFormat(const AVCodec& codec, const VideoJob& job, AVPixelFormat source) {
-    std::vector<AVPixelFormat> formats = SuitablePixelFormats(codec);
-    const AVPixelFormat named = av_get_pix_fmt(job.pixelFormat.c_str());
-    const AVPixelFormat wanted = named != AV_PIX_FMT_NONE ? named : ProfilePixelFormat(codec.id, job.options);
-    if (wanted != AV_PIX_FMT_NONE) {
-        if (Takes(formats, wanted)) return wanted;
-        throw MediaError("the encoder " + Quoted(codec.name) + " does not take the pixel format " +
-                         Quoted(av_get_pix_fmt_name(wanted)));
-    }
-    if (formats.empty()) return source != AV_PIX_FMT_NONE ? source : AV_PIX_FMT_YUV420P;
-    if (source == AV_PIX_FMT_NONE) return formats.front();
-    formats.push_back(AV_PIX_FMT_NONE);
-    const int hasAlpha = HasFlag(source, AV_PIX_FMT_FLAG_ALPHA) ? 1 : 0;
-    return avcodec_find_best_pix_fmt_of_list(formats.data(), source, hasAlpha, nullptr);
-}
-
 AVSampleFormat ChooseSampleFormat(const AVCodec& codec, const std::string& name, AVSampleFormat source) {
     const std::vector<AVSampleFormat> formats = DeclaredSampleFormats(codec);
     if (!name.empty()) {
@@ -221,29 +155,14 @@ Owned<AVCodecContext> NewEncoder(const AVCodec& codec, bool globalHeader) {
     return encoder;
 }
 
-/// What the source says of its colours is kept where the pixel format lets it.
-void SetColours(AVCodecContext& encoder, const AVCodecParameters& source) {
-    encoder.color_primaries = source.color_primaries;
-    encoder.color_trc = source.color_trc;
-    if (!IsYuv(encoder.pix_fmt)) return;
-    encoder.color_range = IsFullRangeCodec(encoder.codec->id) ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
-    encoder.chroma_sample_location = source.chroma_location;
-    encoder.colorspace = source.color_space;
-    if (HasFlag(static_cast<AVPixelFormat>(source.format), AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL)) {
-        // A player that is told nothing guesses by the height.
-        encoder.colorspace = encoder.height >= 720 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
-    } else if (encoder.colorspace == AVCOL_SPC_RGB) {
-        encoder.colorspace = AVCOL_SPC_UNSPECIFIED;
-    }
-}
-
 }  // namespace
 
 bool HoldsQuality(RateControl rateControl, const AVCodec& codec) {
     return rateControl == RateControl::Quality && QualityControlOf(codec) != QualityControl::None;
 }
 
-Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, bool globalHeader, const Pass& pass) {
+Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, const Light& light, bool globalHeader,
+                         const Pass& pass) {
     const AVCodec& codec = FindEncoder(job.codecId, AVMEDIA_TYPE_VIDEO);
     Owned<AVCodecContext> encoder = NewEncoder(codec, globalHeader);
     encoder->width = job.width;
@@ -257,11 +176,19 @@ Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, b
     encoder->thread_count = job.threads;
     if (job.maxBFrames) encoder->max_b_frames = *job.maxBFrames;
     if (job.keyFrameInterval) encoder->gop_size = *job.keyFrameInterval;
+    if (job.fields == Fields::Keep) {
+        encoder->flags |= AV_CODEC_FLAG_INTERLACED_DCT | AV_CODEC_FLAG_INTERLACED_ME;
+        encoder->field_order = source.field_order;
+    }
     SetRateControl(*encoder, job.rateControl, job.bitrate, job.quality);
     BoundPeaks(*encoder, job);
     SetPass(*encoder, pass);
+    // libvpx codes transparency without the frames of VP8 that nobody sees alone.
+    const bool isOfVpx = std::string_view(codec.name) == "libvpx";
+    if (isOfVpx && HasFlag(encoder->pix_fmt, AV_PIX_FMT_FLAG_ALPHA)) SetOption(*encoder, "auto-alt-ref", "0");
     const bool isX265 = PassLogOf(codec) == PassLog::X265File;
-    OpenEncoder(*encoder, isX265 ? WithX265Parameters(job.options, pass) : job.options);
+    OpenEncoder(*encoder, isX265 ? WithX265Parameters(job.options, pass, light) : job.options);
+    TellLight(light, *encoder);
     return Encoder(std::move(encoder), pass);
 }
 

@@ -13,6 +13,7 @@ extern "C" {
 
 #include "Basics.h"
 #include "Files.h"
+#include "Light.h"
 
 namespace NorvexExport::Media {
 
@@ -78,7 +79,8 @@ private:
 /// Whether the encoder is driven by the quality rather than by the bitrate.
 bool HoldsQuality(RateControl rateControl, const AVCodec& codec);
 
-Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, bool globalHeader, const Pass& pass);
+Encoder OpenVideoEncoder(const VideoJob& job, const AVCodecParameters& source, const Light& light, bool globalHeader,
+                         const Pass& pass);
 Encoder OpenAudioEncoder(const AudioJob& job, const AVCodecParameters& source, bool globalHeader);
 
 /// Finer than the clock of any other stream: the muxer of MP4 compares the end of an event with the time of the next

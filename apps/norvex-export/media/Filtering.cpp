@@ -12,15 +12,11 @@ extern "C" {
 #include <libavutil/samplefmt.h>
 }
 
+#include "Pixels.h"
+
 namespace NorvexExport::Media {
 
 namespace {
-
-/// The matrix for the scaler where it must make the encoder's YUV from colours that have none, else null.
-const char* ConversionMatrix(AVPixelFormat source, const AVCodecContext& encoder) {
-    if (!HasFlag(source, AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL) || !IsYuv(encoder.pix_fmt)) return nullptr;
-    return encoder.colorspace == AVCOL_SPC_BT709 ? "bt709" : "smpte170m";
-}
 
 struct Size {
     int width = 0;
@@ -139,10 +135,10 @@ bool IsSingle(const VideoJob& job) {
     return job.isCover || job.isStill;
 }
 
-std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParameters& source,
+std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParameters& source, AVColorSpace matrix,
                                    const AVCodecContext& encoder, bool isFirst) {
     const Size size = ScaledSize(job, source);
-    const char* const matrix = ConversionMatrix(static_cast<AVPixelFormat>(source.format), encoder);
+    const Conversion colours = ConversionFor(static_cast<AVPixelFormat>(source.format), matrix, source.height, encoder);
     const auto number = [](int value) { return std::to_string(value); };
     const auto ratio = [](AVRational value) { return std::to_string(value.num) + "/" + std::to_string(value.den); };
 
@@ -154,9 +150,13 @@ std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParamet
     scale.options.emplace_back("flags", job.scaler.empty() ? "bicubic" : job.scaler);
     if (encoder.color_range == AVCOL_RANGE_JPEG) scale.options.emplace_back("out_range", "pc");
     if (encoder.color_range == AVCOL_RANGE_MPEG) scale.options.emplace_back("out_range", "tv");
-    if (matrix != nullptr) scale.options.emplace_back("out_color_matrix", matrix);
+    if (colours.from != nullptr) scale.options.emplace_back("in_color_matrix", colours.from);
+    if (colours.to != nullptr) scale.options.emplace_back("out_color_matrix", colours.to);
+
+    if (job.fields == Fields::Keep) scale.options.emplace_back("interl", "1");
 
     std::vector<FilterStep> steps;
+    if (job.fields == Fields::Deinterlace) steps.push_back({"bwdif", {{"mode", "send_frame"}}});
     if (!IsSingle(job)) steps.push_back(rate);
     const std::vector<FilterStep> upright = UprightSteps(job.orientation);
     steps.insert(steps.end(), upright.begin(), upright.end());
@@ -184,8 +184,14 @@ std::vector<FilterStep> AudioSteps(const AVBufferSrcParameters& source, const AV
     const std::string rate = std::to_string(encoder.sample_rate);
     // The resampler counts the samples of its source.
     const std::int64_t begin = av_rescale(firstSample, source.sample_rate, encoder.sample_rate);
-    // "async" fills gaps and trims overlaps by the timestamps and does not stretch.
-    return {{"aresample", {{"sample_rate", rate}, {"async", "1"}, {"first_pts", std::to_string(begin)}}},
+    // "async" fills gaps and trims overlaps by the timestamps and does not stretch. The matrix of a down-mix adds up to
+    // 1 at most, as it does for whole numbers by itself.
+    return {{"aresample",
+             {{"sample_rate", rate},
+              {"async", "1"},
+              {"min_hard_comp", "0.004"},
+              {"first_pts", std::to_string(begin)},
+              {"rematrix_maxval", "1"}}},
             {"aformat",
              {{"sample_fmts", av_get_sample_fmt_name(encoder.sample_fmt)},
               {"sample_rates", rate},

@@ -58,8 +58,8 @@ private:
 /// Whether the job makes one picture of its stream rather than a film.
 bool IsSingle(const VideoJob& job);
 
-/// `isFirst` tells the graph at the beginning from one after a change of the source.
-std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParameters& source,
+/// `matrix` is the source's; `isFirst` tells the graph at the beginning from one after a change of the source.
+std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParameters& source, AVColorSpace matrix,
                                    const AVCodecContext& encoder, bool isFirst);
 
 /// `firstSample` is the sample of the output at which the graph begins.

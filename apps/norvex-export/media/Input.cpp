@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <string_view>
+#include <utility>
 
 extern "C" {
 #include <libavutil/avutil.h>
@@ -33,16 +36,18 @@ bool IsDecodable(const AVStream& stream) {
     return parameters.codec_type == AVMEDIA_TYPE_SUBTITLE;
 }
 
+/// In AV_TIME_BASE units, or none where the packet does not say.
+std::optional<std::int64_t> ShownAt(const AVPacket& packet, const AVStream& stream) {
+    if (packet.pts == AV_NOPTS_VALUE) return TimeLine::StampOf(packet, stream);
+    return av_rescale_q(packet.pts, stream.time_base, av_get_time_base_q());
+}
+
+/// What decoders of sound want to hear before a beginning, in AV_TIME_BASE units.
+constexpr std::int64_t preroll = AV_TIME_BASE / 5;
+
 /// Streams of a millisecond clock may give the clock itself for their rate.
 bool IsFrameRate(AVRational rate) {
     return IsPositive(rate) && av_q2d(rate) < 1000;
-}
-
-/// Whether the stream has a place on the time line that the others follow. A cover has none; subtitles tell their
-/// times on the line of the pictures and the sound, and may begin long after it.
-bool IsTimed(const AVStream& stream) {
-    const AVMediaType type = stream.codecpar->codec_type;
-    return (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO) && !IsAttachedPicture(stream);
 }
 
 std::vector<std::string> DispositionNames(const AVStream& stream) {
@@ -103,6 +108,7 @@ VideoSource DescribeVideo(const Input& input, const AVStream& stream, bool isMai
     source.height = parameters.height;
     source.sampleAspect = ToFraction(input.SampleAspect(stream, nullptr));
     source.orientation = OrientationOf(stream);
+    source.isInterlaced = parameters.field_order > AV_FIELD_PROGRESSIVE;
     source.frameRate = ToFraction(input.FrameRate(stream));
     source.pixelFormat = format != nullptr ? format : "";
     source.isAttachedPicture = IsAttachedPicture(stream);
@@ -193,12 +199,13 @@ std::int64_t Input::StartTime() const {
     for (int index = 0; index < static_cast<int>(m_context->nb_streams); ++index) {
         const AVStream& stream = *m_context->streams[index];
         if (!IsTimed(stream) || stream.start_time == AV_NOPTS_VALUE) continue;
-        const std::int64_t start = av_rescale_q(stream.start_time, stream.time_base, av_get_time_base_q());
+        const std::int64_t start =
+            av_rescale_q(stream.start_time, stream.time_base, av_get_time_base_q()) + m_timeLine.FirstMoved(stream);
         const auto take = [&](std::int64_t& earliest) {
             earliest = earliest == AV_NOPTS_VALUE ? start : std::min(earliest, start);
         };
         take(any);
-        if (std::find(m_selected.begin(), m_selected.end(), index) != m_selected.end()) take(selected);
+        if (IsSelected(index)) take(selected);
     }
     const std::int64_t earliest = selected == AV_NOPTS_VALUE ? any : selected;
     return earliest == AV_NOPTS_VALUE ? 0 : earliest;
@@ -210,7 +217,61 @@ AVRational Input::FrameRate(const AVStream& stream) const {
     return IsFrameRate(stream.avg_frame_rate) ? stream.avg_frame_rate : AVRational{25, 1};
 }
 
+void Input::Begin(const Span& span, int copied) {
+    m_timeLine.Expect(StatedEnd());
+    ReadBeginnings();
+    const std::int64_t start = StartTime();
+    m_isPart = span.begin > 0 || span.end != Span::endless;
+    m_zero = start + span.begin;
+    if (span.begin > 0) {
+        // Where stamps may jump, none of them tells where to go.
+        if ((m_context->iformat->flags & AVFMT_TS_DISCONT) == 0) Seek(m_zero - preroll);
+        ReadUpTo(m_zero, copied);
+    }
+    // What goes over as it is begins earlier and ends where it was asked to; what is encoded lasts as long.
+    const std::int64_t earlier = copied >= 0 ? start + span.begin - m_zero : 0;
+    m_end = span.end == Span::endless ? span.end : span.end - span.begin + earlier;
+}
+
+void Input::Delay(std::int64_t time) {
+    m_zero -= time;
+    if (m_end != Span::endless) m_end += time;
+}
+
+bool Input::IsFilmOver() const {
+    // Packets of one time stand that far from each other at most.
+    constexpr std::int64_t apart = std::int64_t{5} * AV_TIME_BASE;
+    return m_end != Span::endless && m_position - apart > m_end;
+}
+
 bool Input::Read(AVPacket& packet) {
+    if (m_placed.empty()) {
+        if (!ReadPlaced(packet)) return false;
+    } else {
+        av_packet_unref(&packet);
+        av_packet_move_ref(&packet, m_placed.front().get());
+        m_placed.pop_front();
+    }
+    const std::int64_t ticks = packet.dts != AV_NOPTS_VALUE ? packet.dts : packet.pts;
+    const AVStream& stream = Stream(packet.stream_index);
+    if (ticks != AV_NOPTS_VALUE) m_position = std::max(m_position, FilmTime(ticks, stream));
+    return true;
+}
+
+bool Input::ReadPlaced(AVPacket& packet) {
+    if (m_ahead.empty()) {
+        if (!ReadStamped(packet)) return false;
+    } else {
+        av_packet_unref(&packet);
+        av_packet_move_ref(&packet, m_ahead.front().get());
+        m_ahead.pop_front();
+    }
+    const AVStream& stream = Stream(packet.stream_index);
+    m_timeLine.Place(packet, stream, [&] { return PeekAhead(stream); });
+    return true;
+}
+
+bool Input::ReadStamped(AVPacket& packet) {
     // A damaged file may give an error where a packet should be and go on behind it.
     constexpr int patience = 100;
     int result = 0;
@@ -224,6 +285,131 @@ bool Input::Read(AVPacket& packet) {
     if (result == AVERROR_EOF && m_context->pb != nullptr && m_context->pb->error < 0) result = m_context->pb->error;
     if (result != AVERROR_EOF) Fail("cannot read " + m_name, result);
     return false;
+}
+
+std::vector<TimeLine::Coming> Input::PeekAhead(const AVStream& stream) {
+    constexpr std::size_t most = 500;
+    std::vector<TimeLine::Coming> coming;
+    const auto take = [&](const AVPacket& packet) {
+        if (packet.stream_index != stream.index) return;
+        const std::int64_t duration = std::max<std::int64_t>(packet.duration, 0);
+        coming.push_back(
+            {TimeLine::StampOf(packet, stream), av_rescale_q(duration, stream.time_base, av_get_time_base_q())});
+    };
+    for (auto packet = m_ahead.begin(); packet != m_ahead.end() && coming.size() < TimeLine::peeked; ++packet) {
+        take(**packet);
+    }
+    while (m_ahead.size() < most && coming.size() < TimeLine::peeked) {
+        Owned<AVPacket> packet = Own(av_packet_alloc());
+        if (!ReadStamped(*packet)) break;
+        take(*packet);
+        m_ahead.push_back(std::move(packet));
+    }
+    return coming;
+}
+
+void Input::ReadBeginnings() {
+    constexpr std::size_t most = 100;
+    const auto hasBegun = [this](int index) { return !IsTimed(Stream(index)) || m_timeLine.HasBegun(Stream(index)); };
+    while (m_placed.size() < most && !std::all_of(m_selected.begin(), m_selected.end(), hasBegun)) {
+        Owned<AVPacket> packet = Own(av_packet_alloc());
+        if (!ReadPlaced(*packet)) return;
+        m_placed.push_back(std::move(packet));
+    }
+}
+
+std::int64_t Input::StatedEnd() const {
+    // What else there is was guessed from the stamps themselves, or from the size of the file: also by the demuxers of
+    // Ogg, whose stamps may jump, and of FLV, which read the last of them.
+    const AVInputFormat& format = *m_context->iformat;
+    const bool isRead = (format.flags & AVFMT_TS_DISCONT) != 0 || std::string_view(format.name) == "flv";
+    const bool isStated = m_context->duration_estimation_method == AVFMT_DURATION_FROM_STREAM && !isRead;
+    if (!isStated || m_context->duration <= 0) return AV_NOPTS_VALUE;
+    return StartTime() + m_context->duration + AV_TIME_BASE;
+}
+
+bool Input::IsSelected(int index) const {
+    return std::find(m_selected.begin(), m_selected.end(), index) != m_selected.end();
+}
+
+void Input::Seek(std::int64_t time) {
+    // Where that fails all is read, and what lies before the film left out.
+    if (av_seek_frame(m_context.get(), -1, time, AVSEEK_FLAG_BACKWARD) < 0) return;
+    m_ahead.clear();
+    m_placed.clear();
+    m_timeLine = TimeLine();
+    m_timeLine.Expect(StatedEnd());
+}
+
+void Input::ReadUpTo(std::int64_t time, int copied) {
+    const auto selectedOf = [this](AVMediaType type) {
+        return std::find_if(m_selected.begin(), m_selected.end(), [&](int index) {
+            return IsTimed(Stream(index)) && Stream(index).codecpar->codec_type == type;
+        });
+    };
+    auto lead = selectedOf(AVMEDIA_TYPE_VIDEO);
+    const bool isOfPictures = lead != m_selected.end();
+    if (!isOfPictures) lead = selectedOf(AVMEDIA_TYPE_AUDIO);
+    if (lead == m_selected.end()) return;  // the rest is short, and tells by itself when it is shown
+    const int leader = copied >= 0 ? copied : *lead;
+
+    std::vector<const AVPacket*> keys(m_context->nb_streams);  // the last of each stream before the time
+    const auto leaveOut = [&] {
+        std::vector<bool> isBehindKey(keys.size());
+        const AVPacket* const key = copied >= 0 ? keys[static_cast<std::size_t>(copied)] : nullptr;
+        const std::int64_t beginning = key != nullptr ? *ShownAt(*key, Stream(copied)) : time;
+        const auto isNeeded = [&](const AVPacket& packet) {
+            const auto index = static_cast<std::size_t>(packet.stream_index);
+            const AVMediaType type = Stream(packet.stream_index).codecpar->codec_type;
+            if (&packet == keys[index]) isBehindKey[index] = true;
+            if (type == AVMEDIA_TYPE_VIDEO) return keys[index] == nullptr || isBehindKey[index];
+            const auto shown = ShownAt(packet, Stream(packet.stream_index));
+            // Sound is kept for a second more, as the film may begin with a picture before the time.
+            const std::int64_t before = type == AVMEDIA_TYPE_AUDIO ? AV_TIME_BASE : TimeLine::longestGap;
+            return !shown || *shown >= beginning - before;
+        };
+        std::deque<Owned<AVPacket>> needed;
+        for (Owned<AVPacket>& packet : m_placed) {
+            if (isNeeded(*packet)) needed.push_back(std::move(packet));
+        }
+        m_placed = std::move(needed);
+    };
+    // What was read to see the beginnings comes again.
+    std::deque<Owned<AVPacket>> again = std::exchange(m_placed, {});
+    std::size_t many = 1000;
+    bool isThere = false;
+    while (!isThere) {
+        Owned<AVPacket> packet = Own(av_packet_alloc());
+        if (!again.empty()) {
+            packet = std::move(again.front());
+            again.pop_front();
+        } else if (!ReadPlaced(*packet))
+            throw MediaError(m_name + " ends before what is wanted of it begins");
+        const AVStream& stream = Stream(packet->stream_index);
+        const auto stamp = TimeLine::StampOf(*packet, stream);
+        const std::int64_t duration = av_rescale_q(packet->duration, stream.time_base, av_get_time_base_q());
+        isThere = packet->stream_index == leader && stamp && *stamp + duration > time;
+        const auto shown = ShownAt(*packet, stream);
+        if ((packet->flags & AV_PKT_FLAG_KEY) != 0 && shown && *shown <= time) {
+            keys[static_cast<std::size_t>(packet->stream_index)] = packet.get();
+        }
+        m_placed.push_back(std::move(packet));
+        if (m_placed.size() < many) continue;
+        leaveOut();
+        many = 2 * m_placed.size() + 1000;
+    }
+    std::move(again.begin(), again.end(), std::back_inserter(m_placed));
+    leaveOut();
+    if (!isOfPictures) return;
+    // The picture that is shown then begins the film, or the one that the stream can be decoded from.
+    std::optional<std::int64_t> first;
+    for (const Owned<AVPacket>& packet : m_placed) {
+        const bool isKey = (packet->flags & AV_PKT_FLAG_KEY) != 0;
+        if (packet->stream_index != leader || (copied >= 0 && !isKey)) continue;
+        const auto shown = ShownAt(*packet, Stream(leader));
+        if (shown && *shown <= time && (!first || *shown > *first)) first = *shown;
+    }
+    if (first && (copied >= 0 || time - *first < AV_TIME_BASE)) m_zero = *first;
 }
 
 Input::OwnedContext Input::Open(const std::string& path) {

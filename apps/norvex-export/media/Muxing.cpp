@@ -1,8 +1,10 @@
 #include "Muxing.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <new>
+#include <string_view>
 
 extern "C" {
 #include <libavutil/dict.h>
@@ -45,6 +47,7 @@ int Muxer::AddStream(const AVCodecContext& encoder, const AVStream& source) {
     AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
     if (stream == nullptr) throw std::bad_alloc();
     Check(avcodec_parameters_from_context(stream->codecpar, &encoder), "cannot describe a stream");
+    CopySideData(encoder, *stream);
     stream->time_base = encoder.time_base;
     stream->avg_frame_rate = encoder.framerate;
     stream->sample_aspect_ratio = encoder.sample_aspect_ratio;
@@ -125,12 +128,23 @@ void Muxer::Begin() {
     CheckWriting(result);
 }
 
-void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase) {
+bool Muxer::PlacesStreams(const std::string& container) {
+    // FFmpeg's flag of a variable rate does not tell: versions differ about MP4.
+    constexpr std::array<std::string_view, 9> without = {"avi",        "dv",  "gxf", "mxf", "mxf_d10",
+                                                         "mxf_opatom", "ogg", "ogv", "swf"};
+    return std::find(without.begin(), without.end(), container) == without.end();
+}
+
+void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase, std::int64_t begin) {
     if (m_isOnePicture && m_packets > 0) FailAsOnePicture();
     ++m_packets;
     packet.stream_index = stream;
     packet.pos = -1;
-    av_packet_rescale_ts(&packet, timeBase, m_context->streams[stream]->time_base);
+    const AVRational clock = m_context->streams[stream]->time_base;
+    av_packet_rescale_ts(&packet, timeBase, clock);
+    const std::int64_t later = av_rescale_q(begin, av_get_time_base_q(), clock);
+    if (packet.pts != AV_NOPTS_VALUE) packet.pts += later;
+    if (packet.dts != AV_NOPTS_VALUE) packet.dts += later;
     CheckWriting(av_interleaved_write_frame(m_context.get(), &packet));
 }
 
@@ -157,14 +171,34 @@ Muxer::Muxer(const std::string& container, const std::string& quotedName, const 
 
 void Muxer::CopySideData(const AVStream& source, AVStream& stream) {
 #if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
-    for (int i = 0; i < source.nb_side_data; ++i) {
-        const AVPacketSideData& data = source.side_data[i];
-        std::uint8_t* const copy = av_stream_new_side_data(&stream, data.type, data.size);
-        if (copy == nullptr) throw std::bad_alloc();
-        std::copy_n(data.data, data.size, copy);
-    }
+    for (int i = 0; i < source.nb_side_data; ++i) CopySideData(source.side_data[i], stream);
 #else
     (void)source;
+    (void)stream;
+#endif
+}
+
+void Muxer::CopySideData(const AVCodecContext& encoder, AVStream& stream) {
+#if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
+    for (int i = 0; i < encoder.nb_coded_side_data; ++i) {
+        const AVPacketSideData& data = encoder.coded_side_data[i];
+        const bool isOfLight =
+            data.type == AV_PKT_DATA_MASTERING_DISPLAY_METADATA || data.type == AV_PKT_DATA_CONTENT_LIGHT_LEVEL;
+        if (isOfLight) CopySideData(data, stream);
+    }
+#else
+    (void)encoder;
+    (void)stream;
+#endif
+}
+
+void Muxer::CopySideData(const AVPacketSideData& data, AVStream& stream) {
+#if LIBAVFORMAT_VERSION_INT < AV_VERSION_INT(60, 15, 100)
+    std::uint8_t* const copy = av_stream_new_side_data(&stream, data.type, data.size);
+    if (copy == nullptr) throw std::bad_alloc();
+    std::copy_n(data.data, data.size, copy);
+#else
+    (void)data;
     (void)stream;
 #endif
 }

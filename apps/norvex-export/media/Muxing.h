@@ -1,6 +1,7 @@
 /// The container of the output.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -62,14 +63,18 @@ public:
     /// Whether the container tells when pictures are shown, rather than only in which order they are decoded.
     bool TellsTimes() const { return (m_context->oformat->flags & AVFMT_NOTIMESTAMPS) == 0 && !IsAvi(); }
 
+    /// Whether the streams of a container may begin apart, and their pictures stand at any time. In others all begin
+    /// together, and the pictures follow each other at their rate.
+    static bool PlacesStreams(const std::string& container);
+
     /// Whether the packets of one stream must be of rising times rather than of times that do not fall.
     bool WantsRisingTimes() const { return (m_context->oformat->flags & AVFMT_TS_NONSTRICT) == 0; }
 
     /// The clock of a stream, known after Begin().
     AVRational TimeBase(int stream) const { return m_context->streams[stream]->time_base; }
 
-    /// Takes the packet's content, and leaves it empty.
-    void Write(AVPacket& packet, int stream, AVRational timeBase);
+    /// Takes the packet's content, and leaves it empty. Its times count from `begin`, in AV_TIME_BASE units.
+    void Write(AVPacket& packet, int stream, AVRational timeBase, std::int64_t begin = 0);
 
     /// Completes the file. Only then is it known that all of it was written.
     void Finish();
@@ -79,8 +84,11 @@ private:
 
     void Open(const Options& options);
 
-    /// Such as how the picture is to be turned. Newer versions keep it in the parameters.
+    /// Such as how the picture is to be turned, or what an encoder has of HDR. Newer versions keep it in the
+    /// parameters.
     static void CopySideData(const AVStream& source, AVStream& stream);
+    static void CopySideData(const AVCodecContext& encoder, AVStream& stream);
+    static void CopySideData(const AVPacketSideData& data, AVStream& stream);
 
     bool IsAvi() const { return std::string_view(m_context->oformat->name) == "avi"; }
 

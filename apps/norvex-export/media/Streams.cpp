@@ -7,8 +7,13 @@
 
 #include "AudioStream.h"
 #include "CopiedStream.h"
+#include "Filtering.h"
 #include "SubtitleStream.h"
 #include "VideoStream.h"
+
+extern "C" {
+#include <libavutil/mathematics.h>
+}
 
 namespace NorvexExport::Media {
 
@@ -27,6 +32,17 @@ struct Order {
     const AVStream* source;
     std::function<std::unique_ptr<OutputStream>()> make;
 };
+
+/// What the film must be late for the first picture of a stream to stand at a whole number of pictures.
+std::int64_t DelayForGrid(const Input& input, const AVStream& stream, AVRational rate) {
+    if (stream.start_time == AV_NOPTS_VALUE) return 0;
+    const std::int64_t first = input.FilmTime(stream.start_time, stream);
+    if (first <= 0) return 0;
+    const AVRational unit = av_get_time_base_q();
+    constexpr std::int64_t rounding = 100;
+    const std::int64_t number = av_rescale_q_rnd(first - rounding, unit, av_inv_q(rate), AV_ROUND_UP);
+    return std::max<std::int64_t>(0, av_rescale_q(number, av_inv_q(rate), unit) - first);
+}
 
 }  // namespace
 
@@ -70,8 +86,25 @@ OutputStreams MakeStreams(Input& input, const ExportJob& job, int pass, PassReco
               [&place](const Order& one, const Order& two) { return place(one) < place(two); });
     OutputStreams streams;
     for (const Order& order : orders) streams.push_back(order.make());
-    muxer.TakeTags(input.Context(), input.StartTime());
     return streams;
+}
+
+void BeginFilm(Input& input, const ExportJob& job, Muxer& muxer) {
+    const auto isPicture = [&input](int index) {
+        const AVStream& stream = input.Stream(index);
+        return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO && !IsAttachedPicture(stream);
+    };
+    const auto copied = std::find_if(job.copies.begin(), job.copies.end(), isPicture);
+    input.Begin(job.span, copied != job.copies.end() ? *copied : -1);
+    if (!Muxer::PlacesStreams(job.muxer)) {
+        std::int64_t delay = 0;
+        for (auto video = job.video.rbegin(); video != job.video.rend(); ++video) {
+            if (IsSingle(*video)) continue;
+            delay = DelayForGrid(input, input.Stream(video->streamIndex), ToRational(video->frameRate));
+        }
+        input.Delay(delay);
+    }
+    muxer.TakeTags(input.Context(), input.FilmStart());
 }
 
 }  // namespace NorvexExport::Media

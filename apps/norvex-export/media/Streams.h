@@ -20,4 +20,7 @@ using PassRecords = std::map<int, PassRecord>;
 /// The streams that the pass of that number makes of what the job asks of the input, each added to the muxer.
 OutputStreams MakeStreams(Input& input, const ExportJob& job, int pass, PassRecords& records, Muxer& muxer);
 
+/// Begins the input's film and gives the muxer its tags, once the streams are made.
+void BeginFilm(Input& input, const ExportJob& job, Muxer& muxer);
+
 }  // namespace NorvexExport::Media

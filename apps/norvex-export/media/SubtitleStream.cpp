@@ -45,8 +45,7 @@ public:
           m_decoder(stream),
           m_encoder(job.codecId, m_decoder.Header(), globalHeader),
           m_muxer(muxer),
-          m_outputIndex(muxer.AddStream(m_encoder.Context(), stream)),
-          m_startTime(input.StartTime()) {}
+          m_outputIndex(muxer.AddStream(m_encoder.Context(), stream)) {}
 
     int SourceIndex() const override { return m_stream.index; }
     bool WantsMore() const override { return true; }
@@ -73,15 +72,16 @@ private:
         };
         const auto fromMilliseconds = [](std::uint32_t count) { return std::int64_t{count} * (AV_TIME_BASE / 1000); };
         if (subtitle.pts == AV_NOPTS_VALUE) {
-            subtitle.pts = time == AV_NOPTS_VALUE ? m_begin + m_startTime : microseconds(time);
+            subtitle.pts = time == AV_NOPTS_VALUE ? m_begin + m_input.FilmStart() : microseconds(time);
         }
-        const std::int64_t base = subtitle.pts - m_startTime;
+        const std::int64_t base = subtitle.pts - m_input.FilmStart();
         const std::int64_t begin = base + fromMilliseconds(subtitle.start_display_time);
         // FFmpeg gives an event its packet's duration where it has none, and so makes nonsense of an unknown one.
         const bool isKnown = duration >= 0 && subtitle.end_display_time != UINT32_MAX;
         std::int64_t end = isKnown ? base + fromMilliseconds(subtitle.end_display_time) : begin;
         if (end <= begin) end = begin + endless;
-        if (end <= 0) return;  // over before the output begins
+        if (end <= 0 || begin >= m_input.FilmEnd()) return;  // over before the output begins, or behind its end
+        end = std::min(end, m_input.FilmEnd());
         for (unsigned i = 0; i < subtitle.num_rects; ++i) Encode(subtitle, *subtitle.rects[i], begin, end);
     }
 
@@ -117,8 +117,7 @@ private:
     SubtitleEncoder m_encoder;
     Muxer& m_muxer;
     int m_outputIndex;
-    std::int64_t m_startTime;  // of the input, which becomes 0; this and all below in AV_TIME_BASE units
-    std::int64_t m_begin = 0;  // of the last event
+    std::int64_t m_begin = 0;  // of the last event, in AV_TIME_BASE units as the next
     std::int64_t m_end = 0;
     long long m_events = 0;
 };

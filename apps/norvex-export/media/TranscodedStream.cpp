@@ -17,12 +17,11 @@ TranscodedStream::TranscodedStream(const Input& input, const AVStream& stream, E
       m_encoder(std::move(encoder)),
       m_muxer(muxer),
       m_outputIndex(muxer.AddStream(m_encoder.Context(), stream)),
-      m_startTime(av_rescale_q(input.StartTime(), av_get_time_base_q(), stream.time_base)),
       m_filtered(Own(av_frame_alloc())) {}
 
 void TranscodedStream::Take(const AVPacket& packet) {
     if (!WantsMore()) return;
-    m_decoder.Decode(&packet, [this](AVFrame& frame) { Filter(frame); });
+    m_decoder.Decode(&packet, [this](AVFrame& frame) { Place(frame); });
     // Nothing follows an attached picture that could push it out of a decoder which holds frames back.
     if (WantsMore() && IsSingle() && IsAttachedPicture(m_stream)) Drain();
     // Muxers hold the sound back until they have its cover.
@@ -33,28 +32,29 @@ void TranscodedStream::Finish() {
     if (!WantsMore()) return;
     Drain();
     RequireFrames();
-    if (WantsMore()) {
-        m_graph->Close(m_nextTime);
+    if (WantsMore() && HasGraph()) {
+        m_graph->Close(EndOnGraph(std::min(m_nextTime, m_input.FilmEnd())));
         EncodeFiltered();
     }
     Encode(nullptr);
 }
 
 void TranscodedStream::Drain() {
-    m_decoder.Decode(nullptr, [this](AVFrame& frame) { Filter(frame); });
+    m_decoder.Decode(nullptr, [this](AVFrame& frame) { Place(frame); });
 }
 
-void TranscodedStream::Filter(AVFrame& frame) {
+void TranscodedStream::Place(AVFrame& frame) {
     if (!WantsMore()) return;
-    if (frame.best_effort_timestamp == AV_NOPTS_VALUE) {
-        frame.pts = m_nextTime;
-    } else {
-        frame.pts = frame.best_effort_timestamp - m_startTime;
-    }
-    const std::int64_t end = frame.pts + DurationOf(frame);
+    const bool isTimed = frame.best_effort_timestamp != AV_NOPTS_VALUE;
+    const std::int64_t time = isTimed ? m_input.FilmTime(frame.best_effort_timestamp, m_stream) : m_nextTime;
+    m_nextTime = std::max(m_nextTime, time + DurationOf(frame));
+    TakeFrame(frame, time);
+}
+
+void TranscodedStream::Filter(AVFrame& frame, std::int64_t time) {
+    frame.pts = time;
     Owned<AVBufferSrcParameters> source = Describe(frame);
-    if (!HasGraph() || !IsSame(*m_source, *source)) ChangeGraph(std::move(source), frame.pts);
-    m_nextTime = std::max(m_nextTime, end);
+    if (!HasGraph() || !IsSame(*m_source, *source)) ChangeGraph(std::move(source), time);
     m_graph->Push(frame);
     EncodeFiltered();
 }
@@ -69,7 +69,7 @@ void TranscodedStream::ChangeGraph(Owned<AVBufferSrcParameters> source, std::int
 }
 
 void TranscodedStream::EncodeFiltered() {
-    while (m_graph->Pull(*m_filtered)) {
+    while (WantsMore() && m_graph->Pull(*m_filtered)) {
         m_filtered->pts = av_rescale_q(m_filtered->pts, m_graph->TimeBase(), m_encoder.Context().time_base);
         if (Prepare(*m_filtered)) {
             m_nextPts = m_filtered->pts + EncodedDurationOf(*m_filtered);
@@ -80,15 +80,16 @@ void TranscodedStream::EncodeFiltered() {
 }
 
 void TranscodedStream::Encode(const AVFrame* frame) {
-    m_encoder.Encode(frame,
-                     [&](AVPacket& packet) { m_muxer.Write(packet, m_outputIndex, m_encoder.Context().time_base); });
+    m_encoder.Encode(
+        frame, [&](AVPacket& packet) { m_muxer.Write(packet, m_outputIndex, m_encoder.Context().time_base, m_begin); });
 }
 
 void TranscodedStream::RequireFrames() const {
     if (m_decoder.HasDecoded()) return;
     const std::string what = "nothing of the " + std::string(av_get_media_type_string(m_stream.codecpar->codec_type)) +
                              " stream of " + m_input.QuotedName() + " could be decoded";
-    throw StreamError(m_stream, what, m_decoder.LastError());
+    // A part of the input may lie where the stream pauses.
+    if (m_decoder.LastError() < 0 || !m_input.IsPart()) throw StreamError(m_stream, what, m_decoder.LastError());
 }
 
 }  // namespace NorvexExport::Media

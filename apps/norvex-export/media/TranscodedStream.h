@@ -20,11 +20,14 @@ public:
 
     void Take(const AVPacket& packet) override;
 
-    bool WantsMore() const override { return !(IsSingle() && m_nextPts > 0); }
+    bool WantsMore() const override { return !(IsSingle() && m_nextPts > 0) && !m_isOver; }
 
     void Finish() override;
 
-    double Seconds() const override { return static_cast<double>(m_nextPts) * av_q2d(m_encoder.Context().time_base); }
+    double Seconds() const override {
+        return static_cast<double>(m_nextPts) * av_q2d(m_encoder.Context().time_base) +
+               static_cast<double>(m_begin) / AV_TIME_BASE;
+    }
 
 protected:
     TranscodedStream(const Input& input, const AVStream& stream, Encoder encoder, Muxer& muxer);
@@ -38,24 +41,36 @@ protected:
     /// Where the next frame of the output belongs, in the time base of the encoder.
     std::int64_t NextPts() const { return m_nextPts; }
 
+    /// When in the film the first frame of the output is shown, in AV_TIME_BASE units as all times here.
+    std::int64_t BeganAt() const { return m_begin; }
+    void BeginAt(std::int64_t time) { m_begin = time; }
+    /// Says that the film is over.
+    void End() { m_isOver = true; }
+    /// Filters a frame which stands at that time on the line of the graph.
+    void Filter(AVFrame& frame, std::int64_t time);
+
     /// Whether the first frame is all that is wanted.
     virtual bool IsSingle() const = 0;
+    /// Filters a decoded frame, that is shown or heard at that time in the film.
+    virtual void TakeFrame(AVFrame& frame, std::int64_t time) = 0;
     /// What a decoded frame is, as the source of a graph takes it.
     virtual Owned<AVBufferSrcParameters> Describe(AVFrame& frame) const = 0;
     virtual std::unique_ptr<FilterGraph> MakeGraph(AVBufferSrcParameters& source) const = 0;
-    /// How long a decoded frame lasts, in the time base of the stream.
+    /// How long a decoded frame lasts.
     virtual std::int64_t DurationOf(const AVFrame& frame) const = 0;
     /// The same of a frame for the encoder, in its time base.
     virtual std::int64_t EncodedDurationOf(const AVFrame& frame) const = 0;
     /// Ends a graph whose source changes at `time`, so far as it can go on elsewhere.
     virtual void EndGraph(FilterGraph& graph, std::int64_t time) const = 0;
+    /// Until when on the graph's line its last frame lasts, where the film has it last until `time`.
+    virtual std::int64_t EndOnGraph(std::int64_t time) const = 0;
     /// Makes a filtered frame ready for the encoder. False where it must be left out.
     virtual bool Prepare(AVFrame& frame) = 0;
 
 private:
     void Drain();
 
-    void Filter(AVFrame& frame);
+    void Place(AVFrame& frame);
 
     /// Size, shape or format may change within one stream.
     void ChangeGraph(Owned<AVBufferSrcParameters> source, std::int64_t time);
@@ -72,12 +87,13 @@ private:
     Encoder m_encoder;
     Muxer& m_muxer;
     int m_outputIndex;
-    std::int64_t m_startTime;               // of the input, which becomes 0; in the time base of the stream
     Owned<AVBufferSrcParameters> m_source;  // what m_graph was made for
     std::unique_ptr<FilterGraph> m_graph;   // null before the first frame
     Owned<AVFrame> m_filtered;
-    std::int64_t m_nextTime = 0;  // end of the frames decoded so far, in the time base of the stream
+    std::int64_t m_nextTime = 0;  // end of the frames decoded so far, in the film
+    std::int64_t m_begin = 0;
     std::int64_t m_nextPts = 0;
+    bool m_isOver = false;
 };
 
 }  // namespace NorvexExport::Media

@@ -1,12 +1,11 @@
 #include "Pictures.h"
 
-#include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 #include "Containers.h"
 #include "Copies.h"
 #include "Presets.h"
+#include "Sizes.h"
 #include "Words.h"
 #include "norvex-export/Formats.h"
 #include "norvex-export/Jobs.h"
@@ -21,98 +20,12 @@ using Core::Property;
 using C = IFormatCodec;
 using P = IPreset;
 using V = IFormatCodecVideo;
-using Proc::IResize;
 
 namespace {
 
 Property FrameRateSection(const Request& request) {
     return WithChoices(Proc::IFilterFrameRate::MakeSettings(Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE),
                        request);
-}
-
-void UseSize(Property& section, long long width, long long height) {
-    Property& resize = section[IResize::CLASS_ID];
-    resize.SetChildT(IResize::FRAME_SIZE_MODE, IResize::FRAME_SIZE_CUSTOM);
-    resize.SetChildT(V::TAG_WIDTH, width);
-    resize.SetChildT(V::TAG_HEIGHT, height);
-}
-
-/// The frame sizes that a codec's rules offer for what is asked of it; empty where any will do.
-std::vector<std::pair<long long, long long>> SizesOf(const IDataHelper& codec, const Request& request) {
-    const Property preset = AssemblePreset({WithChoices(codec.GetDefaults(), request)});
-    RuleList rules;
-    codec.GetValidationRules(rules);
-    const std::string sizePath = Path({Proc::IFilterResize::CLASS_ID, IResize::CLASS_ID, IResize::FRAME_SIZE_MODE});
-    std::vector<std::pair<long long, long long>> sizes;
-    for (const auto& [key, rule] : rules) {
-        if (rule->GetSecondPath() != sizePath || !preset.ChildExists(rule->GetFirstPath()) ||
-            !rule->GetFirstConstraint()->IsValid(preset[rule->GetFirstPath()])) {
-            continue;
-        }
-        for (const Property& size : WhatIsAllowed(*rule->GetSecondConstraint()).values) {
-            sizes.emplace_back(size[V::TAG_WIDTH].GetInt64(), size[V::TAG_HEIGHT].GetInt64());
-        }
-    }
-    return sizes;
-}
-
-/// Of the sizes, the one whose encoder takes a frame rate near the source's, and of those the nearest in area.
-std::pair<long long, long long> NearestSize(const std::vector<std::pair<long long, long long>>& sizes,
-                                            const std::string& codecId, const VideoSource& source) {
-    const auto distance = [&](const std::pair<long long, long long>& size) {
-        const EncoderForm* const form = FormOf(codecId, size.first, size.second);
-        const double ofRate = form == nullptr ? 0.0
-                                              : std::abs(boost::rational_cast<double>(form->frameRate) -
-                                                         boost::rational_cast<double>(ToRatio(source.frameRate)));
-        const long long area = 1LL * source.width * source.height;
-        return std::pair(ofRate, std::llabs(size.first * size.second - area));
-    };
-    return *std::min_element(sizes.begin(), sizes.end(),
-                             [&](const auto& one, const auto& two) { return distance(one) < distance(two); });
-}
-
-void RequireLegal(const Property& section, const Request& request) {
-    const NamedHelper helper = FindHelper(section.GetName(), std::string());
-    for (const Finding& finding : CheckPreset(AssemblePreset({section}), {helper})) {
-        const Choice* const choice = request.Find(finding.path);
-        throw RequestError((choice != nullptr ? choice->option : finding.path) + ": '" +
-                           Core::PropertyValueToString(section[finding.path.substr(section.GetName().size() + 1)]) +
-                           "' is not legal here; allowed: " + finding.allowed.words);
-    }
-}
-
-Property ResizeSection(Draft& draft, const Request& request, const NamedHelper& codec, const VideoSource& source) {
-    Property section = CreateDataHelper(Proc::IFilterResize::CLASS_ID, std::string())->GetDefaults();
-    Property& resize = section[IResize::CLASS_ID];
-    resize.SetChildT(IResize::FRAME_SIZE_MODE, IResize::FRAME_SIZE_ORIGINAL);
-    section = WithChoices(std::move(section), request);
-    const bool isChosen = request.Asks(Proc::IFilterResize::CLASS_ID);
-    const auto sizes = SizesOf(*codec.helper, request);
-    if (!sizes.empty()) {
-        const Property& chosen = section[IResize::CLASS_ID];
-        const auto size = std::pair(chosen[V::TAG_WIDTH].GetInt64(), chosen[V::TAG_HEIGHT].GetInt64());
-        if (!isChosen) {
-            const auto nearest = NearestSize(sizes, codec.id, source);
-            UseSize(section, nearest.first, nearest.second);
-            draft.Note("'" + codec.id + "' has its own frame sizes; the picture is brought to " +
-                       SizeText(nearest.first, nearest.second) + ".");
-        } else if (std::find(sizes.begin(), sizes.end(), size) == sizes.end()) {
-            std::vector<std::string> names;
-            names.reserve(sizes.size());
-            for (const auto& [width, height] : sizes) names.push_back(SizeText(width, height));
-            throw RequestError("--size: '" + SizeText(size.first, size.second) +
-                               "' is not legal here; allowed: one of " + Join(names));
-        }
-    } else if (const auto [width, height] = FittingSize(codec.id, source.width, source.height);
-               !isChosen && (width != source.width || height != source.height)) {
-        UseSize(section, width, height);
-        Property& even = section[IResize::CLASS_ID];
-        even.SetChildT(IResize::MODE, IResize::MODE_STRETCH);
-        even.SetChildT(V::TAG_ASPECTX, source.sampleAspect.numerator);
-        even.SetChildT(V::TAG_ASPECTY, source.sampleAspect.denominator);
-    }
-    RequireLegal(section, request);
-    return section;
 }
 
 Property VideoStreamOf(const VideoSource& source, const std::string& codecId) {
@@ -134,6 +47,38 @@ VideoSource Upright(VideoSource source) {
     return source;
 }
 
+void TellLosses(Draft& draft, const VideoJob& job, const VideoSource& source) {
+    const PixelFormat format = ChoosePixelFormat(job, source.pixelFormat);
+    if (format.losses.empty()) return;
+    draft.Note("The picture of stream " + std::to_string(source.streamIndex) + " loses " +
+               Join(format.losses, " and ") + ": '" + job.codecId + "' has it as " + format.name + " here.");
+}
+
+/// Whether a stream of these settings can be coded field by field.
+bool CodesFields(const Property& settled) {
+    const std::string& codec = settled[C::TAG_CODEC_ID].GetString();
+    const std::string profile = Path({C::TAG_CODEC_OPTIONS_ENCODE, C::TAG_PROFILE});
+    // The baseline of H.264 has no fields (ITU-T H.264, A.2.1).
+    const bool isBaseline = codec == V::CODEC_ID_H264 && settled.ChildExists(profile) &&
+                            settled[profile].GetString() == V::TAG_X264_PROFILE_BASELINE;
+    return HoldsFields(codec) && !isBaseline;
+}
+
+/// Interlaced pictures stay so where the codec can and their lines stay where they are, and are made whole elsewhere.
+void PlanFields(Draft& draft, const Property& settled, const VideoSource& source, VideoJob& job) {
+    const Deinterlacing wish = draft.plan.request.deinterlacing;
+    const std::string name = "The picture of stream " + std::to_string(source.streamIndex);
+    if (wish == Deinterlacing::On) job.fields = Fields::Deinterlace;
+    if (!source.isInterlaced || wish == Deinterlacing::Off) return;
+    const bool isMoved = job.width != source.width || job.height != source.height || !source.orientation.IsUpright() ||
+                         ToRatio(job.frameRate) != ToRatio(source.frameRate) || job.isStill || job.isCover;
+    if (wish == Deinterlacing::Auto) {
+        job.fields = !isMoved && CodesFields(settled) ? Fields::Keep : Fields::Deinterlace;
+    }
+    draft.Note(name + (job.fields == Fields::Keep ? " is interlaced, and stays so."
+                                                  : " is interlaced, and its fields are made into whole pictures."));
+}
+
 /// A picture, or a cover by the rule book, that does not go over as it is.
 void EncodePicture(Draft& draft, const VideoSource& stored, const Request& own, bool isCover) {
     const std::string& kind = P::KEY_FILTER_VIDEO_CODEC;
@@ -146,7 +91,7 @@ void EncodePicture(Draft& draft, const VideoSource& stored, const Request& own, 
     const NamedHelper codec = FindCodec(draft.format, kind, P::STREAM_TYPE_VIDEO, CodecOf(own, stream, kind));
     const Property resize = ResizeSection(draft, own, codec, source);
     Property frameRate = FrameRateSection(own);
-    const Property& size = resize[IResize::CLASS_ID];
+    const Property& size = resize[Proc::IResize::CLASS_ID];
     const EncoderForm* const form = FormOf(codec.id, size[V::TAG_WIDTH].GetInt64(), size[V::TAG_HEIGHT].GetInt64());
     if (form != nullptr && !own.Asks(Proc::IFilterFrameRate::CLASS_ID)) {
         frameRate.SetChildT(V::TAG_FPS, form->frameRate);
@@ -162,7 +107,9 @@ void EncodePicture(Draft& draft, const VideoSource& stored, const Request& own, 
     VideoJob job = MakeVideoJob(settled.settled, source, resize);
     job.isCover = isCover;
     job.isStill = IsStill(draft.plan.formatId);
-    if (form != nullptr) job.pixelFormat = form->pixelFormat;
+    if (form != nullptr) job.pixelFormats = {form->pixelFormat};
+    TellLosses(draft, job, stored);
+    PlanFields(draft, settled.settled, stored, job);
     draft.plan.job.video.push_back(std::move(job));
     draft.Add(std::move(settled), stored);
 }

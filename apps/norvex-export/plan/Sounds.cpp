@@ -1,6 +1,7 @@
 #include "Sounds.h"
 
 #include <algorithm>
+#include <string>
 
 #include "Containers.h"
 #include "Copies.h"
@@ -59,6 +60,24 @@ bool HasSampleFormatRule(const IDataHelper& codec) {
                        [&path](const auto& rule) { return rule.second->GetSecondPath() == path; });
 }
 
+/// AAC has numbers for the layouts that its standard knows (ISO/IEC 14496-3, table 1.19), whose surround channels
+/// FFmpeg calls back ones. For side ones its encoder writes an element of its own, which many decoders refuse.
+void UseStandardLayout(Draft& draft, const AudioSource& source, AudioJob& job) {
+    const LayoutRecord* const usual = LayoutRecord::FindDefault(LayoutRecord::Find(job.layout).channels);
+    if (job.codecId != "aac" || usual == nullptr || *usual->name == job.layout) return;
+    const std::string& standard = *usual->name;
+    draft.Note("The sound of stream " + std::to_string(source.streamIndex) + " is written as '" + standard +
+               "', the layout of AAC that players know, rather than as '" + job.layout + "'.");
+    job.layout = standard;
+}
+
+void TellDownMix(Draft& draft, const AudioSource& source, const AudioJob& job) {
+    const int channels = LayoutRecord::Find(job.layout).channels;
+    if (source.channels <= channels) return;
+    draft.Note("The " + std::to_string(source.channels) + " channels of stream " + std::to_string(source.streamIndex) +
+               " are mixed down to '" + job.layout + "' by FFmpeg's matrix, as loud as can be without clipping.");
+}
+
 }  // namespace
 
 void PlanSound(Draft& draft, const AudioSource& source) {
@@ -85,6 +104,8 @@ void PlanSound(Draft& draft, const AudioSource& source) {
         draft.Note("'" + codec.id + "' stores " + std::to_string(stored) + " of the " + std::to_string(counted) +
                    " bits that its encoder takes and the bitrate counts.");
     }
+    TellDownMix(draft, source, job);
+    UseStandardLayout(draft, source, job);
     draft.plan.job.audio.push_back(std::move(job));
     draft.Add(std::move(settled), source);
 }
