@@ -31,20 +31,12 @@ InputInfo Film() {
     input.duration = 5;
     VideoSource& video = input.video.emplace_back();
     video.isMain = video.isDecodable = true;
-    video.streamIndex = 0;
-    video.codecId = "mpeg4";
-    video.width = 640;
-    video.height = 480;
-    video.sampleAspect = {1, 1};
-    video.frameRate = {30000, 1001};
+    video.streamIndex = 0, video.codecId = "mpeg4", video.width = 640, video.height = 480;
+    video.sampleAspect = {1, 1}, video.frameRate = {30000, 1001};
     AudioSource& audio = input.audio.emplace_back();
     audio.isMain = audio.isDecodable = true;
-    audio.streamIndex = 1;
-    audio.codecId = "pcm_s16le";
-    audio.sampleRate = 48000;
-    audio.channels = 2;
-    audio.layout = "stereo";
-    audio.sampleFormat = "s16";
+    audio.streamIndex = 1, audio.codecId = "pcm_s16le", audio.sampleRate = 48000, audio.channels = 2;
+    audio.layout = "stereo", audio.sampleFormat = "s16";
     return input;
 }
 
@@ -84,20 +76,16 @@ protected:
 };
 
 TEST_F(PlanTest, KeepsTheSourcesSizeAndRatesWhereNothingIsAsked) {
-    const Plan plan = MakePlan(ToMp4(), Film());
-    ASSERT_TRUE(plan.job.video.size() == 1 && plan.job.audio.size() == 1);
-    EXPECT_EQ(plan.job.muxer, "mp4");
-    EXPECT_TRUE(plan.job.globalHeader);
-    EXPECT_EQ(plan.job.video.at(0).codecId, V::CODEC_ID_H264);
-    EXPECT_EQ(plan.job.video.at(0).width, 640);
-    EXPECT_EQ(plan.job.video.at(0).height, 480);
-    EXPECT_EQ(plan.job.video.at(0).frameRate.numerator, 30000);
-    EXPECT_EQ(plan.job.video.at(0).frameRate.denominator, 1001);
-    EXPECT_EQ(plan.job.video.at(0).rateControl, RateControl::Quality);
-    EXPECT_EQ(plan.job.video.at(0).quality, 14);
-    EXPECT_EQ(plan.job.audio.at(0).codecId, A::CODEC_ID_AAC);
-    EXPECT_EQ(plan.job.audio.at(0).sampleRate, 48000);
-    EXPECT_EQ(plan.job.audio.at(0).layout, "stereo");
+    const ExportJob job = MakePlan(ToMp4(), Film()).job;
+    ASSERT_TRUE(job.video.size() == 1 && job.audio.size() == 1);
+    EXPECT_TRUE(job.globalHeader);
+    const VideoJob& video = job.video[0];
+    std::ostringstream text;
+    text << job.muxer << ' ' << video.codecId << ' ' << video.width << 'x' << video.height << ' '
+         << video.frameRate.numerator << '/' << video.frameRate.denominator << ' ' << video.quality << ' '
+         << job.audio[0].codecId << ' ' << job.audio[0].sampleRate << ' ' << job.audio[0].layout;
+    EXPECT_EQ(text.str(), "mp4 h264 640x480 30000/1001 14 aac 48000 stereo");
+    EXPECT_EQ(video.rateControl, RateControl::Quality);
 }
 
 TEST_F(PlanTest, TellsWhatWasBrokenAndWhoMendedIt) {

@@ -1,18 +1,12 @@
 #include "norvex/document/PresetDocument.h"
-
-#include <gmock/gmock.h>
+#include "support/TestHelpers.h"
 
 #include <sstream>
-
-#include "norvex/Norvex.h"
-#include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
 using namespace Norvex::Document;
 using namespace NorvexTest;
-using namespace Norvex::Conf;
 using Norvex::Core::Property;
 
 void ExpectRoundTrip(const Property& tree) {
