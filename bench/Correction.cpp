@@ -3,8 +3,12 @@
 #include <cmath>
 #include <stdexcept>
 
+#ifdef NORVEX_HAS_GSTREAMER
+#include "Peer.h"
+#endif
 #include "Row.h"
 #include "Streams.h"
+#include "Whole.h"
 #include "norvex/Conf/DataHelpers/AudioCodecs/VorbisCombinations.h"
 
 namespace NorvexBench {
@@ -249,6 +253,18 @@ std::vector<Row> CorrectionRows() {
     floor.bound = 1.5;
     floor.baseline = BuildFloor;
     rows.push_back(floor);
+    for (const Asked& asked : AskedOperations()) {
+        rows.push_back({asked.id, asked.what, "the time that is wanted", 1.0, asked.operation,
+                        Measurement([bound = asked.bound] { return bound; })});
+    }
+#ifdef NORVEX_HAS_GSTREAMER
+    Row peer = AgainstOpening(FindCase("aac"));
+    peer.id = "peer.aac";
+    peer.against = "GStreamer: intersect caps, fixate";
+    peer.bound = 1.0;
+    peer.baseline = IntersectAndFixate();
+    rows.push_back(peer);
+#endif
     rows.push_back(AgainstTrying(FindCase("pcm_s16le")));
     rows.push_back(VorbisSearch());
     rows.push_back(FrameRateRefusal());

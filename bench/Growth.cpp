@@ -2,6 +2,7 @@
 
 #include "Row.h"
 #include "Streams.h"
+#include "Whole.h"
 
 namespace NorvexBench {
 
@@ -126,7 +127,9 @@ std::vector<Counted> CountedOperations() {
     Core::Property tree("preset");
     tree.SetChild(IPreset::KEY_FILTER_VIDEO_CODEC).SetChildT(IFormatCodec::TAG_CODEC_ID, "mpeg1video");
     tree.SetChild(Proc::IFilterFrameRate::CLASS_ID).SetChildT(IFormatCodecVideo::TAG_FPS, Core::Ratio(17, 1));
-    return {
+    std::vector<Counted> all;
+    for (const Asked& asked : AskedOperations()) all.push_back({asked.what, asked.operation});
+    const std::vector<Counted> others = {
         {"correct one stream, aac", Correct("aac")},
         {"correct one stream, mp3", Correct("mp3")},
         {"correct one stream, ac3", Correct("ac3")},
@@ -153,6 +156,8 @@ std::vector<Counted> CountedOperations() {
              OpenEncoder(audio, audio.legalRate, audio.legalFormat);
          }},
     };
+    all.insert(all.end(), others.begin(), others.end());
+    return all;
 }
 
 }  // namespace NorvexBench

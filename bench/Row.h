@@ -46,6 +46,7 @@ std::vector<Row> FittingRows();
 std::vector<Row> BuildingRows();
 std::vector<Row> LoadingRows();
 std::vector<Row> ThreadRows();
+std::vector<Row> PythonRows();
 std::vector<Cost> GrowthCosts();
 std::vector<Counted> CountedOperations();
 

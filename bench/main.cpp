@@ -22,6 +22,7 @@ extern "C" {
 
 #include "Allocations.h"
 #include "Row.h"
+#include "Whole.h"
 
 namespace {
 
@@ -145,6 +146,9 @@ Json AllocationTable() {
         fmt::print("{:<50} {:>20}\n", counted.what, allocations);
         table[counted.what] = allocations;
     }
+    const long long references = CountReferences();
+    fmt::print("\n{:<50} {:>20}\n", "reference counts touched by two thousand streams and presets", references);
+    table["references touched"] = references;
     return table;
 }
 
@@ -168,7 +172,7 @@ int Run(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
 
     std::vector<Row> rows;
-    for (const auto& theme : {CorrectionRows, FittingRows, BuildingRows, LoadingRows, ThreadRows}) {
+    for (const auto& theme : {LoadingRows, CorrectionRows, FittingRows, BuildingRows, ThreadRows, PythonRows}) {
         const std::vector<Row> more = theme();
         rows.insert(rows.end(), more.begin(), more.end());
     }

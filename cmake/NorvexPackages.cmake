@@ -35,6 +35,17 @@ set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_PROGRAMS_DESCRIPTION "${PROJECT_DESCRIPTION}: programs")
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS
     "${library} (= ${PROJECT_VERSION}), ${document} (= ${PROJECT_VERSION})")
+if(NORVEX_BUILD_PYTHON)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-norvex)
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+    set(CPACK_DEBIAN_PYTHON_DESCRIPTION "${PROJECT_DESCRIPTION}: Python package")
+    # The module is of one Python, as Debian has one at a time.
+    string(REPLACE "3." "" minor ${NORVEX_PYTHON_VERSION})
+    math(EXPR next "${minor} + 1")
+    set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${library} (= ${PROJECT_VERSION}), ${document} (= ${PROJECT_VERSION}), \
+python3 (>= 3.${minor}), python3 (<< 3.${next})")
+endif()
 
 # Each package carries the word on its licence, where Debian's packages have it; the pages go with what is built with.
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)

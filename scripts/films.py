@@ -11,7 +11,7 @@ import sys
 
 PICTURE = ["-f", "lavfi", "-i", "testsrc=s=320x180:r=25:d=2"]
 SOUND = ["-f", "lavfi", "-i", "sine=r=48000:d=2"]
-FAST = ["-c:v", "libx264", "-preset", "ultrafast", "-c:a", "aac"]
+FAST = ["-pix_fmt", "yuv420p", "-c:v", "libx264", "-preset", "ultrafast", "-c:a", "aac"]
 
 
 def run(*command, cwd=None):
@@ -45,18 +45,19 @@ FILMS = [
      ["o.mp4", "o.mkv", "o.mov", "o.webm", "o.ts", "o.avi", "o.mp3", "o.mkv --copy"]),
     ("on its side.mp4", [*PICTURE, *FAST], ["o.mp4", "o.mkv", "o.mov --copy", "o.png"]),
     ("two programmes.ts",
-     [*PICTURE, *PICTURE, *SOUND, "-map", 0, "-map", 1, "-map", 2, "-c:v", "mpeg2video", "-c:a", "mp2",
+     [*PICTURE, *PICTURE, *SOUND, "-map", 0, "-map", 1, "-map", 2, "-pix_fmt", "yuv420p", "-c:v", "mpeg2video", "-c:a", "mp2",
       "-program", "title=One:st=0:st=2", "-program", "title=Two:st=1"], ["o.mkv", "o.mp4 --streams video,audio"]),
     ("late sound.mkv", [*PICTURE, "-itsoffset", "0.5", *SOUND, "-map", 0, "-map", 1, *FAST],
      ["o.mp4", "o.mkv", "o.mkv --copy"]),
-    ("from ten seconds.ts", [*PICTURE, *SOUND, "-output_ts_offset", 10, "-c:v", "mpeg2video", "-c:a", "mp2"],
+    ("from ten seconds.ts", [*PICTURE, *SOUND, "-output_ts_offset", 10, "-pix_fmt", "yuv420p", "-c:v", "mpeg2video", "-c:a", "mp2"],
      ["o.mp4", "o.mkv"]),
     ("HDR.mkv", [*PICTURE, "-pix_fmt", "yuv420p10le", "-c:v", "libx265", "-x265-params",
                  "log-level=none:colorprim=bt2020:transfer=smpte2084:colormatrix=bt2020nc:max-cll=1000,400:"
                  "master-display=G(13250,34500)B(7500,3000)R(34000,16000)WP(15635,16450)L(10000000,1)"],
      ["o.mp4 --video hevc", "o.mp4", "o.mov --video prores", "o.mkv --copy"]),
     ("full range.mkv", [*PICTURE, "-pix_fmt", "yuvj420p", "-c:v", "mjpeg"], ["o.mp4", "o.jpg"]),
-    ("ten bits of 4-2-2.mov", [*PICTURE, "-c:v", "prores_ks"], ["o.mp4", "o.mov --video prores", "o.mkv --video ffv1"]),
+    ("ten bits of 4-2-2.mov", [*PICTURE, "-pix_fmt", "yuv422p10le", "-c:v", "prores_ks"],
+     ["o.mp4", "o.mov --video prores", "o.mkv --video ffv1"]),
     ("alpha.mov", [*PICTURE, "-vf", "format=yuva444p10le", "-c:v", "prores_ks", "-profile:v", "4444"],
      ["o.mp4", "o.mov --video prores", "o.webm", "o.png", "o.webp"]),
     ("animation.gif", PICTURE, ["o.mp4", "o.webm", "o.mov --video prores"]),
@@ -64,7 +65,7 @@ FILMS = [
     ("RGB.mkv", [*PICTURE, "-pix_fmt", "gbrp", "-c:v", "ffv1"],
      ["o.mp4", "o.mov --video prores", "o.webm", "o.jpg", "o.png"]),
     ("red of 720 lines.png", ["-f", "lavfi", "-i", "color=red:s=1280x720", "-frames:v", 1], ["o.jpg", "o.mp4"]),
-    ("interlaced.ts", [*PICTURE, "-vf", "tinterlace=interleave_top,fieldorder=tff", "-c:v", "mpeg2video", "-flags",
+    ("interlaced.ts", [*PICTURE, "-vf", "tinterlace=interleave_top,fieldorder=tff", "-pix_fmt", "yuv420p", "-c:v", "mpeg2video", "-flags",
                        "+ildct+ilme"], ["o.ts", "o.mp4", "o.webm"]),
     ("anamorphic.mkv", ["-f", "lavfi", "-i", "testsrc=s=720x576:d=1", "-vf", "setsar=64/45", *FAST],
      ["o.mp4", "o.flv", "o.avi"]),

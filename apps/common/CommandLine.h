@@ -46,8 +46,8 @@ inline std::string ComplaintAbout(const CLI::App& app, const std::vector<std::st
 }
 
 /// Prints what a parse came to: help, with the examples behind that of the whole program, or a complaint. (A footer of
-/// CLI11's would lose its lines: later versions wrap it.) Returns the exit status: CLI11's own are many; a wrong command
-/// line is 2, as with other programs.
+/// CLI11's would lose its lines: later versions wrap it.) Returns the exit status: CLI11's own are many; a wrong
+/// command line is 2, as with other programs.
 inline int ExitStatus(const CLI::App& app, const CLI::ParseError& error, const char* examples) {
     if (error.get_exit_code() == 0) {
         const int status = app.exit(error);

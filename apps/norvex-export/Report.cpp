@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "Summary.h"
 #include "Terminal.h"
 #include "norvex/Norvex.h"
 #include "norvex/document/TreeForm.h"
@@ -261,7 +262,11 @@ std::string PlanText(const Plan& plan, bool colours) {
     std::string text =
         fmt::format("{}{}{} -> {}{}{}  {}{}, {:.2f} s{}\n", style.bold, plan.request.input, style.reset, style.bold,
                     plan.request.output, style.reset, style.dim, plan.formatId, plan.input.duration, style.reset);
-    for (const StreamPlan& stream : plan.streams) text += StreamText(stream, plan.request.explain, style);
+    if (plan.request.verbose || plan.request.explain) {
+        for (const StreamPlan& stream : plan.streams) text += StreamText(stream, plan.request.explain, style);
+    } else {
+        text += SummaryText(plan);
+    }
     for (const std::string& note : plan.notes) text += "\n" + note + "\n";
     if (!plan.request.savePresetFile.empty()) text += "\nSaved the preset to " + plan.request.savePresetFile + ".\n";
     if (plan.request.dryRun) text += "\nNothing was encoded: this was a dry run.\n";

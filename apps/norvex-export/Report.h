@@ -9,7 +9,7 @@
 
 namespace NorvexExport {
 
-/// The plan as tables for a person. Colours are for terminals.
+/// The plan for a person: what it comes to, or as tables where that was asked for. Colours are for terminals.
 std::string PlanText(const Plan& plan, bool colours);
 
 /// The plan, and what came of it where it was carried out, as one JSON document. Trees keep their order and types;

@@ -201,14 +201,14 @@ StreamChoice ParseStreams(const std::string& text) {
     if (kind != std::end(g_kinds)) choice.kind = kind->second;
     const bool isAlone = colon == std::string::npos;
     const std::string rest = choice.kind ? (isAlone ? "" : text.substr(colon + 1)) : text;
-    const auto number = choice.kind ? std::nullopt : NorvexApps::ParseInteger(rest);
+    const long long number = choice.kind ? -1 : NorvexApps::ParseInteger(rest).value_or(-1);
     // Languages as containers give them: two or three letters, and perhaps a region behind a hyphen.
     const std::size_t letters = std::min(rest.find('-'), rest.size());
     const bool isLanguage = letters >= 2 && letters <= 3 && std::all_of(rest.begin(), rest.end(), [](unsigned char c) {
                                 return std::isalnum(c) != 0 || c == '-';
                             });
-    if (number && *number >= 0 && *number < std::numeric_limits<int>::max()) {
-        choice.stream = static_cast<int>(*number);
+    if (number >= 0 && number < std::numeric_limits<int>::max()) {
+        choice.stream = static_cast<int>(number);
     } else if (isLanguage) {
         choice.language = boost::algorithm::to_lower_copy(rest);
     } else if (!choice.kind || !isAlone) {
@@ -263,7 +263,8 @@ std::vector<Option> GeneralOptions() {
         {"--save-preset", "FILE", "Write what was settled on to this file", File(&Request::savePresetFile)},
         {"--classic", nullptr, "Know the classic codecs and containers alone", Flag(&Request::classic)},
         {"--dry-run", nullptr, "Show what would be encoded, and encode nothing", Flag(&Request::dryRun)},
-        {"--explain", nullptr, "Show each rule and constraint that was looked at", Flag(&Request::explain)},
+        {"--verbose", nullptr, "Show each value that was asked and settled on", Flag(&Request::verbose)},
+        {"--explain", nullptr, "The same, with each rule and constraint that was looked at", Flag(&Request::explain)},
         {"--json", nullptr, "Print for programs", Flag(&Request::json)},
         {"--quiet", nullptr, "Print nothing but errors", Flag(&Request::quiet)},
     };

@@ -62,6 +62,7 @@ struct Request {
 
     bool classic = false;  ///< leave out the second set of helpers
     bool dryRun = false;
+    bool verbose = false;
     bool explain = false;
     bool json = false;
     bool quiet = false;

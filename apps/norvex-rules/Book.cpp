@@ -7,6 +7,7 @@ extern "C" {
 #include <map>
 #include <set>
 
+#include "Judging.h"
 #include "common/OtherNames.h"
 #include "norvex/Norvex.h"
 #include "norvex/document/TreeForm.h"
@@ -25,30 +26,6 @@ using F = IFormatFile;
 using C = IFormatCodec;
 using S = IFormatCodecSubtitle;
 
-Value AllowedJson(const IPropertyConstraint& constraint) {
-    const Allowed allowed = WhatIsAllowed(constraint);
-    Value json = {{"words", allowed.words}};
-    if (!allowed.values.empty()) {
-        for (const Property& value : allowed.values) {
-            json["values"].Append({{"name", value.GetName()}, {"value", PlainFormOf(value)}});
-        }
-    }
-    if (allowed.min) json["min"] = PlainFormOf(*allowed.min);
-    if (allowed.max) json["max"] = PlainFormOf(*allowed.max);
-    if (allowed.step) json["step"] = PlainFormOf(*allowed.step);
-    return json;
-}
-
-Value RuleJson(const IValidationRule& rule) {
-    Value json = {{"path", DocumentPathOf(rule.GetSecondPath())},
-                  {"allowed", AllowedJson(*rule.GetSecondConstraint())},
-                  {"when", Value()}};
-    if (const auto condition = rule.GetFirstConstraint()) {
-        json["when"] = {{"path", DocumentPathOf(rule.GetFirstPath())}, {"allowed", AllowedJson(*condition)}};
-    }
-    return json;
-}
-
 /// What people call the ids of a kind.
 class OtherNames {
 public:
@@ -64,18 +41,13 @@ private:
 };
 
 /// What every helper has.
-Value HelperJson(const std::string& id, const IDataHelper& helper, const OtherNames& names) {
-    Value json = {{"id", id}, {"otherNames", names.Of(id)}, {"defaults", PlainFormOf(helper.GetDefaults())}};
-    ConstraintMap constraints;
-    helper.GetConstraints(constraints);
-    json["constraints"] = Value::List();
-    for (const auto& [path, constraint] : constraints) {
-        json["constraints"].Append({{"path", path}, {"allowed", AllowedJson(*constraint)}});
-    }
-    RuleList rules;
-    helper.GetValidationRules(rules);
-    json["rules"] = Value::List();
-    for (const auto& [key, rule] : rules) json["rules"].Append(RuleJson(*rule));
+Value HelperJson(const std::string& kind, const std::string& id, const std::string& name, const IDataHelper& helper,
+                 const OtherNames& names) {
+    Value json = {
+        {"id", id}, {"name", name}, {"otherNames", names.Of(id)}, {"defaults", PlainFormOf(helper.GetDefaults())}};
+    json["parameters"] = ParametersJson(kind, id);
+    json["constraints"] = ConstraintsJson(kind, helper);
+    json["rules"] = RulesJson(kind, helper);
     ObjectList objects;
     helper.GetRequiredObjects(objects);
     json["requires"] = Value::List();
@@ -99,7 +71,9 @@ Value CarriedJson(const IDataHelper& format, const std::string& streamType, cons
 }
 
 Value FormatJson(const std::string& id, const IDataHelper& format, const OtherNames& names) {
-    Value json = HelperJson(id, format, names);
+    Value json = HelperJson(P::KEY_FORMAT, id, NameForPeople(P::KEY_FORMAT, id), format, names);
+    const std::vector<std::string> extensions = FileExtensions(id);
+    json["extensions"] = Value::List(extensions.begin(), extensions.end());
     json["globalHeader"] = FormatHasGlobalHeader(id);
     json["limits"] = Value(json["defaults"][F::TAG_LIMITS]);
     json["video"] = CarriedJson(format, P::STREAM_TYPE_VIDEO, P::KEY_FILTER_VIDEO_CODEC);
@@ -109,17 +83,41 @@ Value FormatJson(const std::string& id, const IDataHelper& format, const OtherNa
 }
 
 Value EncoderJson(const std::string& id) {
-    const Proc::SafeEncoderCodec encoder = Proc::FindEncoder(id, Proc::ImplNames::FFMPEG);
+    const Proc::SafeEncoderCodec encoder = EncoderOf(id);
     return encoder ? Value(encoder->name) : Value();
+}
+
+/// What the encoder declares and FFmpeg says of the codec, or null where there is no encoder.
+Value FactsJson(const std::string& id) {
+    const Proc::SafeEncoderCodec encoder = EncoderOf(id);
+    if (!encoder) return {};
+    const Proc::EncoderFacts facts = Proc::FactsOf(encoder);
+    Value formats = Value::Object();
+    for (const Proc::PixelFormatFacts& format : facts.pixelFormats) {
+        formats[format.name] = {
+            {"bits", format.bits}, {"sampling", format.sampling}, {"alpha", format.alpha}, {"float", format.isFloat}};
+    }
+    Value::List threads;
+    if (facts.threadsFrames) threads.push_back("frames");
+    if (facts.threadsSlices) threads.push_back("slices");
+    if (facts.threadsItself) threads.push_back("own");
+    return {{"pixelFormats", formats},
+            {"hardware", facts.isHardware},
+            {"threads", threads},
+            {"experimental", facts.isExperimental},
+            {"lossless", facts.isLossless},
+            {"lossy", facts.isLossy},
+            {"intraOnly", facts.isIntraOnly}};
 }
 
 Value CodecsJson(const std::string& kind, NorvexApps::Named named) {
     const OtherNames names(named);
     Value::List list;
     for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
-        Value json = HelperJson(id, *helper, names);
+        Value json = HelperJson(kind, id, FullNameForPeople(kind, id), *helper, names);
         json["globalHeader"] = CodecHasGlobalHeader(id);
         json["encoder"] = EncoderJson(id);
+        json["facts"] = FactsJson(id);
         list.push_back(std::move(json));
     }
     return list;
@@ -136,16 +134,22 @@ Value SubtitleCodecsJson(const Value& formats) {
     const OtherNames names(NorvexApps::Named::SubtitleCodec);
     Value::List list;
     for (const std::string& id : ids) {
-        // Encoders go by the later name where FFmpeg has two.
-        const std::string& later = id == S::CODEC_ID_SRT   ? S::CODEC_ID_SUBRIP
-                                   : id == S::CODEC_ID_SSA ? S::CODEC_ID_ASS
-                                                           : id;
-        list.push_back({{"id", id}, {"otherNames", names.Of(id)}, {"encoder", EncoderJson(later)}});
+        list.push_back({{"id", id},
+                        {"name", FullNameForPeople(P::KEY_FILTER_SUBTITLE_CODEC, id)},
+                        {"otherNames", names.Of(id)},
+                        {"encoder", EncoderJson(id)}});
     }
     return list;
 }
 
 }  // namespace
+
+Proc::SafeEncoderCodec EncoderOf(const std::string& codecId) {
+    const std::string& later = codecId == S::CODEC_ID_SRT   ? S::CODEC_ID_SUBRIP
+                               : codecId == S::CODEC_ID_SSA ? S::CODEC_ID_ASS
+                                                            : codecId;
+    return Proc::FindEncoder(later, Proc::ImplNames::FFMPEG);
+}
 
 Value MakeBook() {
     FormatValidator::Instance().FillEncoders(Proc::FFmpegCodecFactory::Create());
@@ -161,8 +165,10 @@ Value MakeBook() {
     book["filters"] = Value::List();
     const OtherNames filterNames(NorvexApps::Named::Filter);
     for (const std::string& id : NorvexApps::IdsOf(NorvexApps::Named::Filter)) {
-        book["filters"].Append(HelperJson(id, *CreateDataHelper(id, std::string()), filterNames));
+        book["filters"].Append(
+            HelperJson(id, id, NameForPeople(id, std::string()), *CreateDataHelper(id, std::string()), filterNames));
     }
+    book["judging"] = JudgingJson();
     return book;
 }
 

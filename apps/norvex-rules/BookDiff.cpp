@@ -48,7 +48,9 @@ void AddLeaves(const Value& node, const std::string& path, Statements& statement
 Statements StatementsOf(const Value& helper) {
     Statements statements;
     for (const auto& [name, value] : helper.GetObject()) {
-        if (name == "id" || name == "limits") continue;  // limits stand among the defaults
+        // Limits stand among the defaults, parameters are what those and the constraints have, and what people call a
+        // codec changes nothing.
+        if (name == "id" || name == "limits" || name == "parameters" || name == "otherNames") continue;
         if (name == "constraints") {
             for (const Value& constraint : value.GetList()) {
                 // What a container carries is told without it.

@@ -9,22 +9,28 @@
 #include <utility>
 #include <vector>
 
+#include "norvex/Norvex.h"
+
 namespace NorvexRules {
 
 namespace {
 
 using Norvex::Document::Value;
+using P = Norvex::Conf::IPreset;
 
 struct Kind {
     const char* name;
     const char* title;
-    const char* list;     ///< of the book
-    const char* carried;  ///< in a container, where there is something like it
+    const char* list;            ///< of the book
+    const char* carried;         ///< in a container, where there is something like it
+    const std::string* section;  ///< as the library calls the kind; null for filters, which are kinds themselves
 };
 constexpr Kind g_kinds[] = {
-    {"format", "Containers", "formats", nullptr},      {"video", "Video codecs", "videoCodecs", "video"},
-    {"audio", "Audio codecs", "audioCodecs", "audio"}, {"subtitles", "Subtitle codecs", "subtitleCodecs", "subtitles"},
-    {"filter", "Filters", "filters", nullptr},
+    {"format", "Containers", "formats", nullptr, &P::KEY_FORMAT},
+    {"video", "Video codecs", "videoCodecs", "video", &P::KEY_FILTER_VIDEO_CODEC},
+    {"audio", "Audio codecs", "audioCodecs", "audio", &P::KEY_FILTER_AUDIO_CODEC},
+    {"subtitles", "Subtitle codecs", "subtitleCodecs", "subtitles", &P::KEY_FILTER_SUBTITLE_CODEC},
+    {"filter", "Filters", "filters", nullptr, nullptr},
 };
 
 /// Null for a kind of which there are none.
@@ -67,7 +73,12 @@ std::string WordsOf(const Value& allowed) {
     return words.empty() ? "anything that its method accepts" : words;
 }
 
-/// What follows the id in a list.
+std::string NameOf(const Kind& kind, const std::string& id) {
+    return kind.section != nullptr ? Norvex::Conf::FullNameForPeople(*kind.section, id)
+                                   : Norvex::Conf::NameForPeople(id, std::string());
+}
+
+/// What follows the id and the name in a list.
 std::string WordsOfItem(const Value& item) {
     if (item.Find("encoder") != nullptr) {
         return item["encoder"].IsNull() ? "no encoder in this build" : TextOf(item["encoder"]);
@@ -177,7 +188,8 @@ std::string ListText(const Value& book, const Listing& listing) {
         if (items.empty()) continue;
         text += fmt::format("{}{} ({})\n", text.empty() ? "" : "\n", kind.title, items.size());
         for (const Value* const item : items) {
-            text += fmt::format("  {:<14} {}", (*item)["id"].GetText(), WordsOfItem(*item));
+            const std::string& id = (*item)["id"].GetText();
+            text += fmt::format("  {:<19} {:<38} {}", id, NameOf(kind, id), WordsOfItem(*item));
             text.erase(text.find_last_not_of(' ') + 1);
             text += '\n';
         }

@@ -1,13 +1,17 @@
 // norvex-rules: the rule book to look at.
 
+#include <sys/ioctl.h>
+#include <unistd.h>
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/exception/diagnostic_information.hpp>
+
 #include <cstdio>
 
 #include "Book.h"
 #include "BookDiff.h"
 #include "Check.h"
 #include "Fit.h"
+#include "ForPeople.h"
 #include "Page.h"
 #include "Texts.h"
 #include "common/CommandLine.h"
@@ -27,6 +31,13 @@ void Print(const std::string& text) {
 void Write(const std::string& path, const std::string& text) {
     if (path.empty()) return Print(text);
     NorvexApps::WriteText(path, text);
+}
+
+/// How wide lines may be.
+std::size_t Columns() {
+    winsize size{};
+    constexpr std::size_t usual = 100;
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usual;
 }
 
 using NorvexApps::Named;
@@ -54,11 +65,14 @@ std::string IdOf(Named kind, const std::string& name) {
     throw std::runtime_error(NorvexApps::WhyUnknown(kind, name));
 }
 
-/// One helper by its kind and a name.
-std::string Show(const std::string& kindName, const std::string& name) {
+/// One helper by its kind and a name: what holds in the end, or every rule as it stands.
+std::string Show(const std::string& kindName, const std::string& name, bool rules) {
     const auto book = MakeBook();  // takes the census, before which no container may be looked up
     const auto [kind, named] = KindOf(kindName);
     const std::string id = NorvexApps::FindId(named, name).value_or(name);
+    if (!rules) {
+        if (const auto text = ShowForPeople(kind, id, Columns())) return *text;
+    }
     if (const auto text = ShowText(book, kind, id)) return *text;
     if (id != name) throw std::runtime_error("there are no rules for the " + kind + " codec '" + id + "'");
     throw std::runtime_error(NorvexApps::WhyUnknown(named, name));
@@ -183,6 +197,7 @@ int main(int argc, char** argv) {
     CheckOptions checked;
     Norvex::Conf::WantedCodecs wanted;
     bool json = false;
+    bool rules = false;
     bool classic = false;
 
     app.add_flag("--classic", classic, "Know the classic codecs and containers alone");
@@ -215,7 +230,8 @@ int main(int argc, char** argv) {
     show->add_option("ID", id, "Its id, as in the list, or another name of it, such as h265 or mkv")
         ->required()
         ->option_text(" ");
-    show->callback([&] { Print(Show(kind, id)); });
+    show->add_flag("--rules", rules, "Print every default, constraint and rule as it stands, with ids and raw numbers");
+    show->callback([&] { Print(Show(kind, id, rules)); });
     app.add_subcommand("matrix", "Containers by codecs")->callback([] { Print(MatrixText(MakeBook())); });
     auto* const check = app.add_subcommand("check", "Judge a preset, and show it mended; status 1 if it breaks a rule");
     check

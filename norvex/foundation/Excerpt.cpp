@@ -1,5 +1,6 @@
 #include "norvex/foundation/Excerpt.h"
 
+#include <algorithm>
 #include <boost/locale/utf.hpp>
 
 namespace Norvex::Core {
@@ -32,6 +33,8 @@ bool IsControl(utf::code_point character) noexcept {
 
 std::string Excerpt(std::string_view text) {
     constexpr int longest = 100;
+    const auto isPlain = [](char c) { return c >= ' ' && c < 0x7F; };
+    if (text.size() <= longest && std::all_of(text.begin(), text.end(), isPlain)) return std::string(text);
     std::string shown;
     int count = 0;
     while (!text.empty()) {

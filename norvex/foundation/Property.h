@@ -77,10 +77,14 @@ public:
     template <class T, class Scalar = Detail::Scalar<T>>
     Property(std::string name, const T& value) : m_name(std::move(name)), m_value(MakeValue<Scalar>(value)) {}
 
+    /// Type, value and children of another node under a name of its own.
+    Property(std::string name, const Property& data);
     Property(const Property& other) : Property(other.m_name, other) {}
     /// The other node is left without children, and of no use but to be assigned to.
     Property(Property&&) noexcept = default;
-    ~Property() { RemoveAll(); }
+    ~Property() {
+        if (!m_children.empty()) RemoveAll();
+    }
 
     /// Takes the other node whole, its name included. The source may lie inside this tree. It may also be an ancestor
     /// of this node, but not when it is moved: the tree would own itself, and be lost.
@@ -173,9 +177,6 @@ private:
             return Value(std::in_place_type<Scalar>, static_cast<Scalar>(value));
         }
     }
-
-    /// Type, value and children of the other node under another name.
-    Property(std::string name, const Property& data);
 
     void AssignValue(Value&& value);
     template <class T>

@@ -82,7 +82,9 @@ TEST_F(TimeTest, GoesOnWhereTheInputJumpsAndStaysInStep) {
         EXPECT_THAT(outcome.text, HasSubstr(c.told));
         const json streams = StreamsOf(c.arguments.find("o.mkv") == std::string::npos ? "o.mp4" : "o.mkv");
         ASSERT_EQ(streams.size(), 2U);
-        const auto number = [&](int stream, const char* key) { return std::stod(streams[stream].value(key, "-1")); };
+        const auto number = [&](std::size_t stream, const char* key) {
+            return std::stod(streams[stream].value(key, "-1"));
+        };
         // Where packets do not say when they are decoded, a copy ends a picture or two late.
         EXPECT_NEAR(number(0, "nb_read_packets"), c.frames, c.arguments.find("--copy") == std::string::npos ? 1 : 2);
         const double packet = streams[1]["codec_name"] == "mp2" ? 1152 : 1024;

@@ -1,16 +1,10 @@
 // The second set of helpers, beside the classic one.
 
-#include <gmock/gmock.h>
-
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using testing::ElementsAre;
 
 /// Stands in every process of this program, also for the tests that are not about the second set.

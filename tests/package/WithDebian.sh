@@ -16,5 +16,5 @@ done
 libdir=$(dirname "$(find "$folder/root" -name 'libnorvex.so.*' | head -1)")
 "$here/WithPkgConfig.sh" "$compiler" "$project" norvex "$libdir" "$folder/stranger"
 export LD_LIBRARY_PATH="$libdir"
-"$folder/root/usr/bin/norvex-rules" show format mp4 | grep -q h264
+"$folder/root/usr/bin/norvex-rules" show format mp4 | grep -q "H.264"
 "$folder/root/usr/bin/norvex-export" --version

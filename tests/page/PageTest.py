@@ -100,6 +100,8 @@ def test_desk(browser, url, folder, book):
     helpers = sum(len(book[key]) for key in ("formats", "videoCodecs", "audioCodecs", "filters"))
     expect("a section for each helper", lambda: len(browser.run(SHOWN)), helpers)
 
+    expect("the page has the whole book", browser.run("return book") == book, True)
+
     # Each codec that a container carries stands in one grid, and what nothing here encodes is marked so.
     cells = 0
     for kind in ("film", "audio", "covers", "stills", "subtitles"):

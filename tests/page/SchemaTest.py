@@ -87,7 +87,11 @@ def main():
         lambda b: b["formats"][0]["video"].update(codecs=[]), lambda b: b["formats"].append(b["filters"][0]),
         lambda b: b["videoCodecs"][0].update(encoder=5), lambda b: b["subtitleCodecs"][0].pop("encoder"), lambda b: b["audioCodecs"][0]["constraints"].append({"path": "x"}),
         lambda b: b["audioCodecs"][0]["rules"].append({"path": "", "when": None, "allowed": {"words": ""}}),
+        lambda b: b["judging"].pop("places"), lambda b: next(c for c in b["videoCodecs"] if c["rules"])["rules"][0].pop("assembled"),
+        lambda b: b["audioCodecs"][0]["parameters"].update(x={"type": "float"}), lambda b: b["filters"][0].pop("parameters"),
         lambda b: b["filters"][0]["defaults"].update(x=[]), lambda b: b.update(library=""),
+        lambda b: b["formats"][0].pop("extensions"), lambda b: b["filters"][0].update(name=""),
+        lambda b: b["videoCodecs"][0]["facts"]["pixelFormats"]["rgb24"].update(bits=-1), lambda b: b["videoCodecs"][0]["facts"].update(threads=["many"]),
     ])
 
     with tempfile.NamedTemporaryFile(suffix=".wav") as sound:

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
@@ -8,18 +6,14 @@ extern "C" {
 #include <set>
 #include <typeinfo>
 
-#include "norvex/Norvex.h"
-#include "support/TestHelpers.h"
-
 // What a muxer's default codecs are, and which tags it maps, differs from build to build: that is asked of the build.
 // What the library adds to it is written out here.
 
+#include "support/TestHelpers.h"
+
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
-using Core::Property;
-using NorvexTest::Node;
+using namespace NorvexTest;
 using Ids = std::set<std::string>;
 
 constexpr long long noTable = 0x7a7a7a7a;  // "zzzz", a tag that no table has

@@ -18,6 +18,42 @@ TEST(Encoders, FindsFFmpegsDefaultEncoderOfACodec) {
     }
 }
 
+TEST(Encoders, HaveFactsBesideTheRules) {
+    const auto factsOf = [](const char* id) { return Proc::FactsOf(Proc::FindEncoder(id, Proc::ImplNames::FFMPEG)); };
+    const auto formatOf = [&](const char* id, const std::string& name) {
+        for (const Proc::PixelFormatFacts& f : factsOf(id).pixelFormats) {
+            if (f.name == name) {
+                return f.sampling + ' ' + std::to_string(f.bits) + (f.alpha ? " alpha" : "") +
+                       (f.isFloat ? " float" : "");
+            }
+        }
+        return std::string("none");
+    };
+    const struct {
+        const char *id, *format, *facts;
+    } formats[] = {
+        {"mpeg2video", "yuv420p", "4:2:0 8"},
+        {"mpeg2video", "yuv422p", "4:2:2 8"},
+        {"png", "rgba", "RGB 8 alpha"},
+        {"png", "gray", "grey 8"},
+        {"png", "monob", "grey 1"},
+        {"png", "rgb48be", "RGB 16"},
+        {"gif", "pal8", "palette 8 alpha"},
+        {"ffv1", "yuv444p10le", "4:4:4 10"},
+        {"ffv1", "yuv411p", "4:1:1 8"},
+        {"ffv1", "yuv410p", "4:1:0 8"},
+        {"exr", "gbrapf32le", "RGB 32 alpha float"},
+        {"mpeg2video", "rgb24", "none"},
+        {"aac", "yuv420p", "none"},
+        {"no such codec", "rgb24", "none"},
+    };
+    for (const auto& f : formats) EXPECT_EQ(formatOf(f.id, f.format), f.facts) << f.id << ' ' << f.format;
+    EXPECT_TRUE(factsOf("huffyuv").isLossless && factsOf("huffyuv").isIntraOnly && !factsOf("huffyuv").isLossy);
+    EXPECT_TRUE(factsOf("mpeg2video").isLossy && !factsOf("mpeg2video").isIntraOnly);
+    EXPECT_TRUE(factsOf("mpeg2video").threadsSlices && !factsOf("mpeg2video").isHardware);
+    EXPECT_TRUE(factsOf("dts").isExperimental && factsOf("truehd").isExperimental);
+}
+
 TEST(Encoders, TakeTheValuesThatTheirOptionsAllow) {
     const auto ffv1 = Proc::FindEncoder("ffv1", Proc::ImplNames::FFMPEG);
     std::string taken;

@@ -1,6 +1,3 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
@@ -9,15 +6,11 @@ extern "C" {
 #include <algorithm>
 #include <stdexcept>
 
-#include "norvex/Norvex.h"
 #include "support/TestHelpers.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
-using Core::Property;
-using NorvexTest::Node;
+using namespace NorvexTest;
 using testing::HasSubstr;
 using Answer = StreamFit::Answer;
 using Streams = std::vector<SP<const IFormatCodec>>;
@@ -29,17 +22,17 @@ const char* NameOf(Answer answer) {
 
 SP<const IFormatCodec> Picture(const std::string& codec, const char* tag = nullptr, bool isCover = false,
                                int pixelFormat = AV_PIX_FMT_YUV420P) {
-    Property settings = Node(
-        "stream", {Property("codec_id", codec), Property("fourcc", tag ? MKTAG(tag[0], tag[1], tag[2], tag[3]) : 0),
-                   Property("width", 641), Property("height", 480), Property("frame_rate", Core::Ratio(25, 1)),
-                   Property("lossless", false), Property("main_stream", false), Property("cover", isCover)});
+    Property settings = Tree("stream{codec_id: " + codec +
+                             ", width: 641, height: 480, frame_rate: 25/1, lossless: false, main_stream: false}");
+    settings.SetChildT("fourcc", tag ? MKTAG(tag[0], tag[1], tag[2], tag[3]) : 0);
+    settings.SetChildT("cover", isCover);
     return FormatCodecVideo::Create(settings, pixelFormat, nullptr);
 }
 
 SP<const IFormatCodec> Sound(const std::string& codec, int rate = 48000, const char* layout = "stereo",
                              SP<const ICodecData> data = nullptr) {
-    return FormatCodecAudio::Create(Node("stream", {Property("codec_id", codec), Property("sample_rate", rate),
-                                                    Property("channel_layout", layout)}),
+    return FormatCodecAudio::Create(Tree("stream{codec_id: " + codec + ", sample_rate: " + std::to_string(rate) +
+                                         ", channel_layout: " + layout + "}"),
                                     data);
 }
 
@@ -167,9 +160,7 @@ TEST_F(Fit, KeepsToTheLimitsAndPutsTheBestFirst) {
 class Strange final : public RefCounted<IFormatCodec> {
 public:
     explicit Strange(bool throws)
-        : m_settings(Node("stream", {Property("codec_id", "h264"), Property("fourcc", "x"), Property("width", "wide"),
-                                     Property("cover", Core::Ratio(1, 2))})),
-          m_throws(throws) {}
+        : m_settings(Tree("stream{codec_id: h264, fourcc: x, width: wide, cover: 1/2}")), m_throws(throws) {}
     const Property& GetProperty() const override {
         if (m_throws) throw std::runtime_error("no settings");
         return m_settings;
@@ -193,7 +184,7 @@ TEST_F(Fit, NeverThrowsForWhatAStreamHolds) {
         Sound("vorbis", 0, "")};
     for (const FormatFit& fit : FitIntoAll(streams)) {
         ASSERT_EQ(fit.streams.size(), streams.size());
-        for (const std::size_t unknown : {0, 1, 3, 4})
+        for (const std::size_t unknown : std::vector<std::size_t>{0, 1, 3, 4})
             EXPECT_EQ(Told(fit.streams[unknown]), "left out") << fit.formatId;
     }
     // Its codec can be read, and that is enough to encode it.

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 extern "C" {
 #include <libavformat/avformat.h>
 }
@@ -7,16 +5,11 @@ extern "C" {
 #include <set>
 #include <stdexcept>
 
-#include "norvex/Norvex.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;

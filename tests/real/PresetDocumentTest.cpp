@@ -1,18 +1,12 @@
 #include "norvex/document/PresetDocument.h"
-
-#include <gmock/gmock.h>
+#include "support/TestHelpers.h"
 
 #include <sstream>
-
-#include "norvex/Norvex.h"
-#include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
 using namespace Norvex::Document;
 using namespace NorvexTest;
-using namespace Norvex::Conf;
 using Norvex::Core::Property;
 
 void ExpectRoundTrip(const Property& tree) {
@@ -130,7 +124,9 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
             ADD_FAILURE() << "nothing failed";
         } catch (const DocumentException& error) {
             EXPECT_THAT(error.what(), testing::StartsWith(words));
-            EXPECT_EQ(words.find("line " + std::to_string(*boost::get_error_info<DocumentException::TagLine>(error)) + ':'), 0U);
+            EXPECT_EQ(
+                words.find("line " + std::to_string(*boost::get_error_info<DocumentException::TagLine>(error)) + ':'),
+                0U);
         }
     }
 }

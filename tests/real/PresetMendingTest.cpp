@@ -1,20 +1,13 @@
 // Presets that were turned into those of another container or codec, on the codecs of the installed FFmpeg.
 
-#include <gmock/gmock.h>
-
 #include <set>
 
-#include "norvex/Norvex.h"
 #include "norvex/document/PresetDocument.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using testing::ElementsAre;
 using testing::IsEmpty;
 

@@ -1,21 +1,15 @@
 // Many threads at once on what they share. Run it with the thread sanitizer too.
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <functional>
 #include <set>
 #include <thread>
 
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 
 constexpr std::size_t threadCount = 16;
 

@@ -1,20 +1,14 @@
 // Helpers of the host's own. Each test needs tables that nobody has built: it has a process of its own under ctest.
 
-#include <gmock/gmock.h>
-
 #include <atomic>
 #include <stdexcept>
 #include <thread>
 
-#include "support/Failures.h"
 #include "support/TestHelpers.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;

@@ -81,6 +81,10 @@ std::vector<AVRational> SafeEncoderCodec::GetSupportedFrameRates() const {
     return ListsOf(m_codec).frameRates;
 }
 
+const AVPixelFormat* SafeEncoderCodec::GetSupportedPixelFormats() const {
+    return nullptr;  // which nothing of the rule book asks for
+}
+
 const AVSampleFormat* SafeEncoderCodec::GetSupportedSampleFormats() const {
     return ListOrNull(ListsOf(m_codec).sampleFormats);
 }

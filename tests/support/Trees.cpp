@@ -17,25 +17,6 @@ std::string Leaf(const Property& node) {
                                                                   : type + ' ' + Core::PropertyValueToString(node);
 }
 
-void Diff(const Property& expected, const Property& actual, const std::string& path, std::string& out) {
-    const auto differs = [&](const std::string& one, const std::string& two) {
-        if (one != two) out += path + ": expected " + one + ", got " + two + '\n';
-    };
-    differs("name '" + expected.GetName() + "'", "name '" + actual.GetName() + "'");
-    differs(Leaf(expected), Leaf(actual));
-    auto two = actual.begin();
-    for (const Property& one : expected) {
-        const std::string below = path + Property::SEPARATOR + one.GetName();
-        if (two == actual.end()) {
-            out += below + ": missing\n";
-            continue;
-        }
-        Diff(one, *two, below, out);
-        ++two;
-    }
-    for (; two != actual.end(); ++two) out += path + Property::SEPARATOR + two->GetName() + ": unexpected\n";
-}
-
 void DumpInto(const Property& node, const std::string& path, std::string& out) {
     if (node.Count() == 0) out += path + ": " + Leaf(node) + '\n';
     for (const Property& child : node) DumpInto(child, path + Property::SEPARATOR + child.GetName(), out);
@@ -105,9 +86,8 @@ SP<RecordingConsumer> Fill(const Conf::IPropertyConstraint& constraint) {
 }  // namespace
 
 std::string TreeDiff(const Property& expected, const Property& actual) {
-    std::string out;
-    Diff(expected, actual, expected.GetName(), out);
-    return out;
+    const std::string wanted = Dump(expected), found = Dump(actual);
+    return wanted == found ? "" : "expected:\n" + wanted + "found:\n" + found;
 }
 
 std::string Dump(const Property& tree) {

@@ -7,8 +7,7 @@
 
 namespace NorvexTest {
 
-/// The paths at which two trees differ, with both values, a line each; empty when names, types, values and the order
-/// of children agree.
+/// Both trees where they differ; empty when names, types, values and the order of children agree.
 std::string TreeDiff(const Norvex::Core::Property& expected, const Norvex::Core::Property& actual);
 
 /// A tree in one line a leaf: "path: type value", nodes without children included. For comparing with text.

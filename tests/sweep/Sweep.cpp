@@ -123,10 +123,8 @@ public:
         try {
             const Plan plan = MakePlan(request, Probe(request.input));
             std::set<std::string> asked;
-            for (const StreamPlan& stream : plan.streams) {
+            for (const StreamPlan& stream : plan.streams)
                 asked.insert(CodecNameOf(stream.settled[V::TAG_CODEC_ID].GetString()));
-                CompareOrders(what, format, stream);
-            }
             settled = Join(asked);
             const ExportResult result = RunExport(plan.job, {});
             bitrates = Bitrates(plan.job, result);
@@ -210,22 +208,6 @@ private:
         if (!first) decoder.Decode(nullptr, keep);
         if (!first) Media::Fail("it does not decode", decoder.LastError());
         return first;
-    }
-
-    /// The host corrects by the container first. Where the other order gives something else, the table says so.
-    void CompareOrders(const std::string& what, const std::string& format, const StreamPlan& stream) {
-        if (stream.kind == NorvexExport::StreamKind::Subtitle) return;
-        const NamedHelper container = FindHelper(P::KEY_FORMAT, format);
-        const NamedHelper codec = FindHelper(stream.asked.GetName(), stream.asked[V::TAG_CODEC_ID].GetString());
-        Property formatFirst = stream.asked;
-        Property codecFirst = stream.asked;
-        CorrectWithReport(formatFirst, {container, codec});
-        CorrectWithReport(codecFirst, {codec, container});
-        if (formatFirst == codecFirst) return;
-        for (const Property& value : formatFirst) {
-            if (codecFirst.ChildExists(value.GetName()) && codecFirst[value.GetName()] == value) continue;
-            fmt::print("{}: codec first gives another {}\n", what, value.GetName());
-        }
     }
 
     void Print(const std::string& what, const std::string& settled, const std::string& bitrates,

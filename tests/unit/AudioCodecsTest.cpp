@@ -1,21 +1,13 @@
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <cmath>
 #include <sstream>
 
-#include "norvex/Norvex.h"
-#include "support/Failures.h"
 #include "support/FakeBuild.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using A = IFormatCodecAudio;
 using testing::ElementsAre;
 

@@ -1,16 +1,9 @@
-#include <gmock/gmock.h>
-
-#include "norvex/Norvex.h"
 #include "support/FakeBuild.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using V = IFormatCodecVideo;
 
 const std::map<std::string, FakeEncoder> fullBuild = {

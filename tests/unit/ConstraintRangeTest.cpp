@@ -1,17 +1,11 @@
-#include <gmock/gmock.h>
-
 #include <cmath>
 #include <limits>
 
-#include "support/Failures.h"
-#include "support/Trees.h"
+#include "support/TestHelpers.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using testing::ElementsAre;
 
 TEST(ConstraintRange, TellsBoundsThenStepIfItHasOne) {

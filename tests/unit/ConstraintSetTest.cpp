@@ -1,19 +1,12 @@
-#include <gmock/gmock.h>
-
 #include <cmath>
 #include <limits>
 
-#include "support/Failures.h"
 #include "support/TestHelpers.h"
 #include "support/Translation.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using Core::Ratio;
 using testing::ElementsAre;
 using Texts = ConstraintSet::ValueList<std::string>;

@@ -1,16 +1,11 @@
-#include <gtest/gtest.h>
-
 #include <boost/any.hpp>
 #include <limits>
 
-#include "support/Trees.h"
+#include "support/TestHelpers.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 
 constexpr long long largest = std::numeric_limits<long long>::max();
 constexpr long long smallest = std::numeric_limits<long long>::min();

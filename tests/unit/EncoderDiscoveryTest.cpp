@@ -1,18 +1,12 @@
-#include <gmock/gmock.h>
-
 #include <boost/rational.hpp>
 #include <locale>
 #include <optional>
 
-#include "norvex/Norvex.h"
 #include "support/FakeBuild.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -1,19 +1,13 @@
 // Trees that are wider and deeper than any preset, and numbers at the ends of their types.
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 
 constexpr int deepest = 100000;  // levels; walked by recursion they would take more than the usual 8 MiB of stack
 

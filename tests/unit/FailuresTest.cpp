@@ -1,14 +1,9 @@
-#include <gmock/gmock.h>
-
 #include <functional>
 
-#include "support/Failures.h"
-#include "support/Trees.h"
+#include "support/TestHelpers.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
 using testing::EndsWith;
 using testing::HasSubstr;

@@ -1,19 +1,11 @@
-#include <gmock/gmock.h>
-
 #include <cmath>
 #include <limits>
 
-#include "norvex/Norvex.h"
-#include "support/Failures.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using Core::Ratio;
 using A = IFormatCodecAudio;
 using V = IFormatCodecVideo;

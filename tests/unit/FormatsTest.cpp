@@ -1,16 +1,8 @@
-#include <gmock/gmock.h>
-
-#include "norvex/Norvex.h"
-#include "support/Failures.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using testing::ElementsAre;
 using A = IFormatCodecAudio;
 using F = IFormatFile;

@@ -1,17 +1,10 @@
-#include <gmock/gmock.h>
-
 #include <limits>
 
-#include "support/Failures.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using testing::ElementsAre;
 using F = SampleFormats;
 using Names = std::vector<std::string>;

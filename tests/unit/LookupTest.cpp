@@ -1,12 +1,7 @@
-#include <gtest/gtest.h>
-
-#include "norvex/Norvex.h"
-#include "support/Failures.h"
+#include "support/TestHelpers.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
 
 TEST(Lookup, FindsEveryRowOfEveryTableUnderItsOwnIdAndAlias) {

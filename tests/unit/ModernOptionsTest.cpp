@@ -1,15 +1,11 @@
 // What the second set asks of an encoder beyond the lists of every codec helper.
 
-#include <gtest/gtest.h>
-
 #include "norvex/Conf/DataHelpers/Modern/ModernHelpers.h"
 #include "support/FakeBuild.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex::Conf;
 using namespace NorvexTest;
 
 TEST(ModernOptions, AreThoseThatTheEncoderTakes) {

@@ -1,18 +1,10 @@
 // What the codec base makes of a preset, and of a stream that is not legal.
 
-#include <gmock/gmock.h>
-
-#include "norvex/Norvex.h"
-#include "support/Failures.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using Core::Ratio;
 using A = IFormatCodecAudio;
 using C = IFormatCodec;

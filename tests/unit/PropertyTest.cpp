@@ -1,18 +1,13 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <functional>
 #include <limits>
 #include <thread>
 
-#include "support/Failures.h"
-#include "support/Trees.h"
+#include "support/TestHelpers.h"
 
 namespace {
 
-using namespace Norvex;
 using namespace NorvexTest;
-using Core::Property;
 using Core::PropertyException;
 using Core::Ratio;
 using Change = std::function<void(Property&)>;

@@ -1,18 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <stdexcept>
 
-#include "norvex/Norvex.h"
-#include "support/Failures.h"
 #include "support/TestHelpers.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 
 using A = IFormatCodecAudio;
 using V = IFormatCodecVideo;

@@ -1,20 +1,13 @@
-#include <gmock/gmock.h>
-
 #include <cmath>
 #include <functional>
 
-#include "norvex/Norvex.h"
 #include "support/FakeBuild.h"
 #include "support/TestHelpers.h"
 #include "support/Translation.h"
-#include "support/Trees.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
-using Core::Property;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using Lines = std::vector<std::string>;

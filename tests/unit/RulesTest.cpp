@@ -1,6 +1,4 @@
-#include <gmock/gmock.h>
-
-#include "support/Trees.h"
+#include "support/TestHelpers.h"
 
 namespace {
 

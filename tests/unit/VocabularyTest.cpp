@@ -1,15 +1,10 @@
-#include <gmock/gmock.h>
-
 #include <set>
 
-#include "norvex/Norvex.h"
-#include "support/Failures.h"
 #include "support/FakeBuild.h"
+#include "support/TestHelpers.h"
 
 namespace {
 
-using namespace Norvex;
-using namespace Norvex::Conf;
 using namespace NorvexTest;
 using testing::HasSubstr;
 using testing::Not;

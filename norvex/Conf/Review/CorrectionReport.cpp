@@ -100,16 +100,18 @@ bool IsSame(const Property& one, const Property& two) {
     return one == two || (one.GetType() == PT_DOUBLE && std::isnan(one.GetDouble()) && std::isnan(two.GetDouble()));
 }
 
-/// What differs in two states of a stream.
+/// What one helper changed.
 struct Changes {
-    std::vector<CorrectedValue> told;     ///< what is there now first, then what was taken away
-    std::vector<const Property*> values;  ///< that are there now, or null, in the same order
+    std::vector<CorrectedValue>& report;
+    const std::size_t first;                   ///< of this helper's in the report
+    std::vector<const Property*> values = {};  ///< that are there now, or null, of each from the first on
 };
 
-Changes ChangesBetween(const Property& before, const Property& after, const NamedHelper& named) {
-    Changes changes;
+/// Adds what differs in two states of a stream: what is there now first, then what was taken away.
+void AddChanges(const Property& before, const Property& after, const NamedHelper& named, Changes& changes) {
     const auto add = [&](const auto& way, const Property& leaf, const Property* former, const Property* now) {
-        CorrectedValue& told = changes.told.emplace_back();
+        if (changes.report.empty()) changes.report.reserve(4);  // who changes one value often changes a few
+        CorrectedValue& told = changes.report.emplace_back();
         told.helperKind = named.kind;
         told.helperId = named.id;
         told.path = PathOf(way, leaf);
@@ -121,11 +123,10 @@ Changes ChangesBetween(const Property& before, const Property& after, const Name
         CompareLeaves(after, before, [&](const auto& way, const Property& leaf, const Property* former) {
             if (former == nullptr || !IsSame(*former, leaf)) add(way, leaf, former, &leaf);
         });
-    if (!isSomeGone) return changes;
+    if (!isSomeGone) return;
     CompareLeaves(before, after, [&](const auto& way, const Property& leaf, const Property* now) {
         if (now == nullptr) add(way, leaf, &leaf, nullptr);
     });
-    return changes;
 }
 
 // ------------------------------------------------------------------------------------------------- why it changed
@@ -141,10 +142,10 @@ public:
           m_defaults(m_said.Defaults()),
           m_preset(AssembleStream(stream)) {}
 
-    void GiveTo(Changes& changes) {
+    void GiveTo(const Changes& changes) {
         Collect(changes);
-        for (std::size_t i = 0; i < changes.told.size(); ++i) {
-            CorrectedValue& told = changes.told[i];
+        for (std::size_t i = 0; i < changes.values.size(); ++i) {
+            CorrectedValue& told = changes.report[changes.first + i];
             const Said& said = m_about[told.path];
             // Values that share a name, or have a separator in it, share a path; it leads to one of them.
             if (said.value == nullptr || said.value != changes.values[i]) continue;
@@ -157,6 +158,9 @@ public:
             }
         }
     }
+
+    /// The settled stream.
+    Property TakePreset() { return std::move(m_preset); }
 
 private:
     struct SaidOfValue {
@@ -174,8 +178,11 @@ private:
 
     /// Looks up what the helper says about the changed values, each of its constraints and rules once.
     void Collect(const Changes& changes) {
-        m_about.reserve(changes.told.size());
-        for (const CorrectedValue& told : changes.told) m_about[told.path].value = m_stream.FindByPath(told.path);
+        m_about.reserve(changes.values.size());
+        for (std::size_t i = changes.first; i < changes.report.size(); ++i) {
+            const std::string& path = changes.report[i].path;
+            m_about[path].value = m_stream.FindByPath(path);
+        }
         const std::string& section = SectionOf(m_named.kind);
         for (const auto& constraint : m_said.Constraints()) {
             VisitValues(m_preset, section, constraint.first, [&](const Property& value, const Way& way) {
@@ -195,16 +202,16 @@ private:
         std::vector<Property*> places;
         for (const std::string& path : PresetPathsOf(m_stream.GetName(), told.path)) places.push_back(&m_preset[path]);
         for (Property* const place : places) place->CopyDataFrom(*told.before);
-        std::vector<Finding> findings;
+        m_found.clear();
         for (const auto& [constraint, value, way] : said.constraints) {
-            if (findings.empty()) ExplainConstraint(m_named, constraint, value, way, Wanted::Violations, findings);
+            if (m_found.empty()) ExplainConstraint(m_named, constraint, value, way, Wanted::Violations, m_found);
         }
         for (const ReadRule* const rule : said.rules) {
-            if (findings.empty()) ExplainRule(m_preset, m_named, *rule, Wanted::Violations, findings);
+            if (m_found.empty()) ExplainRule(m_preset, m_named, *rule, Wanted::Violations, m_found);
         }
         for (Property* const place : places) place->CopyDataFrom(*told.after);
-        if (findings.empty()) return std::nullopt;
-        return std::move(findings.front());
+        if (m_found.empty()) return std::nullopt;
+        return std::move(m_found.front());
     }
 
     const NamedHelper& m_named;
@@ -213,6 +220,7 @@ private:
     const Property& m_defaults;
     Property m_preset;
     std::unordered_map<std::string_view, Said> m_about;  ///< by the path in the stream
+    std::vector<Finding> m_found;                        ///< kept for its memory
 };
 
 }  // namespace
@@ -226,8 +234,10 @@ CorrectionReport CorrectWithReport(Property& stream, const std::vector<NamedHelp
             if (!report.failure) report.failure = std::current_exception();
         }
     };
+    std::optional<Property> settled;  // the preset of the stream, while no helper may have changed it since
     for (const NamedHelper& named : helpers) {
         if (!named.helper) continue;
+        settled.reset();
         const Property before = stream;
         std::exception_ptr failure;
         try {
@@ -235,17 +245,23 @@ CorrectionReport CorrectWithReport(Property& stream, const std::vector<NamedHelp
         } catch (...) {
             failure = std::current_exception();
         }
-        Changes changes = ChangesBetween(before, stream, named);
+        Changes changes{report.changes, report.changes.size()};
+        AddChanges(before, stream, named, changes);
         if (failure) report.failure = failure;
-        if (!changes.told.empty()) ask([&] { Reasons(named, stream).GiveTo(changes); });
-        std::move(changes.told.begin(), changes.told.end(), std::back_inserter(report.changes));
+        if (!changes.values.empty()) {
+            ask([&] {
+                Reasons reasons(named, stream);
+                reasons.GiveTo(changes);
+                settled = reasons.TakePreset();
+            });
+        }
         if (failure) break;
     }
-    const Property preset = AssembleStream(stream);
+    if (!settled) settled = AssembleStream(stream);
     for (const NamedHelper& named : helpers) {
         ask([&] {
             std::vector<Finding> left;
-            ExplainHelper(preset, named, Wanted::Violations, left);
+            ExplainHelper(*settled, named, Wanted::Violations, left);
             std::move(left.begin(), left.end(), std::back_inserter(report.left));
         });
     }

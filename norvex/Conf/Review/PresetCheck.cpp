@@ -63,9 +63,8 @@ public:
 
     void Reset() override { m_allowed = {}; }
     void AddValue(const std::string& name, const Property& value) override {
-        Property named(name);
-        named.CopyDataFrom(value);
-        m_allowed.values.push_back(std::move(named));
+        if (m_allowed.values.empty()) m_allowed.values.reserve(8);  // most lists are short
+        m_allowed.values.emplace_back(name, value);
     }
     void EndValues() override {}
     void SetMaxValue(double value) override { m_allowed.max = Number(value); }
@@ -98,6 +97,7 @@ std::string WordsFor(const Allowed& allowed, const IPropertyConstraint& constrai
     if (names.size() == 1) return std::string(names.front());
     if (!names.empty()) {
         std::string list;
+        list.reserve(16 * names.size());
         for (const std::string_view name : names) (list += list.empty() ? "" : ", ") += name;
         return Fill(Translate(oneOfMessage), {list});
     }
@@ -112,9 +112,9 @@ std::string MessageFor(const Finding& finding) {
     const char* message = isConditional ? notAllowedWhenMessage : notAllowedMessage;
     if (finding.problem == Problem::Missing) message = isConditional ? missingWhenMessage : missingMessage;
     if (finding.problem == Problem::WrongType) message = isConditional ? wrongTypeWhenMessage : wrongTypeMessage;
-    const std::string& words = finding.allowed.words;
+    const std::string otherWords = finding.allowed.words.empty() ? Translate(otherMessage) : std::string();
     return Fill(Translate(message), {Core::Excerpt(finding.documentPath), TextOf(finding.value),
-                                     words.empty() ? Translate(otherMessage) : words,
+                                     finding.allowed.words.empty() ? otherWords : finding.allowed.words,
                                      Core::Excerpt(DocumentPathOf(finding.conditionPath)), TextOf(finding.condition)});
 }
 

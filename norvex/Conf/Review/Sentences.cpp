@@ -13,18 +13,21 @@ std::string Translate(const std::string& message) {
     return localization.manager.Translate(message, localization.domain);
 }
 
-std::string Fill(const std::string& message, std::initializer_list<std::string> texts) {
+std::string Fill(std::string_view message, std::initializer_list<std::string_view> texts) {
     std::string filled;
-    for (std::size_t i = 0; i < message.size(); ++i) {
-        const std::size_t mark =
-            message[i] == '%' && i + 1 < message.size() ? static_cast<std::size_t>(message[i + 1] - '1') : texts.size();
-        if (mark < texts.size()) {
-            filled += *(texts.begin() + mark);
-            ++i;
-        } else {
-            filled += message[i];
-        }
+    std::size_t size = message.size();
+    for (const std::string_view text : texts) size += text.size();
+    filled.reserve(size);
+    for (;;) {
+        const std::size_t percent = message.find('%');
+        if (percent == std::string_view::npos || percent + 1 == message.size()) break;
+        const auto mark = static_cast<std::size_t>(message[percent + 1] - '1');
+        const bool isMark = mark < texts.size();
+        filled += message.substr(0, isMark ? percent : percent + 1);
+        if (isMark) filled += *(texts.begin() + mark);
+        message.remove_prefix(isMark ? percent + 2 : percent + 1);
     }
+    filled += message;
     return filled;
 }
 

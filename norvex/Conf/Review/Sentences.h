@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "norvex/foundation/Property.h"
 
@@ -14,7 +15,7 @@ namespace Norvex::Conf {
 std::string Translate(const std::string& message);
 
 /// Puts the texts in the places of the marks %1, %2 and so on, in one go: a text may look like a mark itself.
-std::string Fill(const std::string& message, std::initializer_list<std::string> texts);
+std::string Fill(std::string_view message, std::initializer_list<std::string_view> texts);
 
 /// A value as a message shows it; empty for none.
 std::string TextOf(const std::optional<Core::Property>& value);

@@ -3,6 +3,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavutil/channel_layout.h>
+#include <libavutil/pixfmt.h>
 #include <libavutil/samplefmt.h>
 }
 
@@ -38,6 +39,8 @@ public:
 
     /// The encoder's frame rates as it lists them; empty when it has no such list.
     std::vector<AVRational> GetSupportedFrameRates() const;
+    /// Ends with AV_PIX_FMT_NONE.
+    const AVPixelFormat* GetSupportedPixelFormats() const;
     /// Ends with AV_SAMPLE_FMT_NONE.
     const AVSampleFormat* GetSupportedSampleFormats() const;
     /// Hz; ends with 0.

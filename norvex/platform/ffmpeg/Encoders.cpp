@@ -27,6 +27,9 @@ const Entry* SupportedConfig(const AVCodec* codec, AVCodecConfig config) {
 const AVRational* FrameRates(const AVCodec* c) {
     return SupportedConfig<AVRational>(c, AV_CODEC_CONFIG_FRAME_RATE);
 }
+const AVPixelFormat* PixelFormatsOf(const AVCodec* c) {
+    return SupportedConfig<AVPixelFormat>(c, AV_CODEC_CONFIG_PIX_FORMAT);
+}
 const AVSampleFormat* SampleFormatsOf(const AVCodec* c) {
     return SupportedConfig<AVSampleFormat>(c, AV_CODEC_CONFIG_SAMPLE_FORMAT);
 }
@@ -41,6 +44,9 @@ const AVChannelLayout* ChannelLayouts(const AVCodec* c) {
 
 const AVRational* FrameRates(const AVCodec* c) {
     return c != nullptr ? c->supported_framerates : nullptr;
+}
+const AVPixelFormat* PixelFormatsOf(const AVCodec* c) {
+    return c != nullptr ? c->pix_fmts : nullptr;
 }
 const AVSampleFormat* SampleFormatsOf(const AVCodec* c) {
     return c != nullptr ? c->sample_fmts : nullptr;
@@ -68,6 +74,10 @@ std::vector<AVRational> SafeEncoderCodec::GetSupportedFrameRates() const {
         rates.push_back(*rate);
     }
     return rates;
+}
+
+const AVPixelFormat* SafeEncoderCodec::GetSupportedPixelFormats() const {
+    return PixelFormatsOf(m_codec);
 }
 
 const AVSampleFormat* SafeEncoderCodec::GetSupportedSampleFormats() const {
