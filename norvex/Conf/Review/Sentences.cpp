@@ -31,6 +31,11 @@ std::string Fill(std::string_view message, std::initializer_list<std::string_vie
     return filled;
 }
 
+std::string Say(const char* message, std::initializer_list<std::string_view> texts) {
+    const Core::LocalizationDomain localization = Core::GetLocalizationManagerForDomain(DATAHELPERS_MESSAGE_DOMAIN);
+    return Fill(localization.manager.Find(message, localization.domain), texts);
+}
+
 std::string TextOf(const std::optional<Property>& value) {
     return value ? Core::Excerpt(Core::PropertyValueToString(*value)) : std::string();
 }
