@@ -99,9 +99,9 @@ std::string WordsFor(const Allowed& allowed, const IPropertyConstraint& constrai
         std::string list;
         list.reserve(16 * names.size());
         for (const std::string_view name : names) (list += list.empty() ? "" : ", ") += name;
-        return Fill(Translate(oneOfMessage), {list});
+        return Say(oneOfMessage, {list});
     }
-    if (allowed.min && allowed.max) return Fill(Translate(rangeMessage), {TextOf(allowed.min), TextOf(allowed.max)});
+    if (allowed.min && allowed.max) return Say(rangeMessage, {TextOf(allowed.min), TextOf(allowed.max)});
     const std::string description = constraint.Description(std::string());
     return description == IPropertyConstraint::DESCRIPTION_ID_EVEN_SIZE ? Translate(evenMessage)
                                                                         : Translate(description);
@@ -113,9 +113,9 @@ std::string MessageFor(const Finding& finding) {
     if (finding.problem == Problem::Missing) message = isConditional ? missingWhenMessage : missingMessage;
     if (finding.problem == Problem::WrongType) message = isConditional ? wrongTypeWhenMessage : wrongTypeMessage;
     const std::string otherWords = finding.allowed.words.empty() ? Translate(otherMessage) : std::string();
-    return Fill(Translate(message), {Core::Excerpt(finding.documentPath), TextOf(finding.value),
-                                     finding.allowed.words.empty() ? otherWords : finding.allowed.words,
-                                     Core::Excerpt(DocumentPathOf(finding.conditionPath)), TextOf(finding.condition)});
+    return Say(message, {Core::Excerpt(finding.documentPath), TextOf(finding.value),
+                         finding.allowed.words.empty() ? otherWords : finding.allowed.words,
+                         Core::Excerpt(DocumentPathOf(finding.conditionPath)), TextOf(finding.condition)});
 }
 
 // ------------------------------------------------------------------------------------------------------ judging
@@ -211,8 +211,7 @@ private:
             for (const StreamKind& other : m_kinds) {
                 if (other.type == type || stream.FindChild(other.section) == stream.end()) continue;
                 const std::string section = Path(way.Path(), other.section);
-                Add(Problem::NoPlace, section,
-                    Fill(Translate(otherKindMessage), {Core::Excerpt(section), Core::Excerpt(type)}));
+                Add(Problem::NoPlace, section, Say(otherKindMessage, {Core::Excerpt(section), Core::Excerpt(type)}));
             }
         }
     }
@@ -224,8 +223,7 @@ private:
         if (count <= most) return;
         const std::string path = way.Path();
         Add(Problem::TooMany, path,
-            Fill(Translate(surplusMessage),
-                 {Core::Excerpt(path), m_container.id, Translate(word), std::to_string(most)}));
+            Say(surplusMessage, {Core::Excerpt(path), m_container.id, Translate(word), std::to_string(most)}));
     }
 
     static std::size_t Limit(const Property& defaults, const std::string& tag) {
@@ -243,7 +241,7 @@ private:
     }
 
     void Refuse(const char* message, const std::string& path, const char* word) {
-        Add(Problem::NoPlace, path, Fill(Translate(message), {Core::Excerpt(path), m_container.id, Translate(word)}));
+        Add(Problem::NoPlace, path, Say(message, {Core::Excerpt(path), m_container.id, Translate(word)}));
     }
 
     void Add(Problem problem, const std::string& path, const std::string& message) {
