@@ -105,7 +105,9 @@ std::string WordsFor(const Allowed& allowed, const IPropertyConstraint& constrai
                 (seen & mark) == 0 || std::none_of(allowed.values.begin(), value,
                                                    [&](const Property& before) { return nameOf(before) == name; });
             seen |= mark;
-            if (isNew) (list += count++ == 0 ? "" : ", ") += name;
+            if (!isNew) continue;
+            (list += list.empty() ? "" : ", ") += name;
+            ++count;
         }
         return count == 1 ? list : Say(oneOfMessage, {list});
     }
