@@ -26,6 +26,7 @@
 #include "norvex/Conf/DataHelpers/Queries/GlobalHeaderFunctions.h"
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
 #include "norvex/Conf/Review/CorrectionReport.h"
+#include "norvex/Conf/Review/EnumeratorNames.h"
 #include "norvex/Conf/Review/Fit.h"
 #include "norvex/Conf/Review/Names.h"
 #include "norvex/Conf/Review/PresetAssembly.h"

@@ -27,36 +27,6 @@ using Core::Property;
 const char* const g_pixelFormat = "pixel_format";
 const char* const g_codecData = "codec_data";
 
-const char* NameOf(StreamKind kind) {
-    switch (kind) {
-        case StreamKind::Video:
-            return "video";
-        case StreamKind::Audio:
-            return "audio";
-        case StreamKind::Subtitle:
-            return "subtitle";
-        case StreamKind::Cover:
-            return "cover";
-        case StreamKind::Other:
-            break;
-    }
-    return "other";
-}
-
-const char* NameOf(StreamFit::Answer answer) {
-    switch (answer) {
-        case StreamFit::Answer::AsItIs:
-            return "as_it_is";
-        case StreamFit::Answer::Refused:
-            return "refused";
-        case StreamFit::Answer::Encoded:
-            return "encoded";
-        case StreamFit::Answer::LeftOut:
-            break;
-    }
-    return "left_out";
-}
-
 /// What is in the description beside the stream's node: the codec's data, which are no text.
 SP<const ICodecData> DataOf(const py::object& stream) {
     PyObject* const data = PyDict_GetItemString(stream.ptr(), g_codecData);

@@ -35,24 +35,21 @@ const Row* FindRow(const Row (&rows)[N], const Predicate& predicate) {
 /// back what was written.
 struct Extras {
     const char* muxer;
-    const char* covers;  ///< FFmpeg's codecs of cover pictures, between spaces
-    bool attachments;
     bool chapters;
     bool orientation;
 };
 constexpr Extras g_extras[] = {
-    // muxer      covers                     attachments chapters orientation
-    {"mp4",      " mjpeg png bmp ",          false,      true,    true},
-    {"ipod",     " mjpeg png bmp ",          false,      true,    true},
-    {"f4v",      " mjpeg png bmp ",          false,      true,    true},
-    {"mov",      "",                         false,      true,    true},
-    {"3gp",      "",                         false,      true,    true},
-    {"3g2",      "",                         false,      true,    true},
-    {"matroska", " mjpeg png gif tiff ",     true,       true,    false},
-    {"webm",     "",                         false,      true,    false},
-    {"asf",      "",                         false,      true,    false},
-    {"mp3",      " mjpeg png bmp gif tiff ", false,      true,    false},
-    {"flac",     " mjpeg png bmp tiff ",     false,      false,   false},
+    // muxer    chapters orientation
+    {"mp4",      true,  true},
+    {"ipod",     true,  true},
+    {"f4v",      true,  true},
+    {"mov",      true,  true},
+    {"3gp",      true,  true},
+    {"3g2",      true,  true},
+    {"matroska", true,  false},
+    {"webm",     true,  false},
+    {"asf",      true,  false},
+    {"mp3",      true,  false},
 };
 // clang-format on
 
@@ -200,7 +197,7 @@ bool Holds(const std::string* const (&list)[N], const std::string& id) {
 }
 
 const Extras& ExtrasOf(const std::string& formatId) {
-    static constexpr Extras none = {"", "", false, false, false};
+    static constexpr Extras none = {"", false, false};
     const std::string muxer = MuxerOf(formatId);
     const Extras* const extras = FindRow(g_extras, [&muxer](const Extras& row) { return muxer == row.muxer; });
     return extras != nullptr ? *extras : none;
@@ -224,14 +221,6 @@ bool HasMovableIndex(const std::string& formatId) {
 
 bool HoldsChapters(const std::string& formatId) {
     return ExtrasOf(formatId).chapters;
-}
-
-bool HoldsAttachments(const std::string& formatId) {
-    return ExtrasOf(formatId).attachments;
-}
-
-bool HoldsCover(const std::string& formatId, const std::string& codecId) {
-    return std::string(ExtrasOf(formatId).covers).find(" " + codecId + " ") != std::string::npos;
 }
 
 bool HoldsOrientation(const std::string& formatId) {

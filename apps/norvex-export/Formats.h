@@ -12,6 +12,8 @@
 
 namespace NorvexExport {
 
+using Norvex::Conf::KeepsAttachments;
+using Norvex::Conf::KeepsCover;
 using Norvex::Conf::MuxerOf;
 
 /// The options, by FFmpeg's names, without which that muxer would write something else than the container.
@@ -20,11 +22,8 @@ std::vector<std::pair<std::string, std::string>> MuxerOptionsOf(const std::strin
 /// Whether players begin sooner where the container's index stands before the media, which needs asking for.
 bool HasMovableIndex(const std::string& formatId);
 
-// What a container holds beside its streams, as FFmpeg's muxer writes it.
+// What a container holds beside its streams, as FFmpeg's muxer writes it; KeepsCover and KeepsAttachments tell more.
 bool HoldsChapters(const std::string& formatId);
-bool HoldsAttachments(const std::string& formatId);
-/// Cover pictures of FFmpeg's codec, beside a film or sound.
-bool HoldsCover(const std::string& formatId, const std::string& codecId);
 /// Which way up a picture is shown.
 bool HoldsOrientation(const std::string& formatId);
 

@@ -125,34 +125,12 @@ std::string HeadingOf(const StreamPlan& stream) {
     return text;
 }
 
-const char* VerdictName(Finding::Verdict verdict) {
-    switch (verdict) {
-        case Finding::Verdict::Kept:
-            return "kept";
-        case Finding::Verdict::DoesNotApply:
-            return "does not apply";
-        case Finding::Verdict::Violated:
-            break;
-    }
-    return "broken";
-}
-
-const char* ReasonName(CorrectedValue::Reason reason) {
-    switch (reason) {
-        case CorrectedValue::Reason::Broken:
-            return "broken";
-        case CorrectedValue::Reason::Default:
-            return "default";
-        case CorrectedValue::Reason::Helper:
-            break;
-    }
-    return "helper";
-}
-
 /// One line: who looked, at what, and what came of it.
 std::string FindingText(const Finding& finding) {
-    std::string text = fmt::format("{:<15} {:<20} {}", VerdictName(finding.verdict),
-                                   HelperName(finding.helperKind, finding.helperId), finding.path);
+    std::string verdict = NameOf(finding.verdict);
+    std::replace(verdict.begin(), verdict.end(), '_', ' ');
+    std::string text =
+        fmt::format("{:<15} {:<20} {}", verdict, HelperName(finding.helperKind, finding.helperId), finding.path);
     if (finding.value) text += " = " + PropertyValueToString(*finding.value);
     const bool isViolated = finding.verdict == Finding::Verdict::Violated;
     const std::string allowed =
@@ -215,8 +193,8 @@ std::string StreamText(const StreamPlan& stream, bool explain, const Style& styl
 
 Value FindingJson(const Finding& finding) {
     return {{"helper", HelperName(finding.helperKind, finding.helperId)},
-            {"kind", finding.source == Finding::Source::Rule ? "rule" : "constraint"},
-            {"verdict", VerdictName(finding.verdict)},
+            {"kind", NameOf(finding.source)},
+            {"verdict", NameOf(finding.verdict)},
             {"path", finding.path},
             {"value", finding.value ? PlainFormOf(*finding.value) : Value()},
             {"conditionPath", finding.conditionPath},
@@ -284,7 +262,7 @@ std::string PlanJson(const Plan& plan, const ExportResult* result) {
                                {"from", change->before ? PlainFormOf(*change->before) : Value()},
                                {"to", change->after ? PlainFormOf(*change->after) : Value()},
                                {"by", by},
-                               {"reason", ReasonName(change->reason)},
+                               {"reason", NameOf(change->reason)},
                                {"message", change->broken ? change->broken->message : std::string()}});
         }
         Value json = {{"type", KindName(stream.kind)},

@@ -4,6 +4,7 @@
 #include <sstream>
 #include <vector>
 
+#include "norvex/Conf/Review/EnumeratorNames.h"
 #include "norvex/document/PresetDocument.h"
 
 namespace NorvexRules {
@@ -19,37 +20,11 @@ Value FormOf(const std::optional<Core::Property>& value) {
     return value ? PlainFormOf(*value) : Value();
 }
 
-const char* SourceName(Finding::Source source) {
-    switch (source) {
-        case Finding::Source::Constraint:
-            return "constraint";
-        case Finding::Source::Rule:
-            return "rule";
-        case Finding::Source::Helper:
-            break;
-    }
-    return "helper";
-}
-
-const char* OutcomeName(MendedValue::Outcome outcome) {
-    switch (outcome) {
-        case MendedValue::Outcome::Kept:
-            return "kept";
-        case MendedValue::Outcome::Corrected:
-            return "corrected";
-        case MendedValue::Outcome::Defaulted:
-            return "defaulted";
-        case MendedValue::Outcome::Dropped:
-            break;
-    }
-    return "dropped";
-}
-
 Value FormOf(const std::vector<Finding>& findings) {
     Value::List list;
     for (const Finding& finding : findings) {
         list.push_back({{"helper", finding.helperKind + (finding.helperId.empty() ? "" : " " + finding.helperId)},
-                        {"kind", SourceName(finding.source)},
+                        {"kind", NameOf(finding.source)},
                         {"path", finding.documentPath},
                         {"value", FormOf(finding.value)},
                         {"allowed", finding.allowed.words},
@@ -131,7 +106,7 @@ std::string JudgementJson(const MendedPreset& mended) {
     Value::List values;
     for (const MendedValue& value : mended.values) {
         values.push_back({{"path", value.path},
-                          {"outcome", OutcomeName(value.outcome)},
+                          {"outcome", NameOf(value.outcome)},
                           {"before", FormOf(value.before)},
                           {"after", FormOf(value.after)},
                           {"message", value.message}});

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "norvex/Conf/Review/EnumeratorNames.h"
 #include "norvex/document/TreeForm.h"
 #include "norvex/foundation/Property.h"
 
@@ -16,36 +17,6 @@ using Norvex::Core::PropertyValueToString;
 using Norvex::Document::PlainFormOf;
 using Norvex::Document::Value;
 using Answer = StreamFit::Answer;
-
-const char* NameOf(Answer answer) {
-    switch (answer) {
-        case Answer::AsItIs:
-            return "as it is";
-        case Answer::Refused:
-            return "refused";
-        case Answer::Encoded:
-            return "encoded";
-        case Answer::LeftOut:
-            break;
-    }
-    return "left out";
-}
-
-const char* NameOf(StreamKind kind) {
-    switch (kind) {
-        case StreamKind::Video:
-            return "video";
-        case StreamKind::Audio:
-            return "audio";
-        case StreamKind::Subtitle:
-            return "subtitle";
-        case StreamKind::Cover:
-            return "cover";
-        case StreamKind::Other:
-            break;
-    }
-    return "other";
-}
 
 /// What the table says of one stream.
 std::string CellOf(const StreamFit& fit) {

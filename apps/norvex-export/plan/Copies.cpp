@@ -135,7 +135,7 @@ bool PlanCopy(Draft& draft, const VideoSource& source, const Request& own) {
 }
 
 bool PlanCoverCopy(Draft& draft, const VideoSource& source, const Request& own) {
-    const bool isFit = source.isAttachedPicture && HoldsCover(draft.plan.formatId, source.codecId);
+    const bool isFit = source.isAttachedPicture && KeepsCover(draft.plan.formatId, source.codecId);
     return own.copy && isFit && !AsksOfPicture(own) && PlanCopy(draft, StreamKind::Cover, source, WordsFor(source));
 }
 

@@ -65,7 +65,7 @@ public:
         LeaveOutUnwanted();
         LimitPictures(selection);
         LimitSounds(selection.sounds);
-        if (!HoldsAttachments(m_draft.plan.formatId)) LeaveOut(selection.attachments, "no attachments");
+        if (!KeepsAttachments(m_draft.plan.formatId)) LeaveOut(selection.attachments, "no attachments");
         if (!m_request.copy) {
             m_draft.LeaveOut(selection.data, "data goes over with --copy alone");
             selection.data.clear();
@@ -167,13 +167,13 @@ private:
 
     void LimitCovers(std::vector<const VideoSource*>& covers) {
         const auto isUnknown = [this](const VideoSource* cover) {
-            return !HoldsCover(m_draft.plan.formatId, cover->codecId);
+            return !KeepsCover(m_draft.plan.formatId, cover->codecId);
         };
         const auto firstUnknown =
             std::stable_partition(covers.begin(), covers.end(), [&](const auto* cover) { return !isUnknown(cover); });
         std::vector<const VideoSource*> unknown(firstUnknown, covers.end());
         covers.erase(firstUnknown, covers.end());
-        const bool holdsSome = HoldsCover(m_draft.plan.formatId, "mjpeg");
+        const bool holdsSome = KeepsCover(m_draft.plan.formatId, "mjpeg");
         LeaveOut(unknown, holdsSome && !unknown.empty() ? "no covers of " + unknown.front()->codecId : "no covers");
         KeepOthers("covers", covers);
     }

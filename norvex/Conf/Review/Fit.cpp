@@ -362,7 +362,7 @@ private:
         fit.kind = stream.kind;
         fit.codecId = stream.codecId;
         const auto conclude = [&](const char* message, const std::string& more = {}) {
-            fit.reason = Fill(Translate(message), {stream.codecId, container.id, more});
+            fit.reason = Say(message, {stream.codecId, container.id, more});
             return fit;
         };
         if (!stream.isKnown) return conclude(unknownMessage);

@@ -76,10 +76,10 @@ std::string FrameRateText(const Core::Ratio& rate) {
     if (rate == Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE) return Translate(sourceWord);
     const double thousandths = 1000.0 * static_cast<double>(rate.numerator()) / static_cast<double>(rate.denominator());
     const std::string ratio = std::to_string(rate.numerator()) + "/" + std::to_string(rate.denominator());
-    if (!(std::abs(thousandths) < 1e15)) return Fill(Translate(rateMessage), {ratio});
+    if (!(std::abs(thousandths) < 1e15)) return Say(rateMessage, {ratio});
     const std::string decimal = Decimal(std::llround(thousandths), 3);
     const bool isExact = 1000 % rate.denominator() == 0;
-    return isExact ? Fill(Translate(rateMessage), {decimal}) : Fill(Translate(ratioMessage), {decimal, ratio});
+    return isExact ? Say(rateMessage, {decimal}) : Say(ratioMessage, {decimal, ratio});
 }
 
 std::string BytesText(long long bytes) {
@@ -96,7 +96,7 @@ std::string ColourText(long long colour) {
     char hex[8] = "";
     std::snprintf(hex, sizeof hex, "#%06X", static_cast<unsigned>(colour & 0xFFFFFF));
     if ((colour & opaque) == opaque) return hex;
-    return Fill(Translate(opaqueMessage), {hex, std::to_string(((colour >> 24) & 0xFF) * 100 / 0xFF)});
+    return Say(opaqueMessage, {hex, std::to_string(((colour >> 24) & 0xFF) * 100 / 0xFF)});
 }
 
 std::string FourCCText(long long code) {
@@ -114,7 +114,7 @@ std::string SampleFormatText(const std::string& name) {
         const char* const message = isFloat         ? record.planar ? planarFloatMessage : floatMessage
                                     : record.planar ? planarMessage
                                                     : bitsMessage;
-        return Fill(Translate(message), {std::to_string(record.bits)});
+        return Say(message, {std::to_string(record.bits)});
     } catch (const FormatException&) {
         return Core::Excerpt(name);
     }
@@ -148,11 +148,11 @@ std::string IntegerText(Unit unit, long long value) {
         case Unit::Hertz:
             return FrequencyText(value);
         case Unit::Pixels:
-            return Fill(Translate(pixelsMessage), {std::to_string(value)});
+            return Say(pixelsMessage, {std::to_string(value)});
         case Unit::Frames:
-            return Fill(Translate(value == 1 ? frameMessage : framesMessage), {std::to_string(value)});
+            return Say(value == 1 ? frameMessage : framesMessage, {std::to_string(value)});
         case Unit::Bits:
-            return Fill(Translate(bitsMessage), {std::to_string(value)});
+            return Say(bitsMessage, {std::to_string(value)});
         case Unit::Bytes:
             return BytesText(value);
         case Unit::Microseconds:
@@ -217,7 +217,7 @@ std::string FullNameForPeople(const std::string& kind, const std::string& id) {
         const std::vector<std::string> extensions = FileExtensions(id);
         more = extensions.empty() ? std::string() : "." + extensions.front();
     }
-    return more.empty() ? name : Fill(Translate(fullNameMessage), {name, more});
+    return more.empty() ? name : Say(fullNameMessage, {name, more});
 }
 
 std::vector<std::string> FileExtensions(const std::string& formatId) {

@@ -194,7 +194,7 @@ Finding ForeignFinding(const Property& section, const std::string& path) {
     finding.path = path;
     finding.documentPath = path;
     const std::string& name = finding.helperId.empty() ? finding.helperKind : finding.helperId;
-    finding.message = Fill(Translate(foreignMessage), {Core::Excerpt(path), Core::Excerpt(name)});
+    finding.message = Say(foreignMessage, {Core::Excerpt(path), Core::Excerpt(name)});
     return finding;
 }
 
@@ -256,8 +256,8 @@ std::optional<Finding> JudgeSize(const Property& assembled, const NamedHelper& c
     finding.documentPath = SizePath();
     finding.allowed = offered.allowed;
     finding.message =
-        Fill(Translate(sizeMessage), {finding.path, std::to_string(size->first) + " x " + std::to_string(size->second),
-                                      finding.allowed.words, codec.id});
+        Say(sizeMessage, {finding.path, std::to_string(size->first) + " x " + std::to_string(size->second),
+                          finding.allowed.words, codec.id});
     return finding;
 }
 
@@ -368,10 +368,10 @@ private:
     }
     void TellDefault(const std::string& path, const Property* before, const Property& after, const std::string& name) {
         Tell(Outcome::Defaulted, path, before, &after,
-             Fill(Translate(defaultedMessage), {Core::Excerpt(path), TextOf(after), Core::Excerpt(name)}));
+             Say(defaultedMessage, {Core::Excerpt(path), TextOf(after), Core::Excerpt(name)}));
     }
     void TellDropped(const std::string& path, const Property& before) {
-        Tell(Outcome::Dropped, path, &before, nullptr, Fill(Translate(droppedMessage), {Core::Excerpt(path)}));
+        Tell(Outcome::Dropped, path, &before, nullptr, Say(droppedMessage, {Core::Excerpt(path)}));
     }
     void Remove(const std::string& path) {
         if (!m_preset.ChildExists(path)) return;
@@ -531,8 +531,7 @@ private:
             } else if (after == nullptr) {
                 TellDropped(below, before);
             } else if (*after == before) {
-                Tell(Outcome::Kept, below, &before, after,
-                     Fill(Translate(keptMessage), {Core::Excerpt(below), TextOf(before)}));
+                Tell(Outcome::Kept, below, &before, after, Say(keptMessage, {Core::Excerpt(below), TextOf(before)}));
             } else {
                 TellDefault(below, &before, *after, name);
             }
@@ -638,7 +637,7 @@ private:
             TellDefault(path, &before, value, NameOf(HelperOf(m_preset, kind)));
         } else {
             Tell(outcome, path, &before, &value,
-                 Fill(Translate(correctedMessage), {Core::Excerpt(path), TextOf(value), TextOf(before)}));
+                 Say(correctedMessage, {Core::Excerpt(path), TextOf(value), TextOf(before)}));
         }
     }
 

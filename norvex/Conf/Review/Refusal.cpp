@@ -101,8 +101,7 @@ Refusal WhyRefused(const std::string& formatId, const IFormatCodec& codec) {
 }
 
 std::string WordsFor(Refusal refusal, const std::string& formatId, const std::string& codecId, long long tag) {
-    return refusal == Refusal::None ? std::string()
-                                    : Fill(Translate(MessageFor(refusal)), {codecId, formatId, TextOfTag(tag)});
+    return refusal == Refusal::None ? std::string() : Say(MessageFor(refusal), {codecId, formatId, TextOfTag(tag)});
 }
 
 }  // namespace Norvex::Conf

@@ -8,10 +8,7 @@ namespace Norvex::Conf {
 
 using Core::Property;
 
-std::string Translate(const std::string& message) {
-    const Core::LocalizationDomain localization = Core::GetLocalizationManagerForDomain(DATAHELPERS_MESSAGE_DOMAIN);
-    return localization.manager.Translate(message, localization.domain);
-}
+namespace {
 
 std::string Fill(std::string_view message, std::initializer_list<std::string_view> texts) {
     std::string filled;
@@ -29,6 +26,18 @@ std::string Fill(std::string_view message, std::initializer_list<std::string_vie
     }
     filled += message;
     return filled;
+}
+
+}  // namespace
+
+std::string Translate(const std::string& message) {
+    const Core::LocalizationDomain localization = Core::GetLocalizationManagerForDomain(DATAHELPERS_MESSAGE_DOMAIN);
+    return localization.manager.Translate(message, localization.domain);
+}
+
+std::string Say(const char* message, std::initializer_list<std::string_view> texts) {
+    const Core::LocalizationDomain localization = Core::GetLocalizationManagerForDomain(DATAHELPERS_MESSAGE_DOMAIN);
+    return Fill(localization.manager.Find(message, localization.domain), texts);
 }
 
 std::string TextOf(const std::optional<Property>& value) {
