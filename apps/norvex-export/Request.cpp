@@ -6,6 +6,7 @@
 #include <cctype>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <stdexcept>
 
 #include "Asked.h"
@@ -25,6 +26,7 @@ using Core::Property;
 using Proc::IResize;
 
 const char* const g_automatic = "auto";
+const char* const g_bare = "true";  ///< what the parser makes of a flag without a value
 
 /// What cannot be made of an option's text; what() is for the user, without the option's name.
 class TextError : public std::runtime_error {
@@ -56,7 +58,7 @@ using Take = std::function<void(const std::string& text, const Taker& taker)>;
 /// An option, as the command line and its help have it.
 struct Option {
     const char* name;
-    const char* value;  ///< what the help calls the value; null for a flag
+    const char* value;  ///< what the help calls the value; null for a flag, and in brackets for one that may have one
     std::string help;   ///< what it may be, in lines of half a terminal
     Take take;
 };
@@ -226,6 +228,13 @@ void TakeStreams(const std::string& text, const Taker& taker) {
     for (const std::string& part : parts) streams.push_back(ParseStreams(part));
 }
 
+void TakeCopy(const std::string& text, const Taker& taker) {
+    const bool isAll = boost::algorithm::to_lower_copy(text) == "all";
+    if (!isAll && text != g_bare) throw TextError("'" + text + "' is not all");
+    taker.GetRequest().copy = true;
+    taker.GetRequest().copyAll = isAll;
+}
+
 void TakeDeinterlacing(const std::string& text, const Taker& taker) {
     constexpr std::pair<const char*, Deinterlacing> wishes[] = {
         {"auto", Deinterlacing::Auto}, {"on", Deinterlacing::On}, {"off", Deinterlacing::Off}};
@@ -242,10 +251,12 @@ std::vector<Option> GeneralOptions() {
          "Container, such as mp4, mkv or mov (default: by the\n"
          "extension of OUTPUT). norvex-rules list has them all",
          NameOrOpen(Path({P::KEY_FORMAT, Conf::IFormatFile::TAG_CONTAINER}))},
-        {"--copy", nullptr,
+        {"--copy", "[=all]",
          "Carry over unchanged each stream of which nothing is\n"
-         "asked and that the container takes as it is",
-         Flag(&Request::copy)},
+         "asked and that the container takes as it is; with\n"
+         "=all also what FFmpeg carries and the rule book\n"
+         "refuses",
+         TakeCopy},
         {"--streams", "LIST",
          "What is taken of the input, by number, kind and language:\n"
          "0,2 or video,audio:eng,subtitles (kinds: video, audio,\n"
@@ -352,10 +363,24 @@ std::vector<Option> SubtitleOptions() {
     };
 }
 
+/// A flag that may have a value behind an equals sign, and never takes the next word for it.
+CLI::Option* AddFlagWithValue(CLI::App& app, const Option& option, const Taker& taker) {
+    const auto text = std::make_shared<std::string>();  // which the parser wants, and `check` keeps
+    const auto take = [take = option.take, taker, text](const std::string& value) -> std::string {
+        try {
+            take(value, taker);
+            return {};
+        } catch (const TextError& error) {
+            return error.what();
+        }
+    };
+    return app.add_flag(option.name, *text, option.help)->check(take)->option_text(option.value);
+}
+
 void AddOptions(CLI::App& app, Request& request, const std::string& group, const std::vector<Option>& options) {
     for (const Option& option : options) {
-        const auto take = [take = option.take, taker = Taker(request, option.name),
-                           name = std::string(option.name)](const std::string& text) {
+        const Taker own(request, option.name);
+        const auto take = [take = option.take, taker = own, name = std::string(option.name)](const std::string& text) {
             try {
                 take(text, taker);
             } catch (const TextError& error) {
@@ -363,9 +388,10 @@ void AddOptions(CLI::App& app, Request& request, const std::string& group, const
             }
         };
         CLI::Option* const added =
-            option.value == nullptr
-                ? app.add_flag_callback(
-                      option.name, [take] { take({}); }, option.help)
+            option.value == nullptr ? app.add_flag_callback(
+                                          option.name, [take] { take({}); }, option.help)
+            : option.value[0] == '['
+                ? AddFlagWithValue(app, option, own)
                 : app.add_option_function<std::string>(option.name, take, option.help)->option_text(option.value);
         added->group(group)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     }
@@ -383,7 +409,8 @@ const char* const g_examples = R"(Examples:
   norvex-export film.mov film.mp4 --audio-bitrate 128k --audio-bitrate:1 64k
       one stream by its number otherwise than the others
   norvex-export film.mov film.mkv --copy
-      another container, with what is in it unchanged
+      another container, with what is in it unchanged; --copy=all goes
+      by FFmpeg's word alone
   norvex-export film.mov song.mp3 --audio-bitrate 192k
       the sound alone
   norvex-export film.mov film.gif --size 320x180 --fps 10
