@@ -32,13 +32,18 @@ bool IsControl(utf::code_point character) noexcept {
 }  // namespace
 
 std::string Excerpt(std::string_view text) {
+    std::string shown;
+    return std::string(Excerpt(text, shown));
+}
+
+std::string_view Excerpt(std::string_view text, std::string& shown) {
     constexpr int longest = 100;
     const auto isPlain = [](char c) { return c >= ' ' && c < 0x7F; };
-    if (text.size() <= longest && std::all_of(text.begin(), text.end(), isPlain)) return std::string(text);
-    std::string shown;
+    if (text.size() <= longest && std::all_of(text.begin(), text.end(), isPlain)) return text;
+    shown.clear();
     int count = 0;
     while (!text.empty()) {
-        if (count == longest) return shown + "…";
+        if (count == longest) return shown += "…";
         const std::string_view rest = text;
         const utf::code_point character = TakeCharacter(text);
         if (character == utf::illegal) {

@@ -10,6 +10,10 @@ std::string LocalizationManager::Translate(const std::string& message, const std
     return dgettext(domain.c_str(), message.c_str());
 }
 
+std::string_view LocalizationManager::Find(const char* message, const std::string& domain) const noexcept {
+    return dgettext(domain.c_str(), message);
+}
+
 LocalizationDomain GetLocalizationManagerForDomain(const std::string& domain) {
     static const LocalizationManager manager;
     return {manager, domain};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "norvex/foundation/Export.h"
 
@@ -11,6 +12,8 @@ namespace Norvex::Core {
 class NORVEX_API LocalizationManager {
 public:
     std::string Translate(const std::string& message, const std::string& domain) const;
+    /// The same for a message that is not empty, as gettext holds it: good until the locale or a catalogue is changed.
+    std::string_view Find(const char* message, const std::string& domain) const noexcept;
 };
 
 /// The manager and the gettext domain to ask it about.

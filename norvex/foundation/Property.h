@@ -128,6 +128,9 @@ public:
     bool ChildExists(const std::string& path) const noexcept { return FindByPath(path) != nullptr; }
     /// What the path leads to, or null.
     const Property* FindByPath(std::string_view path) const noexcept;
+    Property* FindByPath(std::string_view path) noexcept {
+        return const_cast<Property*>(std::as_const(*this).FindByPath(path));
+    }
 
     /// The direct child of that name, or end(). Takes a name and not a path, like all that follow.
     const_iterator FindChild(std::string_view name) const noexcept;

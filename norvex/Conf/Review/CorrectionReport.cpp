@@ -1,8 +1,11 @@
 #include "norvex/Conf/Review/CorrectionReport.h"
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <iterator>
 #include <map>
+#include <memory_resource>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -32,6 +35,7 @@ public:
         if (m_rest.empty()) {
             if (m_next == m_node->end()) return nullptr;
             if (m_next->GetName() == name) return &*m_next++;
+            m_isInOrder = false;
             for (; m_next != m_node->end(); ++m_next) m_rest.emplace(m_next->GetName(), &*m_next);
         }
         const auto child = m_rest.lower_bound(name);
@@ -41,11 +45,14 @@ public:
         return taken;
     }
 
+    /// Whether all names came in the node's own order.
+    bool IsInOrder() const { return m_isInOrder; }
     bool HasMore() const { return !m_rest.empty() || (m_node != nullptr && m_next != m_node->end()); }
 
 private:
     const Property* m_node;
     Property::const_iterator m_next;  ///< up to it, all are taken
+    bool m_isInOrder = true;
     std::multimap<std::string_view, const Property*> m_rest;
 };
 
@@ -56,34 +63,41 @@ struct Step {
     Siblings others;  ///< of the node in its place in the other tree
 };
 
+/// What the walk through a tree saw of another.
+struct Likeness {
+    bool hasOtherMore = false;  ///< the other may have leaves in places where this one has none
+    bool isInOrder = true;      ///< what is in both stands in the same order
+};
+
 /// Tells of each leaf of a tree the way to it, and the leaf in its place in another tree, or null. A node that has lost
 /// or got all its children is no leaf to tell of: they say what happened. Without recursion: a stream's node may be
-/// deeper than the stack. Gives whether the other tree may have leaves in places where this one has none.
+/// deeper than the stack.
 template <class Tell>
-bool CompareLeaves(const Property& tree, const Property& other, const Tell& tell) {
-    bool hasOtherMore = false;
+Likeness CompareLeaves(const Property& tree, const Property& other, const Tell& tell) {
+    Likeness seen;
     std::vector<Step> way;
     way.push_back({&tree, tree.begin(), Siblings(&other)});
     while (!way.empty()) {
         Step& step = way.back();
         if (step.next == step.node->end()) {
-            hasOtherMore = hasOtherMore || step.others.HasMore();
+            seen.hasOtherMore = seen.hasOtherMore || step.others.HasMore();
+            seen.isInOrder = seen.isInOrder && step.others.IsInOrder();
             way.pop_back();
             continue;
         }
         const Property& child = *step.next++;
         const Property* const twin = step.others.Take(child.GetName());
         if (child.Count() > 0) {
-            hasOtherMore = hasOtherMore || (twin != nullptr && twin->Count() == 0);
+            seen.hasOtherMore = seen.hasOtherMore || (twin != nullptr && twin->Count() == 0);
             way.push_back({&child, child.begin(), Siblings(twin)});
         } else if (twin == nullptr || twin->Count() == 0) {
             tell(way, child, twin);
         } else {
-            hasOtherMore = true;
+            seen.hasOtherMore = true;
             if (child.GetType() != PT_NODE) tell(way, child, nullptr);
         }
     }
-    return hasOtherMore;
+    return seen;
 }
 
 std::string PathOf(const std::vector<Step>& way, const Property& leaf) {
@@ -107,10 +121,12 @@ struct Changes {
     std::vector<const Property*> values = {};  ///< that are there now, or null, of each from the first on
 };
 
-/// Adds what differs in two states of a stream: what is there now first, then what was taken away.
-void AddChanges(const Property& before, const Property& after, const NamedHelper& named, Changes& changes) {
+/// Adds what differs in two states of a stream: what is there now first, then what was taken away. Gives whether they
+/// are the same altogether.
+bool AddChanges(const Property& before, const Property& after, const NamedHelper& named, Changes& changes) {
     const auto add = [&](const auto& way, const Property& leaf, const Property* former, const Property* now) {
         if (changes.report.empty()) changes.report.reserve(4);  // who changes one value often changes a few
+        if (changes.values.empty()) changes.values.reserve(4);
         CorrectedValue& told = changes.report.emplace_back();
         told.helperKind = named.kind;
         told.helperId = named.id;
@@ -119,17 +135,50 @@ void AddChanges(const Property& before, const Property& after, const NamedHelper
         if (now != nullptr) told.after = *now;
         changes.values.push_back(now);
     };
-    const bool isSomeGone =
+    const Likeness seen =
         CompareLeaves(after, before, [&](const auto& way, const Property& leaf, const Property* former) {
             if (former == nullptr || !IsSame(*former, leaf)) add(way, leaf, former, &leaf);
         });
-    if (!isSomeGone) return;
+    if (!seen.hasOtherMore) return seen.isInOrder && changes.values.empty();
     CompareLeaves(before, after, [&](const auto& way, const Property& leaf, const Property* now) {
         if (now == nullptr) add(way, leaf, &leaf, nullptr);
     });
+    return false;
 }
 
 // ------------------------------------------------------------------------------------------------- why it changed
+
+/// FindByPath of many paths in trees that do not change meanwhile: what many children are called is read once.
+class Paths {
+public:
+    explicit Paths(std::pmr::memory_resource& memory) : m_children(&memory) {}
+
+    const Property* Find(const Property& root, std::string_view path) {
+        const Property* node = &root;
+        for (;;) {
+            const std::size_t end = path.find(Property::SEPARATOR);
+            node = Child(*node, path.substr(0, end));
+            if (node == nullptr || end == std::string_view::npos) return node;
+            path.remove_prefix(end + Property::SEPARATOR.size());
+        }
+    }
+
+private:
+    using Children = std::pmr::unordered_map<std::string_view, const Property*>;
+
+    const Property* Child(const Property& node, std::string_view name) {
+        constexpr std::size_t few = 16;
+        if (node.Count() <= few) return node.FindByPath(name);
+        Children& children = m_children[&node];
+        if (children.empty()) {
+            for (const Property& child : node) children.emplace(child.GetName(), &child);
+        }
+        const auto child = name.empty() ? children.end() : children.find(name);
+        return child != children.end() ? child->second : nullptr;
+    }
+
+    std::pmr::unordered_map<const Property*, Children> m_children;
+};
 
 /// Says why a helper changed values. The helper is asked once, whatever the number of changes.
 class Reasons {
@@ -138,21 +187,18 @@ public:
     Reasons(const NamedHelper& named, const Property& stream)
         : m_named(named),
           m_stream(stream),
-          m_said(*named.helper),
-          m_defaults(m_said.Defaults()),
+          m_helper(*named.helper),
+          m_defaults(m_helper.Defaults()),
           m_preset(AssembleStream(stream)) {}
 
     void GiveTo(const Changes& changes) {
         Collect(changes);
-        for (std::size_t i = 0; i < changes.values.size(); ++i) {
-            CorrectedValue& told = changes.report[changes.first + i];
-            const Said& said = m_about[told.path];
-            // Values that share a name, or have a separator in it, share a path; it leads to one of them.
-            if (said.value == nullptr || said.value != changes.values[i]) continue;
-            if (told.before) told.broken = WhatBroke(told, said);
+        for (const Said& said : m_said) {
+            CorrectedValue& told = said.told;
+            if (told.before) told.broken = WhatBroke(said);
             if (told.broken) {
                 told.reason = CorrectedValue::Reason::Broken;
-            } else if (const Property* const standard = m_defaults.FindByPath(told.path);
+            } else if (const Property* const standard = m_paths.Find(m_defaults, told.path);
                        standard != nullptr && *standard == *told.after) {
                 told.reason = CorrectedValue::Reason::Default;
             }
@@ -169,39 +215,65 @@ private:
         Way way;
     };
 
-    /// What the helper says about one value of the stream.
+    /// What the helper says about one changed value of the stream.
     struct Said {
-        const Property* value = nullptr;  ///< that the path leads to, or null
-        std::vector<SaidOfValue> constraints;
-        std::vector<const ReadRule*> rules;
+        Said(CorrectedValue& changed, std::pmr::memory_resource& memory)
+            : told(changed), path(&memory), constraints(&memory), rules(&memory) {}
+
+        CorrectedValue& told;
+        std::pmr::string path;                 ///< in the preset's section of the codec
+        std::array<Property*, 2> places = {};  ///< where it stands in the preset, or null
+        std::pmr::vector<SaidOfValue> constraints;
+        std::pmr::vector<const ReadRule*> rules;
     };
 
     /// Looks up what the helper says about the changed values, each of its constraints and rules once.
     void Collect(const Changes& changes) {
-        m_about.reserve(changes.values.size());
-        for (std::size_t i = changes.first; i < changes.report.size(); ++i) {
-            const std::string& path = changes.report[i].path;
-            m_about[path].value = m_stream.FindByPath(path);
+        m_said.reserve(changes.values.size());  // they are referred to
+        m_about.reserve(2 * changes.values.size());
+        for (std::size_t i = 0; i < changes.values.size(); ++i) {
+            CorrectedValue& told = changes.report[changes.first + i];
+            // Values that share a name, or have a separator in it, share a path; it leads to one of them.
+            const Property* const value = m_paths.Find(m_stream, told.path);
+            if (value != nullptr && value == changes.values[i]) Add(told);
         }
-        const std::string& section = SectionOf(m_named.kind);
-        for (const auto& constraint : m_said.Constraints()) {
-            VisitValues(m_preset, section, constraint.first, [&](const Property& value, const Way& way) {
-                const auto said = m_about.find(WithinStream(way.Path()));
-                if (said != m_about.end()) said->second.constraints.push_back({constraint, value, way});
+        const SectionOfPreset place(m_preset, SectionOf(m_named.kind));
+        for (const auto& constraint : m_helper.Constraints()) {
+            VisitValues(place, constraint.first, [&](const Property& value, const Way& way) {
+                const auto said = m_about.find(way.PathIn(m_path));
+                if (said != m_about.end()) said->second->constraints.push_back({constraint, value, way});
             });
         }
-        for (const ReadRule& rule : m_said.Rules()) {
-            const auto said = m_about.find(WithinStream(rule.rule->GetSecondPath()));
-            if (said != m_about.end()) said->second.rules.push_back(&rule);
+        for (const ReadRule& rule : m_helper.Rules()) {
+            const auto said = m_about.find(rule.rule->GetSecondPath());
+            if (said != m_about.end()) said->second->rules.push_back(&rule);
         }
     }
 
+    void Add(CorrectedValue& told) {
+        Said& said = m_said.emplace_back(told, m_memory);
+        const std::string* const section = CodecSectionOf(m_stream.GetName());
+        if (section == nullptr) return;
+        ((said.path += *section) += Property::SEPARATOR) += told.path;
+        AddPlace(said, 0, said.path);
+        const std::string* const other = OtherPlaceOf(m_stream.GetName(), told.path);
+        if (other != nullptr) AddPlace(said, 1, *other);
+    }
+
+    void AddPlace(Said& said, std::size_t index, std::string_view path) {
+        m_about.emplace(path, &said);
+        said.places[index] = const_cast<Property*>(m_paths.Find(m_preset, path));  // the preset is ours
+    }
+
     /// What the former value would break if all others stood as they stand now.
-    std::optional<Finding> WhatBroke(const CorrectedValue& told, const Said& said) {
+    std::optional<Finding> WhatBroke(const Said& said) {
         if (said.constraints.empty() && said.rules.empty()) return std::nullopt;
-        std::vector<Property*> places;
-        for (const std::string& path : PresetPathsOf(m_stream.GetName(), told.path)) places.push_back(&m_preset[path]);
-        for (Property* const place : places) place->CopyDataFrom(*told.before);
+        const auto put = [&said](const Property& value) {
+            for (Property* const place : said.places) {
+                if (place != nullptr) place->CopyDataFrom(value);
+            }
+        };
+        put(*said.told.before);
         m_found.clear();
         for (const auto& [constraint, value, way] : said.constraints) {
             if (m_found.empty()) ExplainConstraint(m_named, constraint, value, way, Wanted::Violations, m_found);
@@ -209,18 +281,23 @@ private:
         for (const ReadRule* const rule : said.rules) {
             if (m_found.empty()) ExplainRule(m_preset, m_named, *rule, Wanted::Violations, m_found);
         }
-        for (Property* const place : places) place->CopyDataFrom(*told.after);
+        put(*said.told.after);
         if (m_found.empty()) return std::nullopt;
         return std::move(m_found.front());
     }
 
     const NamedHelper& m_named;
     const Property& m_stream;
-    Reading m_said;
+    Reading m_helper;
     const Property& m_defaults;
     Property m_preset;
-    std::unordered_map<std::string_view, Said> m_about;  ///< by the path in the stream
-    std::vector<Finding> m_found;                        ///< kept for its memory
+    std::array<std::byte, 4096> m_first;  ///< enough for what most corrections change
+    std::pmr::monotonic_buffer_resource m_memory{m_first.data(), m_first.size()};
+    Paths m_paths{m_memory};
+    std::pmr::vector<Said> m_said{&m_memory};
+    std::pmr::unordered_map<std::string_view, Said*> m_about{&m_memory};  ///< by the paths in the preset
+    std::vector<Finding> m_found;                                         ///< kept for its memory
+    std::string m_path;                                                   ///< likewise
 };
 
 }  // namespace
@@ -234,11 +311,12 @@ CorrectionReport CorrectWithReport(Property& stream, const std::vector<NamedHelp
             if (!report.failure) report.failure = std::current_exception();
         }
     };
+    std::optional<Property> before;   // the stream, while no helper has changed it since
     std::optional<Property> settled;  // the preset of the stream, while no helper may have changed it since
     for (const NamedHelper& named : helpers) {
         if (!named.helper) continue;
         settled.reset();
-        const Property before = stream;
+        if (!before) before.emplace(stream);
         std::exception_ptr failure;
         try {
             named.helper->CorrectFormatCodec(stream);
@@ -246,7 +324,7 @@ CorrectionReport CorrectWithReport(Property& stream, const std::vector<NamedHelp
             failure = std::current_exception();
         }
         Changes changes{report.changes, report.changes.size()};
-        AddChanges(before, stream, named, changes);
+        if (!AddChanges(*before, stream, named, changes)) before.reset();
         if (failure) report.failure = failure;
         if (!changes.values.empty()) {
             ask([&] {

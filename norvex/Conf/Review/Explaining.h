@@ -24,6 +24,8 @@ public:
     explicit Way(const Parts&... parts) : m_parts{std::string_view(parts)...}, m_count(sizeof...(parts)) {}
 
     std::string Path() const;
+    /// The same, in the memory that a text has already.
+    const std::string& PathIn(std::string& path) const;
     bool operator==(std::string_view path) const noexcept;
 
 private:
@@ -36,6 +38,12 @@ bool Take(std::string_view& text, std::string_view part) noexcept;
 
 /// AssemblePreset of one stream alone.
 Core::Property AssembleStream(const Core::Property& stream);
+
+/// The section of a preset that a stream's flat node goes to; null where it is no stream's.
+const std::string* CodecSectionOf(const std::string& streamName);
+
+/// The path to which a value of a stream goes beside that section; null where it goes nowhere else.
+const std::string* OtherPlaceOf(const std::string& streamName, std::string_view streamPath);
 
 /// What StreamPathOf gives, without a text of its own.
 std::string_view WithinStream(std::string_view presetPath);
@@ -54,12 +62,22 @@ std::optional<StreamKey> ParseStreamKey(std::string_view key);
 /// The section of a preset that a kind of helper rules.
 const std::string& SectionOf(const std::string& kind);
 
+/// A section of a preset, which may not be there, and the way to what constraints say of it.
+struct SectionOfPreset {
+    SectionOfPreset(const Core::Property& whole, const std::string& path)
+        : preset(whole), section(path), own(preset.FindByPath(section)) {}
+
+    const Core::Property& preset;
+    const std::string& section;
+    const Core::Property* const own;
+};
+
 /// Calls `see` with each value that the constraint of a section is about, and the way to it. Streams may share a name,
 /// and so a path.
 template <class See>
-void VisitValues(const Core::Property& preset, const std::string& section, const std::string& key, const See& see) {
+void VisitValues(const SectionOfPreset& place, const std::string& key, const See& see) {
     using P = IPreset;
-    const Core::Property* const own = preset.FindByPath(section);
+    const auto& [preset, section, own] = place;
     const auto stream = section == P::KEY_FORMAT ? ParseStreamKey(key) : std::nullopt;
     if (!stream) {
         const Core::Property* value = own != nullptr ? own->FindByPath(key) : nullptr;

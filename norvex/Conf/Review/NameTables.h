@@ -32,13 +32,19 @@ enum class Unit {
     Codec,
 };
 
+/// A row refers to the vocabulary. The tables are made on first use: as constants they would have the dynamic linker
+/// look up each of hundreds of names while the library is loaded, be they asked for or not.
 struct IdName {
+    IdName(const std::string& ofId, const char* text, const char* besides) : id(&ofId), name(text), more(besides) {}
+
     const std::string* id;
     const char* name;
     const char* more;  ///< of a codec, what else it is called; of a container, its extensions with blanks between
 };
 
 struct TagName {
+    TagName(const std::string& ofTag, const char* text, Unit of) : tag(&ofTag), name(text), unit(of) {}
+
     const std::string* tag;
     const char* name;
     Unit unit;

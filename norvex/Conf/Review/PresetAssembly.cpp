@@ -144,18 +144,27 @@ std::string DocumentPathOf(const std::string& presetPath) {
     return presetPath;
 }
 
-std::vector<std::string> PresetPathsOf(const std::string& streamName, const std::string& streamPath) {
+const std::string* CodecSectionOf(const std::string& streamName) {
+    if (streamName == V::TAG_FORMAT_CODEC_VIDEO) return &P::KEY_FILTER_VIDEO_CODEC;
+    return streamName == A::TAG_FORMAT_CODEC_AUDIO ? &P::KEY_FILTER_AUDIO_CODEC : nullptr;
+}
+
+const std::string* OtherPlaceOf(const std::string& streamName, std::string_view streamPath) {
     const bool isVideo = streamName == V::TAG_FORMAT_CODEC_VIDEO;
-    if (!isVideo && streamName != A::TAG_FORMAT_CODEC_AUDIO) return {};
-    std::vector<std::string> paths = {
-        Path(isVideo ? P::KEY_FILTER_VIDEO_CODEC : P::KEY_FILTER_AUDIO_CODEC, streamPath)};
-    std::vector<const std::vector<Place>*> tables = {&AudioPlaces()};
-    if (isVideo) tables = {&VideoPlaces(), &FormatPlaces()};
-    for (const std::vector<Place>* const places : tables) {
+    for (const auto* const places : {isVideo ? &VideoPlaces() : &AudioPlaces(), isVideo ? &FormatPlaces() : nullptr}) {
+        if (places == nullptr) continue;
         for (const auto& [tag, path] : *places) {
-            if (tag == streamPath) paths.push_back(path);
+            if (tag == streamPath) return &path;
         }
     }
+    return nullptr;
+}
+
+std::vector<std::string> PresetPathsOf(const std::string& streamName, const std::string& streamPath) {
+    const std::string* const section = CodecSectionOf(streamName);
+    if (section == nullptr) return {};
+    std::vector<std::string> paths = {Path(*section, streamPath)};
+    if (const std::string* const other = OtherPlaceOf(streamName, streamPath)) paths.push_back(*other);
     return paths;
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <string_view>
 #include <utility>
@@ -63,7 +65,7 @@ public:
 
     void Reset() override { m_allowed = {}; }
     void AddValue(const std::string& name, const Property& value) override {
-        if (m_allowed.values.empty()) m_allowed.values.reserve(8);  // most lists are short
+        if (m_allowed.values.empty()) m_allowed.values.reserve(16);  // most lists are short
         m_allowed.values.emplace_back(name, value);
     }
     void EndValues() override {}
@@ -86,20 +88,28 @@ private:
 };
 
 std::string WordsFor(const Allowed& allowed, const IPropertyConstraint& constraint) {
-    std::vector<std::string_view> names;
-    names.reserve(allowed.values.size());
-    for (const Property& value : allowed.values) {
+    const auto nameOf = [](const Property& value) {
         // A flag's display name is a digit.
-        const bool isFlag = value.GetType() == PT_BOOL;
-        const std::string_view name = isFlag ? (value.GetBool() ? "true" : "false") : std::string_view(value.GetName());
-        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
-    }
-    if (names.size() == 1) return std::string(names.front());
-    if (!names.empty()) {
+        if (value.GetType() == PT_BOOL) return std::string_view(value.GetBool() ? "true" : "false");
+        return std::string_view(value.GetName());
+    };
+    if (!allowed.values.empty()) {
+        std::size_t count = 0;
+        std::uint64_t seen = 0;  // one bit for some names: where it is not set, no name before is the same
         std::string list;
-        list.reserve(16 * names.size());
-        for (const std::string_view name : names) (list += list.empty() ? "" : ", ") += name;
-        return Say(oneOfMessage, {list});
+        list.reserve(16 * allowed.values.size());
+        for (auto value = allowed.values.begin(); value != allowed.values.end(); ++value) {
+            const std::string_view name = nameOf(*value);
+            const std::uint64_t mark = std::uint64_t{1} << (std::hash<std::string_view>()(name) % 64);
+            const bool isNew =
+                (seen & mark) == 0 || std::none_of(allowed.values.begin(), value,
+                                                   [&](const Property& before) { return nameOf(before) == name; });
+            seen |= mark;
+            if (!isNew) continue;
+            (list += list.empty() ? "" : ", ") += name;
+            ++count;
+        }
+        return count == 1 ? list : Say(oneOfMessage, {list});
     }
     if (allowed.min && allowed.max) return Say(rangeMessage, {TextOf(allowed.min), TextOf(allowed.max)});
     const std::string description = constraint.Description(std::string());
@@ -113,9 +123,11 @@ std::string MessageFor(const Finding& finding) {
     if (finding.problem == Problem::Missing) message = isConditional ? missingWhenMessage : missingMessage;
     if (finding.problem == Problem::WrongType) message = isConditional ? wrongTypeWhenMessage : wrongTypeMessage;
     const std::string otherWords = finding.allowed.words.empty() ? Translate(otherMessage) : std::string();
-    return Say(message, {Core::Excerpt(finding.documentPath), TextOf(finding.value),
-                         finding.allowed.words.empty() ? otherWords : finding.allowed.words,
-                         Core::Excerpt(DocumentPathOf(finding.conditionPath)), TextOf(finding.condition)});
+    std::string shownPath, shownConditionPath;
+    return Say(message,
+               {Core::Excerpt(finding.documentPath, shownPath), TextOf(finding.value),
+                finding.allowed.words.empty() ? otherWords : finding.allowed.words,
+                Core::Excerpt(DocumentPathOf(finding.conditionPath), shownConditionPath), TextOf(finding.condition)});
 }
 
 // ------------------------------------------------------------------------------------------------------ judging
@@ -270,9 +282,18 @@ std::vector<Finding> Explain(const Property& preset, const std::vector<NamedHelp
 
 }  // namespace
 
-std::string Way::Path() const {
-    std::string path(m_parts[0]);
+const std::string& Way::PathIn(std::string& path) const {
+    path = m_parts[0];
     for (std::size_t i = 1; i < m_count; ++i) (path += Property::SEPARATOR) += m_parts[i];
+    return path;
+}
+
+std::string Way::Path() const {
+    std::string path;
+    std::size_t size = m_count;
+    for (std::size_t i = 0; i < m_count; ++i) size += m_parts[i].size();
+    path.reserve(size);
+    PathIn(path);
     return path;
 }
 
@@ -348,8 +369,9 @@ void ExplainHelper(const Property& preset, const NamedHelper& named, Wanted want
     const std::string& section = SectionOf(named.kind);
     const ConstraintMap& constraints = said.Constraints();
     if (section == P::KEY_FORMAT) RoomCheck(preset, named, said, findings).Run();
+    const SectionOfPreset place(preset, section);
     for (const auto& constraint : constraints) {
-        VisitValues(preset, section, constraint.first, [&](const Property& value, const Way& way) {
+        VisitValues(place, constraint.first, [&](const Property& value, const Way& way) {
             ExplainConstraint(named, constraint, value, way, wanted, findings);
         });
     }

@@ -36,7 +36,8 @@ std::string Translate(const std::string& message) {
 }
 
 std::string Say(const char* message, std::initializer_list<std::string_view> texts) {
-    return Fill(Translate(message), texts);
+    const Core::LocalizationDomain localization = Core::GetLocalizationManagerForDomain(DATAHELPERS_MESSAGE_DOMAIN);
+    return Fill(localization.manager.Find(message, localization.domain), texts);
 }
 
 std::string TextOf(const std::optional<Property>& value) {

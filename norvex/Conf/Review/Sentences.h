@@ -18,6 +18,9 @@ std::string Translate(const std::string& message);
 /// text may look like a mark itself.
 std::string Say(const char* message, std::initializer_list<std::string_view> texts);
 
+/// Fills the translation of a message.
+std::string Say(const char* message, std::initializer_list<std::string_view> texts);
+
 /// A value as a message shows it; empty for none.
 std::string TextOf(const std::optional<Core::Property>& value);
 

@@ -45,6 +45,21 @@ constexpr std::size_t CountCombinations() {
 }
 static_assert(CountCombinations() == 490);
 
+template <std::size_t N>
+constexpr std::size_t IndexOf(long long value, const long long (&values)[N]) {
+    std::size_t index = 0;
+    while (index < N && values[index] != value) ++index;
+    return index;
+}
+
+bool IsLegal(const VorbisCombination& one) {
+    const std::size_t column = IndexOf(one.sampleRate, sampleRates_vorbis);
+    return column < std::size(sampleRates_vorbis) && one.channels >= 1 &&
+           one.channels <= static_cast<long long>(channelCounts) &&
+           IndexOf(one.bitrate, availableBitrateList_vorbis) < std::size(availableBitrateList_vorbis) &&
+           Holds(items[one.channels - 1][column], one.bitrate);
+}
+
 /// One term of the squared distance: the weighted part of the range of a value that lies between two of its values.
 double SquaredTerm(double weight, long long one, long long two, long long largest) {
     const double term = weight * static_cast<double>(std::llabs(one - two)) / static_cast<double>(largest);
@@ -54,6 +69,7 @@ double SquaredTerm(double weight, long long one, long long two, long long larges
 }  // namespace
 
 VorbisCombination NearestVorbisCombination(const VorbisCombination& wanted) {
+    if (IsLegal(wanted)) return wanted;
     constexpr long long largestChannels = channelCounts;
     constexpr long long largestRate = 48000;
     constexpr long long largestBitrate = 320000;
