@@ -10,7 +10,10 @@
 #include <stdexcept>
 
 #include "Asked.h"
+#include "Plan.h"
 #include "common/CommandLine.h"
+#include "common/Completion.h"
+#include "common/ManPage.h"
 #include "common/Quantities.h"
 #include "norvex/Norvex.h"
 
@@ -536,6 +539,50 @@ void TakeForStream(const NumberedOption& numbered, Request& request) {
     }
 }
 
+/// What a shell offers for the value of an option.
+std::vector<std::string> ValuesOf(const std::string& name, const std::vector<std::string>& /*before*/) {
+    using NorvexApps::Named;
+    static const std::pair<const char*, Named> named[] = {
+        {"--format", Named::Format},           {"--video", Named::VideoCodec}, {"--audio", Named::AudioCodec},
+        {"--subtitles", Named::SubtitleCodec}, {"--layout", Named::Layout},    {"--sample-format", Named::SampleFormat},
+    };
+    static const std::pair<const char*, std::vector<std::string>> words[] = {
+        {"--copy", {"all"}},
+        {"--deinterlace", {"auto", "on", "off"}},
+        {"--fps", {"auto", "film", "pal", "ntsc"}},
+        {"--size", {"auto", "480p", "720p", "1080p", "4k", "ntsc", "pal"}},
+        {"--resize-mode", {"auto", "smart_fit", "up_to", "letterbox", "stretch", "crop"}},
+        {"--streams", {"video", "audio", "subtitles", "cover", "attachments", "data"}},
+    };
+    for (const auto& [option, values] : words) {
+        if (name == option) return values;
+    }
+    for (const auto& [option, kind] : named) {
+        if (name != option) continue;
+        RegisterModernHelpers();
+        TakeCensus();
+        return NorvexApps::IdsOf(kind);
+    }
+    return {};
+}
+
+const NorvexApps::ManTexts g_manTexts = {
+    "Exports a film, sound, a picture or subtitles to another container, with codecs and settings that are legal there "
+    "by "
+    "the rule book of Norvex. The extension of OUTPUT tells the container. All of the input goes over that the "
+    "container "
+    "holds; what is left out, changed or lost is told, with the reason.\n"
+    "Names and quantities are taken as people type them: h265, MKV, 720p, 29.97, 128k. An option with a stream's "
+    "number "
+    "behind a colon, such as --audio-bitrate:2, is about that stream of the input alone.",
+    g_examples,
+    "0 if the output stands, or would by --dry-run; 1 if the export failed, and what OUTPUT was before stays; 2 for a "
+    "wrong command line; 128 and the number of a signal that ended the program. What went wrong is told on standard "
+    "error.",
+    "Presets are JSON documents of settings, as --save-preset writes them.",
+    "norvex-rules(1), ffmpeg(1), ffprobe(1)",
+};
+
 }  // namespace
 
 Parsed ParseCommandLine(int argc, const char* const* argv) {
@@ -543,6 +590,10 @@ Parsed ParseCommandLine(int argc, const char* const* argv) {
     CLI::App app("Exports video, sound, pictures and subtitles by the rule book of the container and the codecs.",
                  "norvex-export");
     Declare(app, parsed.request);
+    if (NorvexApps::AnswersShell(app, argc, argv, ValuesOf) || NorvexApps::PrintsManPage(app, argc, argv, g_manTexts)) {
+        parsed.exitStatus = 0;
+        return parsed;
+    }
     try {
         std::vector<std::string> arguments(argv + 1, argv + argc);
         const std::vector<NumberedOption> numbered = TakeNumbered(app, arguments);
