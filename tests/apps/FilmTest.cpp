@@ -258,11 +258,11 @@ TEST_F(FilmTest, CopiesThatCannotBeWrittenAreEncodedAndTold) {
     const struct {
         const char *arguments, *streams, *told;
     } cases[] = {
-        {"o.mov --streams 0", "h264 64x48", "does not write the picture of stream 0 (vp8) to 'mov' as it is"},
-        {"o.mov --streams 1", "h264 64x48", "does not write the picture of stream 1 (vp9) to 'mov' as it is"},
-        {"o.ogv --streams 1", "theora 64x48", "does not write the picture of stream 1 (vp9) to 'ogv' as it is"},
-        {"o.mov --streams 2", "aac", "does not write the sound of stream 2 (flac) to 'mov' as it is"},
-        {"o.mov --streams 3", "aac", "does not write the sound of stream 3 (opus) to 'mov' as it is"},
+        {"o.mov --streams 0", "h264 64x48", "The picture of stream 0 is encoded: FFmpeg does not write vp8"},
+        {"o.mov --streams 1", "h264 64x48", "The picture of stream 1 is encoded: FFmpeg does not write vp9"},
+        {"o.ogv --streams 1", "theora 64x48", "The picture of stream 1 is encoded: FFmpeg does not write vp9"},
+        {"o.mov --streams 2", "aac", "The sound of stream 2 is encoded: FFmpeg does not write flac"},
+        {"o.mov --streams 3", "aac", "The sound of stream 3 is encoded: FFmpeg does not write opus"},
         {"o.mkv --streams 0,2", "vp8 64x48, flac", ""},
     };
     for (const auto& c : cases) {
