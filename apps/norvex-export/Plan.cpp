@@ -107,6 +107,7 @@ Plan PlanFor(const Request& request, const InputInfo& input, const std::vector<S
     for (const AudioSource* const source : selection.sounds) PlanSound(draft, *source);
     PlanSubtitles(draft, selection.subtitles);
     PlanOthers(draft, selection.attachments, selection.data);
+    draft.NoteCopyable();
     if (plan.streams.empty()) {
         throw RequestError("'" + request.input + "' has no stream that the format '" + plan.formatId + "' could hold");
     }

@@ -6,10 +6,14 @@
 #include <cctype>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <stdexcept>
 
 #include "Asked.h"
+#include "Plan.h"
 #include "common/CommandLine.h"
+#include "common/Completion.h"
+#include "common/ManPage.h"
 #include "common/Quantities.h"
 #include "norvex/Norvex.h"
 
@@ -25,6 +29,7 @@ using Core::Property;
 using Proc::IResize;
 
 const char* const g_automatic = "auto";
+const char* const g_bare = "true";  ///< what the parser makes of a flag without a value
 
 /// What cannot be made of an option's text; what() is for the user, without the option's name.
 class TextError : public std::runtime_error {
@@ -56,7 +61,7 @@ using Take = std::function<void(const std::string& text, const Taker& taker)>;
 /// An option, as the command line and its help have it.
 struct Option {
     const char* name;
-    const char* value;  ///< what the help calls the value; null for a flag
+    const char* value;  ///< what the help calls the value; null for a flag, and in brackets for one that may have one
     std::string help;   ///< what it may be, in lines of half a terminal
     Take take;
 };
@@ -226,6 +231,13 @@ void TakeStreams(const std::string& text, const Taker& taker) {
     for (const std::string& part : parts) streams.push_back(ParseStreams(part));
 }
 
+void TakeCopy(const std::string& text, const Taker& taker) {
+    const bool isAll = boost::algorithm::to_lower_copy(text) == "all";
+    if (!isAll && text != g_bare) throw TextError("'" + text + "' is not all");
+    taker.GetRequest().copy = true;
+    taker.GetRequest().copyAll = isAll;
+}
+
 void TakeDeinterlacing(const std::string& text, const Taker& taker) {
     constexpr std::pair<const char*, Deinterlacing> wishes[] = {
         {"auto", Deinterlacing::Auto}, {"on", Deinterlacing::On}, {"off", Deinterlacing::Off}};
@@ -242,10 +254,12 @@ std::vector<Option> GeneralOptions() {
          "Container, such as mp4, mkv or mov (default: by the\n"
          "extension of OUTPUT). norvex-rules list has them all",
          NameOrOpen(Path({P::KEY_FORMAT, Conf::IFormatFile::TAG_CONTAINER}))},
-        {"--copy", nullptr,
+        {"--copy", "[=all]",
          "Carry over unchanged each stream of which nothing is\n"
-         "asked and that the container takes as it is",
-         Flag(&Request::copy)},
+         "asked and that the container takes as it is; with\n"
+         "=all also what FFmpeg carries and the rule book\n"
+         "refuses",
+         TakeCopy},
         {"--streams", "LIST",
          "What is taken of the input, by number, kind and language:\n"
          "0,2 or video,audio:eng,subtitles (kinds: video, audio,\n"
@@ -352,10 +366,24 @@ std::vector<Option> SubtitleOptions() {
     };
 }
 
+/// A flag that may have a value behind an equals sign, and never takes the next word for it.
+CLI::Option* AddFlagWithValue(CLI::App& app, const Option& option, const Taker& taker) {
+    const auto text = std::make_shared<std::string>();  // which the parser wants, and `check` keeps
+    const auto take = [take = option.take, taker, text](const std::string& value) -> std::string {
+        try {
+            take(value, taker);
+            return {};
+        } catch (const TextError& error) {
+            return error.what();
+        }
+    };
+    return app.add_flag(option.name, *text, option.help)->check(take)->option_text(option.value);
+}
+
 void AddOptions(CLI::App& app, Request& request, const std::string& group, const std::vector<Option>& options) {
     for (const Option& option : options) {
-        const auto take = [take = option.take, taker = Taker(request, option.name),
-                           name = std::string(option.name)](const std::string& text) {
+        const Taker own(request, option.name);
+        const auto take = [take = option.take, taker = own, name = std::string(option.name)](const std::string& text) {
             try {
                 take(text, taker);
             } catch (const TextError& error) {
@@ -363,9 +391,10 @@ void AddOptions(CLI::App& app, Request& request, const std::string& group, const
             }
         };
         CLI::Option* const added =
-            option.value == nullptr
-                ? app.add_flag_callback(
-                      option.name, [take] { take({}); }, option.help)
+            option.value == nullptr ? app.add_flag_callback(
+                                          option.name, [take] { take({}); }, option.help)
+            : option.value[0] == '['
+                ? AddFlagWithValue(app, option, own)
                 : app.add_option_function<std::string>(option.name, take, option.help)->option_text(option.value);
         added->group(group)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     }
@@ -383,7 +412,8 @@ const char* const g_examples = R"(Examples:
   norvex-export film.mov film.mp4 --audio-bitrate 128k --audio-bitrate:1 64k
       one stream by its number otherwise than the others
   norvex-export film.mov film.mkv --copy
-      another container, with what is in it unchanged
+      another container, with what is in it unchanged; --copy=all goes
+      by FFmpeg's word alone
   norvex-export film.mov song.mp3 --audio-bitrate 192k
       the sound alone
   norvex-export film.mov film.gif --size 320x180 --fps 10
@@ -509,6 +539,50 @@ void TakeForStream(const NumberedOption& numbered, Request& request) {
     }
 }
 
+/// What a shell offers for the value of an option.
+std::vector<std::string> ValuesOf(const std::string& name, const std::vector<std::string>& /*before*/) {
+    using NorvexApps::Named;
+    static const std::pair<const char*, Named> named[] = {
+        {"--format", Named::Format},           {"--video", Named::VideoCodec}, {"--audio", Named::AudioCodec},
+        {"--subtitles", Named::SubtitleCodec}, {"--layout", Named::Layout},    {"--sample-format", Named::SampleFormat},
+    };
+    static const std::pair<const char*, std::vector<std::string>> words[] = {
+        {"--copy", {"all"}},
+        {"--deinterlace", {"auto", "on", "off"}},
+        {"--fps", {"auto", "film", "pal", "ntsc"}},
+        {"--size", {"auto", "480p", "720p", "1080p", "4k", "ntsc", "pal"}},
+        {"--resize-mode", {"auto", "smart_fit", "up_to", "letterbox", "stretch", "crop"}},
+        {"--streams", {"video", "audio", "subtitles", "cover", "attachments", "data"}},
+    };
+    for (const auto& [option, values] : words) {
+        if (name == option) return values;
+    }
+    for (const auto& [option, kind] : named) {
+        if (name != option) continue;
+        RegisterModernHelpers();
+        TakeCensus();
+        return NorvexApps::IdsOf(kind);
+    }
+    return {};
+}
+
+const NorvexApps::ManTexts g_manTexts = {
+    "Exports a film, sound, a picture or subtitles to another container, with codecs and settings that are legal there "
+    "by "
+    "the rule book of Norvex. The extension of OUTPUT tells the container. All of the input goes over that the "
+    "container "
+    "holds; what is left out, changed or lost is told, with the reason.\n"
+    "Names and quantities are taken as people type them: h265, MKV, 720p, 29.97, 128k. An option with a stream's "
+    "number "
+    "behind a colon, such as --audio-bitrate:2, is about that stream of the input alone.",
+    g_examples,
+    "0 if the output stands, or would by --dry-run; 1 if the export failed, and what OUTPUT was before stays; 2 for a "
+    "wrong command line; 128 and the number of a signal that ended the program. What went wrong is told on standard "
+    "error.",
+    "Presets are JSON documents of settings, as --save-preset writes them.",
+    "norvex-rules(1), ffmpeg(1), ffprobe(1)",
+};
+
 }  // namespace
 
 Parsed ParseCommandLine(int argc, const char* const* argv) {
@@ -516,6 +590,10 @@ Parsed ParseCommandLine(int argc, const char* const* argv) {
     CLI::App app("Exports video, sound, pictures and subtitles by the rule book of the container and the codecs.",
                  "norvex-export");
     Declare(app, parsed.request);
+    if (NorvexApps::AnswersShell(app, argc, argv, ValuesOf) || NorvexApps::PrintsManPage(app, argc, argv, g_manTexts)) {
+        parsed.exitStatus = 0;
+        return parsed;
+    }
     try {
         std::vector<std::string> arguments(argv + 1, argv + argc);
         const std::vector<NumberedOption> numbered = TakeNumbered(app, arguments);

@@ -59,6 +59,7 @@ struct Request {
     Deinterlacing deinterlacing = Deinterlacing::Auto;
     bool noFaststart = false;  ///< leave the index of MP4 and its kin behind the media
     bool copy = false;         ///< carry streams over unchanged where the container takes them
+    bool copyAll = false;      ///< and where FFmpeg alone does, against the rule book
 
     bool classic = false;  ///< leave out the second set of helpers
     bool dryRun = false;

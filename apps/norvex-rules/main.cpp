@@ -15,6 +15,8 @@
 #include "Page.h"
 #include "Texts.h"
 #include "common/CommandLine.h"
+#include "common/Completion.h"
+#include "common/ManPage.h"
 #include "common/TextFiles.h"
 #include "norvex/Norvex.h"
 #include "norvex/document/PresetDocument.h"
@@ -181,6 +183,36 @@ const char* const g_examples = R"(Examples:
   norvex-rules diff old.json            what changed since 'norvex-rules json old.json'
   norvex-rules html rulebook.html       all of it, for a browser)";
 
+/// What a shell offers for the value of an option or argument, behind a command and what follows it.
+std::vector<std::string> ValuesOf(const std::string& name, const std::vector<std::string>& before) {
+    if (name == "KIND") {
+        std::vector<std::string> kinds;
+        for (const auto& [kind, named] : g_named) kinds.emplace_back(kind);
+        return kinds;
+    }
+    const bool isOfKind = (name == "ID" || name == "PATTERN") && before.size() > 1;
+    const std::string kind = isOfKind ? before[1] : name.substr(0, 2) == "--" ? name.substr(2) : name;
+    if (!isOfKind && name.substr(0, 2) != "--") return {};
+    const Named named = KindOf(kind).second;
+    RegisterModernHelpers();
+    TakeCensus();
+    return NorvexApps::IdsOf(named);
+}
+
+const NorvexApps::ManTexts g_manTexts = {
+    "Shows the rule book by which norvex-export works: which containers hold which codecs, what each parameter may be, "
+    "and what may become of a file or a preset.\n"
+    "Kinds are format (containers), video, audio, subtitles (codecs) and filter. Names are taken as people type them: "
+    "h265, MKV.",
+    g_examples,
+    "0; 1 if check finds a rule broken, if diff finds a difference, or if what was asked cannot be told; 2 for a wrong "
+    "command line. What went wrong is told on standard error.",
+    "rulebook.schema.json, fit.schema.json and preset.schema.json, below share/norvex where Norvex is installed, "
+    "describe "
+    "the JSON documents of json, fit and check.",
+    "norvex-export(1), ffmpeg(1), ffprobe(1)",
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -253,6 +285,9 @@ int main(int argc, char** argv) {
     page->add_option("FILE", file, "Where to write it (default: standard output)")->option_text(" ");
     page->callback([&] { Write(file, PageHtml(MakeBook())); });
 
+    if (NorvexApps::AnswersShell(app, argc, argv, ValuesOf) || NorvexApps::PrintsManPage(app, argc, argv, g_manTexts)) {
+        return 0;
+    }
     try {
         app.parse(argc, argv);
         return status;

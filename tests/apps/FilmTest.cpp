@@ -186,7 +186,8 @@ TEST_F(FilmTest, PicturesKeepWhatTheCodecCanAndTheRestIsTold) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.make + " to " + c.arguments);
-        Make("-f lavfi -i testsrc2=s=320x180:r=50:d=0.1 -vf " + c.make + " -c:v ffv1 -flags +ildct in.mkv");
+        Make("-f lavfi -i testsrc2=s=320x180:r=50:d=0.1 -vf " + c.make + " -c:v ffv1 " +
+             (c.make.find("interlace") != std::string::npos ? "-flags +ildct in.mkv" : "in.mkv"));
         const Outcome outcome = Run("in.mkv " + c.arguments);
         ASSERT_EQ(outcome.status, 0) << outcome.text;
         EXPECT_THAT(outcome.text, HasSubstr(c.told));
@@ -224,7 +225,9 @@ TEST_F(FilmTest, RedIsRedInJpegs) {
         Make(std::string("-f lavfi -i color=red:s=") + size + " -frames:v 1 in.png");
         EXPECT_EQ(Run("in.png o.jpg --quiet").text, "");
         Make("-i o.jpg -f rawvideo -pix_fmt rgb24 o.rgb");
-        EXPECT_EQ(Read("o.rgb").substr(0, 3), std::string("\xfe\0\0", 3)) << size;
+        const std::string red = Read("o.rgb");  // of which conversions round the last bit
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(static_cast<unsigned char>(red.at(i)), i == 0 ? 254 : 0, 1) << size;
     }
 }
 
@@ -256,11 +259,11 @@ TEST_F(FilmTest, CopiesThatCannotBeWrittenAreEncodedAndTold) {
     const struct {
         const char *arguments, *streams, *told;
     } cases[] = {
-        {"o.mov --streams 0", "h264 64x48", "does not write the picture of stream 0 (vp8) to 'mov' as it is"},
-        {"o.mov --streams 1", "h264 64x48", "does not write the picture of stream 1 (vp9) to 'mov' as it is"},
-        {"o.ogv --streams 1", "theora 64x48", "does not write the picture of stream 1 (vp9) to 'ogv' as it is"},
-        {"o.mov --streams 2", "aac", "does not write the sound of stream 2 (flac) to 'mov' as it is"},
-        {"o.mov --streams 3", "aac", "does not write the sound of stream 3 (opus) to 'mov' as it is"},
+        {"o.mov --streams 0", "h264 64x48", "The picture of stream 0 is encoded: FFmpeg does not write vp8"},
+        {"o.mov --streams 1", "h264 64x48", "The picture of stream 1 is encoded: FFmpeg does not write vp9"},
+        {"o.ogv --streams 1", "theora 64x48", "The picture of stream 1 is encoded: FFmpeg does not write vp9"},
+        {"o.mov --streams 2", "aac", "The sound of stream 2 is encoded: FFmpeg does not write flac"},
+        {"o.mov --streams 3", "aac", "The sound of stream 3 is encoded: FFmpeg does not write opus"},
         {"o.mkv --streams 0,2", "vp8 64x48, flac", ""},
     };
     for (const auto& c : cases) {

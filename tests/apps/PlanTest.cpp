@@ -260,34 +260,41 @@ TEST_F(PlanTest, TellsWhatIsCopiedLeftOutOrBroughtToAForm) {
         std::string told;
     } cases[] = {
         {PlanOf("matroska", {}, stored, true), "video: copied\naudio: copied\n"},
-        {PlanOf("matroska", {}, stored), "video: h264\naudio: aac\n"},
+        {PlanOf("matroska", {}, stored),
+         "video: h264\naudio: aac\nStreams 0 and 1 could go over unchanged: give --copy.\n"},
+        {PlanOf("mpegts", {}, stored),
+         "video: mpeg2video\naudio: mp2\nStream 1 could go over unchanged: give --copy.\nStream 0 could go over "
+         "unchanged with --copy=all: FFmpeg carries it in 'mpegts', though the rule book refuses.\n"},
         {PlanOf("mp4", sized, stored, true),
          "video: h264\naudio: copied\nSomething was asked of the picture of stream 0; it is encoded.\n"},
         {PlanOf("mp4", rate, stored, true),
          "video: copied\naudio: aac\nSomething was asked of the sound of stream 1; it is encoded.\n"},
         {PlanOf("mp4", {}, film, true),
-         "video: copied\naudio: aac\nThe rule book does not let 'mp4' take the sound of stream 1 (wmav2) as it is, "
-         "since FFmpeg has no tag for it there; it is encoded.\n"},
+         "video: copied\naudio: aac\nThe sound of stream 1 is encoded: mp4 does not carry wmav2.\n"},
         {PlanOf("mp3", {}, cover), "cover: mjpeg\naudio: mp3\n"},
         {PlanOf("flac", {Codec("video", "png")}, film), "cover: png\naudio: flac\n"},
         {PlanOf("m4a", {}, cover, true),
-         "cover: mjpeg\naudio: aac\nThe rule book does not let 'm4a' take the sound of stream 1 (wmav2) as it is, "
-         "since FFmpeg has no tag for it there; it is encoded.\n"},
+         "cover: mjpeg\naudio: aac\nThe sound of stream 1 is encoded: m4a does not carry wmav2.\n"},
         {PlanOf("mp3", {}, film),
          "audio: mp3\n'mp3' holds sound, and takes a picture for its cover where --video is given; stream 0 is left "
          "out.\n"},
         {PlanOf("png", {}, film), "video: png\n'png' holds no sound; stream 1 is left out.\n"},
         {PlanOf("srt", {}, titled),
          "subtitles: srt\n'srt' holds no pictures; stream 0 is left out.\n'srt' holds no sound; stream 1 is left "
-         "out.\n"},
-        {PlanOf("matroska", {Codec("subtitle", "ass")}, titled), "video: h264\naudio: aac\nsubtitles: ass\n"},
-        {PlanOf("matroska", {}, titled), "video: h264\naudio: aac\nsubtitles: subrip\n"},
+         "out.\nStream 2 could go over unchanged: give --copy.\n"},
+        {PlanOf("matroska", {Codec("subtitle", "ass")}, titled),
+         "video: h264\naudio: aac\nsubtitles: ass\nStreams 0 and 1 could go over unchanged: give --copy.\n"},
+        {PlanOf("matroska", {}, titled),
+         "video: h264\naudio: aac\nsubtitles: subrip\nStreams 0, 1 and 2 could go over unchanged: give --copy.\n"},
         {PlanOf("avi", {Codec("video", "dvvideo")}, film),
-         "video: dvvideo\naudio: mp3\n'dvvideo' has its own frame sizes; the picture is brought to 720x576.\n"},
+         "video: dvvideo\naudio: mp3\n'dvvideo' has its own frame sizes; the picture is brought to 720x576.\n"
+         "Stream 1 could go over unchanged: give --copy.\n"},
         {PlanOf("avi", {Codec("video", "dvvideo")}, Film()),
-         "video: dvvideo\naudio: mp3\n'dvvideo' has its own frame sizes; the picture is brought to 720x480.\n"},
+         "video: dvvideo\naudio: mp3\n'dvvideo' has its own frame sizes; the picture is brought to 720x480.\n"
+         "Stream 1 could go over unchanged: give --copy.\n"},
         {PlanOf("3gp", {}, half),
-         "video: h263\naudio: aac\n'h263' has its own frame sizes; the picture is brought to 352x288.\n"},
+         "video: h263\naudio: aac\n'h263' has its own frame sizes; the picture is brought to 352x288.\n"
+         "Stream 0 could go over unchanged: give --copy.\n"},
     };
     for (const auto& [plan, told] : cases) EXPECT_EQ(Told(plan), told) << plan.formatId;
     EXPECT_TRUE(PlanOf("mp3", {}, cover).job.video.at(0).isCover);
@@ -384,7 +391,8 @@ TEST_F(PlanTest, ReadsPresetsAndSaysWhatIsWrongWithThem) {
     const std::string mp3 = "\"audio_codec\": {\"codec_id\": \"mp3\", \"bitrate\": 64000}";
     EXPECT_EQ(choose(mp3, {}).job.audio.at(0).bitrate, 64000);
     EXPECT_EQ(choose(mp3, {Chosen(g_audioBitrate, 96000, "--audio-bitrate")}).job.audio.at(0).bitrate, 96000);
-    EXPECT_EQ(Told(choose(mp3, {Codec("audio", "aac")})), "video: h264\naudio: aac\n");
+    EXPECT_EQ(Told(choose(mp3, {Codec("audio", "aac")})),
+              "video: h264\naudio: aac\nStream 0 could go over unchanged: give --copy.\n");
     EXPECT_EQ(choose(mp3, {Codec("audio", "aac")}).job.audio.at(0).bitrate, 256000);
     const std::pair<std::string, const char*> refused[] = {
         {"\"audio_codec\": {", "'my.json', line 3: this is no JSON"},

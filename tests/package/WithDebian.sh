@@ -18,3 +18,4 @@ libdir=$(dirname "$(find "$folder/root" -name 'libnorvex.so.*' | head -1)")
 export LD_LIBRARY_PATH="$libdir"
 "$folder/root/usr/bin/norvex-rules" show format mp4 | grep -q "H.264"
 "$folder/root/usr/bin/norvex-export" --version
+PATH="$folder/root/usr/bin:$PATH" "$here/WithShells.sh" "$folder/root"

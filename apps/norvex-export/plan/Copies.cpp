@@ -6,7 +6,6 @@ extern "C" {
 }
 
 #include <algorithm>
-#include <cstdio>
 
 #include "Words.h"
 #include "norvex-export/Formats.h"
@@ -69,56 +68,47 @@ const StreamFailure* FindUnwritable(const Draft& draft, const StreamSource& sour
     return copy != draft.unwritable.end() ? &*copy : nullptr;
 }
 
-std::string TagText(unsigned tag) {
-    if (tag == 0) return {};
-    char text[sizeof ", tag 0x01234567"];
-    std::snprintf(text, sizeof text, ", tag 0x%08x", tag);
-    return text;
+/// A host goes against the rule book where the user says so.
+bool GoesOver(const StreamFit& fit, bool isAll) {
+    return fit.answer == StreamFit::Answer::AsItIs || (isAll && fit.answer == StreamFit::Answer::Refused);
 }
 
-/// What of FFmpeg's table of the container's tags the rule book goes by when it refuses a stream; empty for its own
-/// word.
-std::string ReasonOfTags(const Draft& draft, const StreamSource& source) {
-    const AVOutputFormat* const muxer = av_guess_format(draft.plan.job.muxer.c_str(), nullptr, nullptr);
-    if (muxer == nullptr || muxer->codec_tag == nullptr) return {};
-    const AVCodecID codec = CodecIDFromTextID(source.codecId);
-    if (source.codecTag == 0) {
-        unsigned tag = 0;
-        return av_codec_get_tag2(muxer->codec_tag, codec, &tag) != 0 ? "" : ", since FFmpeg has no tag for it there";
-    }
-    const AVCodecID mapped = av_codec_get_id(muxer->codec_tag, source.codecTag);
-    if (mapped == codec) return {};
-    return mapped == AV_CODEC_ID_NONE
-               ? ", since FFmpeg does not know that tag there"
-               : std::string(", since FFmpeg takes that tag for ") + avcodec_get_name(mapped) + " there";
-}
-
-/// Why the stream cannot be carried over unchanged; empty where it can.
+/// Why the stream cannot be carried over unchanged although that was asked; empty where it can.
 template <class Source>
-std::string WhyNotAsItIs(const Draft& draft, const Source& source, const std::string& name, bool isAsked) {
-    const std::string& formatId = draft.plan.formatId;
-    const std::string what = name + " (" + source.codecId + TagText(source.codecTag) + ")";
-    if (isAsked) return "something was asked of " + name;
-    if (!SaysEnough(source) || !CodecIsSupported(FormatFile::Create(draft.formatTree), Describe(source))) {
-        return "the rule book does not let '" + formatId + "' take " + what + " as it is" + ReasonOfTags(draft, source);
+std::string WhyNotAsItIs(const Draft& draft, const Source& source, const StreamFit& fit) {
+    if (!SaysEnough(source)) return "the input does not say enough of it";
+    if (!GoesOver(fit, draft.plan.request.copyAll)) {
+        return fit.reason + (fit.answer == StreamFit::Answer::Refused ? "; --copy=all takes it over unchanged" : "");
     }
-    if (!KeepsPlace(draft, source)) return "'" + formatId + "' does not keep which way up " + name + " is shown";
+    if (!KeepsPlace(draft, source)) return "'" + draft.plan.formatId + "' does not keep which way up it is shown";
     if (const StreamFailure* const copy = FindUnwritable(draft, source)) {
-        return "FFmpeg does not write " + what + " to '" + formatId + "' as it is: " + copy->reason;
+        return "FFmpeg does not write " + source.codecId + " to '" + draft.plan.formatId +
+               "' as it is: " + copy->reason;
     }
     return {};
 }
 
 template <class Source>
 bool PlanCopyOf(Draft& draft, StreamKind kind, const Source& source, bool isAsked) {
-    if (!draft.plan.request.copy) return false;
+    const bool isCopyWanted = draft.plan.request.copy;
     const std::string name = "the " + NameOf(kind) + " of stream " + std::to_string(source.streamIndex);
-    const std::string reason = WhyNotAsItIs(draft, source, name, isAsked);
+    if (isAsked) {
+        if (isCopyWanted) draft.Note("Something was asked of " + name + "; it is encoded.");
+        return false;
+    }
+    const StreamFit fit = FitInto(draft.plan.formatId, {Describe(source)}).streams.front();
+    if (!isCopyWanted) {
+        if (!SaysEnough(source) || !KeepsPlace(draft, source)) return false;
+        if (fit.answer == StreamFit::Answer::AsItIs) draft.copyable.push_back(source.streamIndex);
+        if (fit.answer == StreamFit::Answer::Refused) draft.refused.push_back(source.streamIndex);
+        return false;
+    }
+    const std::string reason = WhyNotAsItIs(draft, source, fit);
     if (reason.empty()) {
         draft.AddCopy(kind, source, WordsFor(source));
         return true;
     }
-    if (source.isDecodable) draft.Note(Capitalised(reason) + "; it is encoded.");
+    if (source.isDecodable) draft.Note(Capitalised(name) + " is encoded: " + reason + ".");
     return false;
 }
 
@@ -135,8 +125,10 @@ bool PlanCopy(Draft& draft, const VideoSource& source, const Request& own) {
 }
 
 bool PlanCoverCopy(Draft& draft, const VideoSource& source, const Request& own) {
-    const bool isFit = source.isAttachedPicture && KeepsCover(draft.plan.formatId, source.codecId);
-    return own.copy && isFit && !AsksOfPicture(own) && PlanCopy(draft, StreamKind::Cover, source, WordsFor(source));
+    const bool isFit =
+        source.isAttachedPicture && KeepsCover(draft.plan.formatId, source.codecId) && !AsksOfPicture(own);
+    if (isFit && !own.copy) draft.copyable.push_back(source.streamIndex);
+    return isFit && own.copy && PlanCopy(draft, StreamKind::Cover, source, WordsFor(source));
 }
 
 bool PlanCopy(Draft& draft, const AudioSource& source, const Request& own) {

@@ -22,6 +22,15 @@ void Draft::LeaveOut(const std::vector<int>& streams, const std::string& reason)
     Note(Capitalised(reason) + "; " + StreamsText(streams) + (streams.size() == 1 ? " is" : " are") + " left out.");
 }
 
+void Draft::NoteCopyable() {
+    for (std::vector<int>* const streams : {&copyable, &refused}) std::sort(streams->begin(), streams->end());
+    const std::string unchanged = " could go over unchanged";
+    if (!copyable.empty()) Note(Capitalised(StreamsText(copyable)) + unchanged + ": give --copy.");
+    if (refused.empty()) return;
+    Note(Capitalised(StreamsText(refused)) + unchanged + " with --copy=all: FFmpeg carries " +
+         (refused.size() == 1 ? "it" : "them") + " in '" + plan.formatId + "', though the rule book refuses.");
+}
+
 void Draft::Add(StreamPlan stream, const StreamSource& source) {
     stream.streamIndex = source.streamIndex;
     stream.language = source.language;

@@ -15,9 +15,14 @@ struct Draft {
     Norvex::Conf::NamedHelper format;
     Norvex::Core::Property formatTree;
     std::vector<StreamFailure> unwritable;  ///< what an earlier draft would have carried over
+    std::vector<int> copyable;              ///< encoded, though --copy would carry them over unchanged
+    std::vector<int> refused;               ///< the same with --copy=all
 
     /// How many streams of a kind the container may hold, by the tag of the limit.
     int LimitOf(const std::string& tag) const;
+
+    /// Tells of the streams that are encoded and need not be.
+    void NoteCopyable();
 
     void Note(std::string sentence) { plan.notes.push_back(std::move(sentence)); }
 

@@ -75,6 +75,9 @@ public:
                 --m_left;
             } else if (isEncodable) {
                 Encode(*source, codecId);
+                if (!own.copy && !IsAsked(own) && TakesAsItIs(*source)) {
+                    m_draft.copyable.push_back(source->streamIndex);
+                }
                 --m_left;
             } else {
                 (source->isText ? texts : pictures).push_back(source);

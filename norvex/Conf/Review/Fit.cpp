@@ -112,6 +112,7 @@ struct Stream {
     AVMediaType type = AVMEDIA_TYPE_UNKNOWN;
     long long tag = 0;
     bool isKnown = false;
+    bool isDecodable = false;
     SP<const IFormatCodec> unchanged;  ///< the description marked as going over unchanged; null where it cannot be
     Property values;                   ///< what encoding starts from: the source's values under the flat node's name
 };
@@ -183,6 +184,7 @@ Stream Read(const SP<const IFormatCodec>& description) {
         stream.kind = KindOf(type, stream.type, cover != nullptr && cover->GetBool());
         stream.values = ValuesOf(settings, type);
         stream.isKnown = stream.codec != AV_CODEC_ID_NONE;
+        stream.isDecodable = HasDecoder(stream.codec);
         stream.unchanged = MarkUnchanged(*description);
     } catch (...) {
         // What was read so far stands.
@@ -459,7 +461,7 @@ private:
     /// Settles what the stream is encoded to. Returns why it cannot be, or null.
     const char* Encode(const Container& container, const Stream& stream, StreamFit& fit) {
         if (stream.kind == StreamKind::Other) return noOtherMessage;
-        if (avcodec_find_decoder(stream.codec) == nullptr) return cannotDecodeMessage;
+        if (!stream.isDecodable) return cannotDecodeMessage;
         if (!container.HasKind(stream.kind)) {
             return stream.kind == StreamKind::Subtitle ? noSubtitlesMessage : noCoverMessage;
         }

@@ -1,4 +1,7 @@
 #include <algorithm>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
@@ -17,9 +20,17 @@ const std::map<AVCodecID, std::string>& GetFFCodecsMap() {
 }
 
 AVCodecID CodecIDFromTextID(const std::string& codecId) {
-    if (codecId.find('\0') != std::string::npos) return AV_CODEC_ID_NONE;  // FFmpeg would read up to it
-    const AVCodecDescriptor* const codec = avcodec_descriptor_get_by_name(codecId.c_str());
-    return codec != nullptr ? codec->id : AV_CODEC_ID_NONE;
+    // avcodec_descriptor_get_by_name() compares with one name after the other, and every question has a codec in it.
+    using Row = std::pair<std::string_view, AVCodecID>;
+    static const std::vector<Row>& rows = Lasting([] {
+        std::vector<Row> byName;
+        for (const auto& [id, name] : GetFFCodecsMap()) byName.emplace_back(name, id);
+        std::sort(byName.begin(), byName.end());
+        return byName;
+    }());
+    const auto row = std::lower_bound(rows.begin(), rows.end(), codecId,
+                                      [](const Row& one, const std::string& name) { return one.first < name; });
+    return row != rows.end() && row->first == codecId ? row->second : AV_CODEC_ID_NONE;
 }
 
 namespace Proc {

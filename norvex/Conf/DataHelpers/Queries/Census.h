@@ -13,4 +13,7 @@ bool CensusIsEmpty();
 
 bool CensusHas(AVCodecID codec);
 
+/// Whether this FFmpeg has a decoder, which the census does not tell.
+bool HasDecoder(AVCodecID codec);
+
 }  // namespace Norvex::Conf

@@ -90,6 +90,20 @@ bool CensusHas(AVCodecID codec) {
     return std::find(Census().begin(), Census().end(), codec) != Census().end();
 }
 
+bool HasDecoder(AVCodecID codec) {
+    // avcodec_find_decoder() goes through every codec, encoders too.
+    static const std::vector<AVCodecID>& decoders = Lasting([] {
+        std::vector<AVCodecID> ids;
+        void* position = nullptr;
+        while (const AVCodec* entry = av_codec_iterate(&position)) {
+            if (av_codec_is_decoder(entry) != 0) ids.push_back(entry->id);
+        }
+        std::sort(ids.begin(), ids.end());
+        return ids;
+    }());
+    return std::binary_search(decoders.begin(), decoders.end(), codec);
+}
+
 FormatValidator& FormatValidator::Instance() {
     static FormatValidator validator;
     return validator;
