@@ -1,6 +1,7 @@
 #include "Input.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstddef>
 #include <iterator>
 #include <string_view>
@@ -309,14 +310,21 @@ TimeLine::Ahead Input::PeekAhead(const AVPacket& current) {
     }
     const auto shown = ShownAt(current, stream);
     std::vector<bool> isKnown(m_context->nb_streams);
-    for (const Owned<AVPacket>& packet : m_ahead) {
-        const AVStream& other = Stream(packet->stream_index);
-        const auto begin = ShownAt(*packet, other);
-        if (!shown || !begin || !IsTimed(other) || isKnown[static_cast<std::size_t>(other.index)]) continue;
-        isKnown[static_cast<std::size_t>(other.index)] = true;
-        const std::int64_t lead = *shown - *begin;
-        if (other.index != stream.index && lead < AV_TIME_BASE) ahead.lead = std::max(ahead.lead, lead);
-    }
+    const auto look = [&](const AVPacket& packet) {
+        const AVStream& other = Stream(packet.stream_index);
+        const auto index = static_cast<std::size_t>(other.index);
+        const auto begin = ShownAt(packet, other);
+        // What is far away belongs to the part before.
+        if (!shown || !begin || !IsTimed(other) || isKnown[index] || std::llabs(*shown - *begin) >= AV_TIME_BASE)
+            return;
+        isKnown[index] = true;
+        ahead.lead = std::max(ahead.lead, *shown - *begin);
+        if (ahead.picture || other.codecpar->codec_type != AVMEDIA_TYPE_VIDEO) return;
+        const std::int64_t duration = av_rescale_q(packet.duration, other.time_base, av_get_time_base_q());
+        ahead.picture = TimeLine::FirstPicture{other.index, *begin, duration};
+    };
+    look(current);
+    for (const Owned<AVPacket>& packet : m_ahead) look(*packet);
     return ahead;
 }
 
