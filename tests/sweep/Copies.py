@@ -1,3 +1,4 @@
+#!/usr/bin/env python3
 """What 'norvex-rules fit' calls 'as it is', held against the muxers of the running FFmpeg.
 
 Copies.py RULES EXPORT [all] [table] [WORD...]
