@@ -186,7 +186,8 @@ TEST_F(FilmTest, PicturesKeepWhatTheCodecCanAndTheRestIsTold) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.make + " to " + c.arguments);
-        Make("-f lavfi -i testsrc2=s=320x180:r=50:d=0.1 -vf " + c.make + " -c:v ffv1 -flags +ildct in.mkv");
+        Make("-f lavfi -i testsrc2=s=320x180:r=50:d=0.1 -vf " + c.make + " -c:v ffv1 " +
+             (c.make.find("interlace") != std::string::npos ? "-flags +ildct in.mkv" : "in.mkv"));
         const Outcome outcome = Run("in.mkv " + c.arguments);
         ASSERT_EQ(outcome.status, 0) << outcome.text;
         EXPECT_THAT(outcome.text, HasSubstr(c.told));
@@ -224,7 +225,9 @@ TEST_F(FilmTest, RedIsRedInJpegs) {
         Make(std::string("-f lavfi -i color=red:s=") + size + " -frames:v 1 in.png");
         EXPECT_EQ(Run("in.png o.jpg --quiet").text, "");
         Make("-i o.jpg -f rawvideo -pix_fmt rgb24 o.rgb");
-        EXPECT_EQ(Read("o.rgb").substr(0, 3), std::string("\xfe\0\0", 3)) << size;
+        const std::string red = Read("o.rgb");  // of which conversions round the last bit
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_NEAR(static_cast<unsigned char>(red.at(i)), i == 0 ? 254 : 0, 1) << size;
     }
 }
 

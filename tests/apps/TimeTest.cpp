@@ -46,7 +46,9 @@ TEST_F(TimeTest, GoesOnWhereTheInputJumpsAndStaysInStep) {
     Make(source + "-c:v libx264 -bf 2 -g 12 -c:a mp2 half.ts");
     Make("-i half.ts -c copy -output_ts_offset 300 later.ts");
     Make(source + "-c:v mpeg2video -b:v 2M -c:a ac3 half.vob");
-    Make(source + "-c:v libx264 -c:a aac ordinary.mkv");
+    Make("-itsoffset 0.018 " + source + "-c:v libx264 -c:a aac ordinary.mkv");
+    const json ordinary = StreamsOf("ordinary.mkv");
+    const double late = std::stod(ordinary[0].value("start_time", "")) - std::stod(ordinary[1].value("start_time", ""));
     const std::string half = Read("half.ts");
     Write("joined.ts", half + half);
     Write("jump.ts", half + Read("later.ts"));
@@ -90,10 +92,11 @@ TEST_F(TimeTest, GoesOnWhereTheInputJumpsAndStaysInStep) {
         const double packet = streams[1]["codec_name"] == "mp2" ? 1152 : 1024;
         EXPECT_NEAR(number(1, "nb_read_packets") * packet / 48000, c.seconds, 0.1);
         EXPECT_EQ(std::min(number(0, "start_time"), number(1, "start_time")), 0);
-        // FFmpeg's encoder of AAC begins a packet early, which Matroska has no mark for.
+        // Beside what the picture is late, older majors have no mark for the packet that an encoder of AAC begins
+        // early.
         if (c.arguments.find("ordinary.mkv o.mp4") != std::string::npos &&
             c.arguments.find("start") == std::string::npos) {
-            EXPECT_NEAR(number(0, "start_time"), 0.021, 0.002);
+            EXPECT_NEAR(number(0, "start_time"), late, 0.002);
         }
     }
     EXPECT_THAT(Run("ordinary.mkv o.mp4 --start 9").text, HasSubstr("ends before what is wanted of it begins"));

@@ -59,7 +59,7 @@ TEST(Encoders, TakeTheValuesThatTheirOptionsAllow) {
     std::string taken;
     for (const auto& [option, value] : {std::pair("slicecrc", "-1"),
                                         {"slicecrc", "1"},
-                                        {"slicecrc", "2"},
+                                        {"slicecrc", "9"},
                                         {"slicecrc", "-2"},
                                         {"slicecrc", "on"},
                                         {"coder", "rice"},

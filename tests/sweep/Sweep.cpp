@@ -69,6 +69,7 @@ constexpr Reason g_reasons[] = {
     {"flv pcm_s16be",  "pcm_s16le",          "FFmpeg", "its demuxer knows one byte order"},
     {"mp4 vorbis", "Invalid data", "FFmpeg", "later majors do not write what their muxer says that it carries"},
     {"webp_anim",      "neither pictures",   "FFmpeg", "its demuxer reads no film of WebP"},
+    {"webp_anim",      "read back as webp_anim", "FFmpeg", "later majors read the codec of an animation by a name of its own"},
     {"opus filter_resample/resample/sample_rate", "48000 Hz", "FFmpeg", "its decoder gives 48000 Hz whatever was coded"},
     {"cfhd filter_resize/resize/width=48", "a multiple of 16", "system", "the height of 600 goes with wider steps"},
     {"mpeg2ts truehd", "ac3+",               "FFmpeg", "its demuxer looks for an AC-3 core beside TrueHD"},
