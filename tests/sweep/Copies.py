@@ -115,7 +115,8 @@ class Carrier:
             elif isRefused:
                 clause = stream["reason"].split(" refuses it: ")[1]
                 clause = re.sub(r"its tag .+?( to another codec| is not wanted|$)", r"its tag\1", clause)
-                self.refused[clause.replace(f" {format_id}", " it")][format_id].add(codec)
+                clause = clause.replace(f"the name {format_id}", "its name").replace(f" {format_id}", " it")
+                self.refused[clause][format_id].add(codec)
 
 
 def lines(path):
