@@ -94,7 +94,9 @@ int Muxer::AddCopy(const AVStream& source, const AVCodecParameters& sourceParame
     if (!isOfBlocks) parameters.block_align = 0;
     CopySideData(source, *stream);
     CopyStreamTags(source, *stream, *m_context->oformat);
-    stream->sample_aspect_ratio = source.sample_aspect_ratio;
+    // Muxers refuse a stream of which the container and the codec say different shapes, as DV's and H.263's may.
+    if (source.sample_aspect_ratio.num != 0) parameters.sample_aspect_ratio = source.sample_aspect_ratio;
+    stream->sample_aspect_ratio = parameters.sample_aspect_ratio;
     stream->avg_frame_rate = source.avg_frame_rate;
     stream->r_frame_rate = source.r_frame_rate;
     stream->time_base = source.time_base;

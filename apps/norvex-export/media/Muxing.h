@@ -37,7 +37,10 @@ public:
     /// needed or where the muxer sees to it itself.
     const char* PacketFilterFor(const AVCodecParameters& source) const {
         const bool isPrefixed = source.extradata_size > 0 && source.extradata[0] == 1;  // rather than with start codes
-        return IsAvi() && source.codec_id == AV_CODEC_ID_H264 && isPrefixed ? "h264_mp4toannexb" : nullptr;
+        if (IsAvi() && source.codec_id == AV_CODEC_ID_H264 && isPrefixed) return "h264_mp4toannexb";
+        // Transport streams have no other place for its header.
+        const bool isBare = std::string_view(m_context->oformat->name) == "mpegts" && source.extradata_size > 0;
+        return isBare && source.codec_id == AV_CODEC_ID_MPEG4 ? "dump_extra" : nullptr;
     }
 
     /// Whether cover pictures are files inside the file, and no streams.

@@ -9,6 +9,7 @@ extern "C" {
 #include <iterator>
 #include <map>
 #include <optional>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -61,29 +62,58 @@ const char* const tooManyMessage = "%2 holds no more than %3 of them";
 const char* const unknownMessage = "nothing is known of the stream";
 
 // What FFmpeg writes and nobody can read, or not as what it is. docs/sweep.md tells how that was found.
-const char* const wavAacMessage = "FFmpeg writes AAC to %2 so that the packets cannot be told apart";
-const char* const aviFlacMessage = "FFmpeg says that %2 carries %1, and does not write it";
-const char* const flvBytesMessage = "FFmpeg writes %1 to %2, where players take it for the other order of bytes";
-const char* const mp4Mp2Message = "FFmpeg writes %1 to %2 under a number that players take for MP3";
+const char* const unreadableMessage = "FFmpeg writes %1 to %2 so that the packets cannot be told apart";
+const char* const unwrittenMessage = "FFmpeg says that %2 carries %1, and does not write it";
+const char* const namelessMessage = "FFmpeg writes %1 to %2 so that players cannot tell what it is";
+const char* const otherBytesMessage = "FFmpeg writes %1 to %2, where players take it for the other order of bytes";
+const char* const otherNumberMessage = "FFmpeg writes %1 to %2 under a number that players take for MP3";
+const char* const ratesMessage = "FFmpeg writes %1 to %2 at %3 Hz alone";
 const char* const webpFilmMessage = "FFmpeg writes films of WebP and does not read them";
 
 struct Fault {
-    const char* muxer;
-    const char* codec;
+    const char* container;  ///< its id, or FFmpeg's name of its muxer
+    const char* codecs;     ///< FFmpeg's names, between spaces
     const char* message;
-};
-const Fault g_faults[] = {
-    {"wav", "aac", wavAacMessage},
-    {"avi", "flac", aviFlacMessage},
-    {"flv", "pcm_s16be", flvBytesMessage},
-    {"mp4", "mp2", mp4Mp2Message},
+    const char* rates = nullptr;  ///< in Hz: at any other rate alone; null for every stream
 };
 
-const char* FaultOf(const std::string& muxer, const std::string& codecId) {
+// clang-format off
+const Fault g_faults[] = {
+    {"wav",      " aac ",                                unreadableMessage},
+    {"w64",      " aac adpcm_swf dfpwm speex vorbis ",   unreadableMessage},
+    {"flv",      " mpeg4 ",                              unreadableMessage},
+    {"aiff",     " adpcm_g722 ",                         unwrittenMessage},
+    {"avi",      " flac ",                               unwrittenMessage},
+    {"caf",      " aac ",                                unwrittenMessage},
+    {"matroska", " rv10 rv20 ",                          unwrittenMessage},
+    {"mov",      " av1 flac opus truehd vp8 vp9 ",       unwrittenMessage},
+    {"ogv",      " vp9 ",                                unwrittenMessage},
+    {"flv",      " h263 ",                               namelessMessage},  // another H.263 has its number
+    {"mpeg2ts",  " dirac mpeg4 ",                        namelessMessage},
+    {"flv",      " pcm_s16be ",                          otherBytesMessage},
+    {"mp4",      " mp2 ",                                otherNumberMessage},
+    {"flv",      " pcm_s16le pcm_u8 ",                   ratesMessage, "44100, 22050, 11025"},
+    {"flv",      " pcm_alaw pcm_mulaw ",                 ratesMessage, "8000"},
+    {"flv",      " speex ",                              ratesMessage, "16000"},
+    {"flv",      " mp3 ",                                ratesMessage, "48000, 44100, 22050, 11025"},
+    {"swf",      " mp3 ",                                ratesMessage, "44100, 22050, 11025"},
+};
+// clang-format on
+
+bool Contains(std::string_view list, const std::string& word) {
+    return list.find(word) != std::string_view::npos;
+}
+
+/// What is wrong with sound of this rate, or with a stream whose rate is 0, for none or one that can be chosen.
+const Fault* FaultOf(const std::string& formatId, const std::string& muxer, const std::string& codecId,
+                     long long rate) {
     const auto* const fault = std::find_if(std::begin(g_faults), std::end(g_faults), [&](const Fault& row) {
-        return muxer == row.muxer && codecId == row.codec;
+        const bool isHere = formatId == row.container || muxer == row.container;
+        if (!isHere || !Contains(row.codecs, " " + codecId + " ")) return false;
+        if (row.rates == nullptr) return true;
+        return rate != 0 && !Contains(" " + std::string(row.rates) + ",", " " + std::to_string(rate) + ",");
     });
-    return fault != std::end(g_faults) ? fault->message : nullptr;
+    return fault != std::end(g_faults) ? fault : nullptr;
 }
 
 // ------------------------------------------------------------------------------------------------- descriptions
@@ -111,6 +141,7 @@ struct Stream {
     AVCodecID codec = AV_CODEC_ID_NONE;
     AVMediaType type = AVMEDIA_TYPE_UNKNOWN;
     long long tag = 0;
+    long long sampleRate = 0;  ///< Hz; 0 where unknown
     bool isKnown = false;
     bool isDecodable = false;
     SP<const IFormatCodec> unchanged;  ///< the description marked as going over unchanged; null where it cannot be
@@ -178,6 +209,9 @@ Stream Read(const SP<const IFormatCodec>& description) {
         const MediaType type = description->GetMediaType();
         if (const Property* const id = Find(settings, C::TAG_CODEC_ID, PT_STRING)) stream.codecId = id->GetString();
         if (const Property* const tag = Find(settings, C::TAG_FOURCC, PT_INT64)) stream.tag = tag->GetInt64();
+        if (const Property* const rate = Find(settings, A::TAG_SAMPLE_RATE, PT_INT64)) {
+            stream.sampleRate = rate->GetInt64();
+        }
         stream.codec = CodecIDFromTextID(stream.codecId);
         stream.type = avcodec_get_type(stream.codec);
         const Property* const cover = Find(settings, V::TAG_COVER_FLAG, PT_BOOL);
@@ -373,12 +407,12 @@ private:
         int& room = RoomFor(stream.kind, container, left);
         if (room == 0) return conclude(tooManyMessage, std::to_string(LimitFor(stream.kind, container)));
 
-        const char* message = notCarriedMessage;
-        const Refusal refusal = JudgeUnchanged(container, stream, message);
-        if (refusal == Refusal::None && message == asItIsMessage) {
+        const Judgement judgement = JudgeUnchanged(container, stream);
+        const Refusal refusal = judgement.refusal;
+        if (judgement.message == asItIsMessage) {
             fit.answer = Answer::AsItIs;
             --room;
-            return conclude(message);
+            return conclude(asItIsMessage);
         }
         const char* const obstacle = Encode(container, stream, fit);
         if (refusal != Refusal::None) {
@@ -390,8 +424,9 @@ private:
         }
         fit.isEncoded = obstacle == nullptr;
         --room;
-        return conclude(refusal != Refusal::None ? refusedMessage : message,
-                        WordsFor(refusal, container.id, stream.codecId, stream.tag));
+        return conclude(judgement.message, refusal != Refusal::None
+                                               ? WordsFor(refusal, container.id, stream.codecId, stream.tag)
+                                               : judgement.rates);
     }
 
     /// Why the container has no place for such a stream at all, or null.
@@ -414,38 +449,29 @@ private:
         return hasRoom ? nullptr : noOtherMessage;
     }
 
-    /// None with asItIsMessage where the stream goes over as it is; the clause where the book alone refuses it; else
-    /// none, with the message that says why not.
-    static Refusal JudgeUnchanged(const Container& container, const Stream& stream, const char*& message) {
-        if (container.holdsOnePicture) {
-            message = onePictureMessage;
-            return Refusal::None;
-        }
-        if (container.id == ModernFormats::FORMAT_WEBP_ANIM) {
-            message = webpFilmMessage;
-            return Refusal::None;
-        }
+    /// Whether a stream goes over as it is: then with asItIsMessage.
+    struct Judgement {
+        const char* message = notCarriedMessage;
+        Refusal refusal = Refusal::None;  ///< the clause where the book alone refuses it
+        std::string rates = {};           ///< of which the message tells
+    };
+
+    static Judgement JudgeUnchanged(const Container& container, const Stream& stream) {
+        if (container.holdsOnePicture) return {onePictureMessage};
+        if (container.id == ModernFormats::FORMAT_WEBP_ANIM) return {webpFilmMessage};
         if (stream.kind == StreamKind::Cover) {  // of which CodecIsSupported knows nothing
-            if (KeepsCover(container.id, stream.codecId)) message = asItIsMessage;
-            return Refusal::None;
+            return {KeepsCover(container.id, stream.codecId) ? asItIsMessage : notCarriedMessage};
         }
-        if (IsFont(stream.codec) && KeepsAttachments(container.id)) {
-            message = asItIsMessage;
-            return Refusal::None;
-        }
-        if (const char* const fault = FaultOf(container.muxerName, stream.codecId)) {
-            message = fault;
-            return Refusal::None;
+        if (IsFont(stream.codec) && KeepsAttachments(container.id)) return {asItIsMessage};
+        if (const Fault* const fault = FaultOf(container.id, container.muxerName, stream.codecId, stream.sampleRate)) {
+            return {fault->message, Refusal::None, fault->rates != nullptr ? fault->rates : ""};
         }
         const int word = container.AskMuxer(stream.codec);
         const Refusal refusal = AskBook(container, stream);
-        if (refusal == Refusal::None) {
-            message = word != 0 ? asItIsMessage : notWrittenMessage;
-            return Refusal::None;
-        }
+        if (refusal == Refusal::None) return {word != 0 ? asItIsMessage : notWrittenMessage};
         // Where FFmpeg does not know, the container's list has the word.
         const bool isCarried = word > 0 || (word < 0 && !container.Offers(stream.kind, stream.codecId).empty());
-        return isCarried ? refusal : Refusal::None;
+        return isCarried ? Judgement{refusedMessage, refusal} : Judgement();
     }
 
     static Refusal AskBook(const Container& container, const Stream& stream) {
@@ -493,7 +519,8 @@ private:
 
     static std::string TargetOf(const Container& container, const Stream& stream) {
         const std::string same = container.Offers(stream.kind, stream.codecId);
-        if (!same.empty() && FaultOf(container.muxerName, same) == nullptr && IsEncodable(container, stream, same)) {
+        if (!same.empty() && FaultOf(container.id, container.muxerName, same, 0) == nullptr &&
+            IsEncodable(container, stream, same)) {
             return same;
         }
         const std::string byDefault = container.DefaultOf(stream.kind);
