@@ -10,7 +10,9 @@ namespace {
 
 using nlohmann::json;
 using NorvexTest::Outcome;
+using testing::DoubleNear;
 using testing::HasSubstr;
+using testing::Pointwise;
 
 class TimeTest : public NorvexTest::ProgramFixture {
 protected:
@@ -101,6 +103,31 @@ TEST_F(TimeTest, GoesOnWhereTheInputJumpsAndStaysInStep) {
     }
     EXPECT_THAT(Run("ordinary.mkv o.mp4 --start 9").text, HasSubstr("ends before what is wanted of it begins"));
     EXPECT_THAT(Run("ordinary.mkv o.mp4 --start 1:75").text, HasSubstr("'1:75' is no time such as 90, 1.5 or 1:30"));
+}
+
+TEST_F(TimeTest, FlashesAndBeepsOfJoinedPartsStayTogether) {
+    Make(
+        "-f lavfi -i \"color=black:s=64x48:r=25:d=2,drawbox=c=white:t=fill:enable='lt(mod(t,1),0.2)*gte(t,0.12)'\" "
+        "-f lavfi -i \"aevalsrc='0.9*sin(2000*PI*t)*lt(mod(t,1),0.2)*gte(t,0.12)':s=48000:d=2\" "
+        "-c:v libx264 -bf 2 -g 12 -c:a mp2 half.ts");
+    Write("joined.ts", Read("half.ts") + Read("half.ts"));
+    for (const char* const output : {"o.mp4", "o.mkv --copy", "o.ts"}) {
+        EXPECT_EQ(Run(std::string("joined.ts ") + output).status, 0);
+        const std::string name = std::string(output).substr(0, 5);
+        const auto ends = [&](const char* filter, const std::string& word) {
+            std::vector<double> times;
+            const std::string text =
+                RunOther("ffmpeg", "-hide_banner -nostdin -i " + name + filter + " -f null -").text;
+            for (std::size_t at = text.find(word); at != std::string::npos; at = text.find(word, at + 1)) {
+                times.push_back(std::stod(text.substr(at + word.size())));
+            }
+            times.resize(4);  // of the flashes and beeps, without the end of the film
+            return times;
+        };
+        EXPECT_THAT(ends(" -vf blackdetect=d=0.1", "black_end:"),
+                    Pointwise(DoubleNear(0.01), ends(" -af silencedetect=n=-20dB:d=0.1", "silence_end: ")))
+            << output;
+    }
 }
 
 TEST_F(TimeTest, SoundKeepsToLayoutsThatPlayersKnow) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 extern "C" {
@@ -47,7 +48,7 @@ private:
     void TakeFrame(AVFrame& frame, std::int64_t time) override {
         const int rate = RateOf(frame);
         const std::int64_t next = m_rate > 0 ? Heard() : 0;
-        if (m_rate == 0 || IsOff(time - next)) {
+        if (m_rate == 0 || IsOff(time - next) || HasJumped(time, time - next)) {
             FillUpTo(time, frame, next);
             SetTo(time, rate);
         } else if (rate != m_rate) {
@@ -75,11 +76,20 @@ private:
     /// Whether the sound must be cut or filled to stay in step. Coarse clocks scatter about the time that the samples
     /// tell, and only what lasts is more than that.
     bool IsOff(std::int64_t deviation) {
-        constexpr std::int64_t bearable = std::int64_t{8} * AV_TIME_BASE / 1000;
         constexpr std::int64_t scatter = std::int64_t{50} * AV_TIME_BASE / 1000;
         m_drift += (static_cast<double>(deviation) - m_drift) / 8;
         const std::int64_t off = std::abs(deviation);
         return off > scatter || (off > bearable && std::abs(m_drift) > static_cast<double>(bearable));
+    }
+
+    /// Whether the sound is off because the input's time has jumped: then it is so for good.
+    bool HasJumped(std::int64_t time, std::int64_t deviation) {
+        if (m_jumps != Source().Times().Jumps()) m_jumpedAt = time;
+        m_jumps = Source().Times().Jumps();
+        // The jump may have been met in another stream, and that of the sound be still to come.
+        if (!m_jumpedAt || time - *m_jumpedAt > AV_TIME_BASE || std::abs(deviation) <= bearable) return false;
+        m_jumpedAt.reset();
+        return true;
     }
 
     /// Silence from `begin` to `time` for a frame that is to stand there: piece by piece, where to leave it to the
@@ -126,10 +136,14 @@ private:
         return true;
     }
 
-    std::int64_t m_anchor = 0;        // where in the film the samples were last set to their time
-    std::int64_t m_samplesHeard = 0;  // since then
-    int m_rate = 0;                   // of them, 0 before the first
-    double m_drift = 0;               // of the stamps from what the samples tell, smoothed
+    static constexpr std::int64_t bearable = std::int64_t{8} * AV_TIME_BASE / 1000;
+
+    std::int64_t m_anchor = 0;               // where in the film the samples were last set to their time
+    std::int64_t m_samplesHeard = 0;         // since then
+    int m_rate = 0;                          // of them, 0 before the first
+    double m_drift = 0;                      // of the stamps from what the samples tell, smoothed
+    long long m_jumps = 0;                   // of the input, that the sound has heard of
+    std::optional<std::int64_t> m_jumpedAt;  // the last of them, while the sound may still have to follow
     long long m_samples = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "Input.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstddef>
 #include <iterator>
 #include <string_view>
@@ -267,7 +268,7 @@ bool Input::ReadPlaced(AVPacket& packet) {
         m_ahead.pop_front();
     }
     const AVStream& stream = Stream(packet.stream_index);
-    m_timeLine.Place(packet, stream, [&] { return PeekAhead(stream); });
+    m_timeLine.Place(packet, stream, [&] { return PeekAhead(packet); });
     return true;
 }
 
@@ -287,9 +288,11 @@ bool Input::ReadStamped(AVPacket& packet) {
     return false;
 }
 
-std::vector<TimeLine::Coming> Input::PeekAhead(const AVStream& stream) {
+TimeLine::Ahead Input::PeekAhead(const AVPacket& current) {
+    const AVStream& stream = Stream(current.stream_index);
     constexpr std::size_t most = 500;
-    std::vector<TimeLine::Coming> coming;
+    TimeLine::Ahead ahead;
+    std::vector<TimeLine::Coming>& coming = ahead.coming;
     const auto take = [&](const AVPacket& packet) {
         if (packet.stream_index != stream.index) return;
         const std::int64_t duration = std::max<std::int64_t>(packet.duration, 0);
@@ -305,7 +308,24 @@ std::vector<TimeLine::Coming> Input::PeekAhead(const AVStream& stream) {
         take(*packet);
         m_ahead.push_back(std::move(packet));
     }
-    return coming;
+    const auto shown = ShownAt(current, stream);
+    std::vector<bool> isKnown(m_context->nb_streams);
+    const auto look = [&](const AVPacket& packet) {
+        const AVStream& other = Stream(packet.stream_index);
+        const auto index = static_cast<std::size_t>(other.index);
+        const auto begin = ShownAt(packet, other);
+        // What is far away belongs to the part before.
+        if (!shown || !begin || !IsTimed(other) || isKnown[index] || std::llabs(*shown - *begin) >= AV_TIME_BASE)
+            return;
+        isKnown[index] = true;
+        ahead.lead = std::max(ahead.lead, *shown - *begin);
+        if (ahead.picture || other.codecpar->codec_type != AVMEDIA_TYPE_VIDEO) return;
+        const std::int64_t duration = av_rescale_q(packet.duration, other.time_base, av_get_time_base_q());
+        ahead.picture = TimeLine::FirstPicture{other.index, *begin, duration};
+    };
+    look(current);
+    for (const Owned<AVPacket>& packet : m_ahead) look(*packet);
+    return ahead;
 }
 
 void Input::ReadBeginnings() {

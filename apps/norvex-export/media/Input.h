@@ -101,7 +101,7 @@ private:
     /// Takes what was read ahead first.
     bool ReadPlaced(AVPacket& packet);
     bool ReadStamped(AVPacket& packet);
-    std::vector<TimeLine::Coming> PeekAhead(const AVStream& stream);
+    TimeLine::Ahead PeekAhead(const AVPacket& current);
     void ReadBeginnings();
     void Seek(std::int64_t time);
     void ReadUpTo(std::int64_t time, int copied);

@@ -144,12 +144,22 @@ std::optional<std::int64_t> TimeLine::TrueBeginning(std::int64_t stamp, std::int
     return std::nullopt;
 }
 
+std::int64_t TimeLine::ToStep(const FirstPicture& picture, std::int64_t offset) const {
+    const auto index = static_cast<std::size_t>(picture.stream);
+    if (index >= m_clocks.size() || !m_clocks[index].hasBegun || picture.duration <= 0) return 0;
+    constexpr std::int64_t mostCut = AV_TIME_BASE / 40;  // of the sound before: about one of its packets
+    const std::int64_t late = picture.shown + offset - (m_clocks[index].next + m_clocks[index].delay);
+    const std::int64_t over = ((late % picture.duration) + picture.duration) % picture.duration;
+    return over <= std::min(mostCut, picture.duration / 2) ? -over : picture.duration - over;
+}
+
 bool TimeLine::Adjust(Clock& clock, const Placed& packet, const Peek& peek) {
     const std::int64_t stamp = packet.stamp;
     const std::int64_t duration = packet.duration;
     const auto misses = [&](std::int64_t offset) { return std::abs(stamp + offset - clock.next); };
     const bool fits = Fits(clock, stamp + clock.offset);
-    const std::vector<Coming> coming = peek();
+    const Ahead ahead = peek();
+    const std::vector<Coming>& coming = ahead.coming;
     if (clock.hasBegun) {
         if (ComesBack(clock, stamp, duration, coming)) return Refuse();
         // Where another stream has jumped already, this one jumps with it, as far as the ends of the two and their
@@ -177,7 +187,8 @@ bool TimeLine::Adjust(Clock& clock, const Placed& packet, const Peek& peek) {
     }
     ++m_jumps;
     const bool isDelayed = packet.delay > 0 && packet.delay <= longestGap;
-    clock.offset = *m_farthest - stamp - (isDelayed ? packet.delay : 0);
+    clock.offset = *m_farthest - stamp - (isDelayed ? packet.delay : 0) + ahead.lead;
+    if (ahead.picture) clock.offset += ToStep(*ahead.picture, clock.offset);
     if (!clock.hasBegun) clock.firstMoved = clock.offset;
     m_offsets.push_back(clock.offset);
     return true;

@@ -34,8 +34,17 @@ public:
         std::optional<std::int64_t> stamp;
         std::int64_t duration = 0;
     };
-    /// The next packets of a stream, as many as it takes to tell a jump from damage.
-    using Peek = std::function<std::vector<Coming>()>;
+    struct FirstPicture {
+        int stream;
+        std::int64_t shown;
+        std::int64_t duration;
+    };
+    struct Ahead {
+        std::vector<Coming> coming;           ///< of the same stream, as many as it takes to tell a jump from damage
+        std::int64_t lead = 0;                ///< how much earlier another stream begins that is still to come
+        std::optional<FirstPicture> picture;  ///< of the part that may begin here
+    };
+    using Peek = std::function<Ahead()>;
     static constexpr std::size_t peeked = 32;
 
     /// When a packet is decoded, or none where it does not say.
@@ -84,6 +93,9 @@ private:
     std::optional<std::int64_t> TrueBeginning(std::int64_t stamp, std::int64_t duration,
                                               const std::vector<Coming>& coming) const;
     bool Fits(const Clock& clock, std::int64_t time) const;
+    /// How much later, or earlier, a part has to begin for its pictures to go on in step with those before. A file of a
+    /// steady rate would show them beside their sound, by half a picture at most.
+    std::int64_t ToStep(const FirstPicture& picture, std::int64_t offset) const;
     /// False where the stamp is damaged.
     bool Adjust(Clock& clock, const Placed& packet, const Peek& peek);
     bool Refuse() {
