@@ -41,8 +41,11 @@ REASONS = {
 
 
 def run(*command, **options):
-    return subprocess.run(command, capture_output=True, text=True, errors="replace", stdin=subprocess.DEVNULL,
-                          timeout=120, **options)
+    try:
+        return subprocess.run(command, capture_output=True, text=True, errors="replace", stdin=subprocess.DEVNULL,
+                              timeout=60, **options)
+    except subprocess.TimeoutExpired:
+        return subprocess.CompletedProcess(command, 1, "", "it came to no end")
 
 
 def codecs():
@@ -59,12 +62,18 @@ def codec_of(path):
     return probed.stdout.replace(",", " ").split()[:1]
 
 
+def is_short(path):
+    """Whether FFmpeg wrote the times so that it reads them: of FLAC in CAF it makes two days."""
+    probed = run("ffprobe", "-v", "error", "-show_entries", "format=duration", "-of", "csv=p=0", path)
+    return not re.match(r"\d{2}", probed.stdout)
+
+
 def make(folder, codec, kind, container):
     path = f"{folder}/{codec}.{container}"
     flag = {"video": "-c:v", "audio": "-c:a", "subtitle": "-c:s"}[kind]
     for form in FORMS[kind]:
         made = run("ffmpeg", "-v", "error", "-y", *form.split(), flag, codec, "-strict", "-2", path, cwd=folder)
-        if made.returncode == 0 and codec_of(path) == [codec]:
+        if made.returncode == 0 and codec_of(path) == [codec] and is_short(path):
             return path
     return None
 
