@@ -56,6 +56,21 @@ int Muxer::AddStream(const AVCodecContext& encoder, const AVStream& source) {
     return stream->index;
 }
 
+std::int64_t Muxer::PictureDelay(int soundStream) const {
+    if (TellsTimes()) return 0;
+    std::int64_t delay = 0;
+    for (unsigned i = 0; i < m_context->nb_streams; ++i) {
+        const AVStream& stream = *m_context->streams[i];
+        const AVRational rate = stream.avg_frame_rate;
+        if (stream.codecpar->codec_type != AVMEDIA_TYPE_VIDEO || rate.num <= 0) continue;
+        delay = std::max(delay, av_rescale_q(stream.codecpar->video_delay, av_inv_q(rate), av_get_time_base_q()));
+    }
+    // The encoder's own silence is played as well.
+    const AVCodecParameters& sound = *m_context->streams[soundStream]->codecpar;
+    const std::int64_t padding = av_rescale(sound.initial_padding, AV_TIME_BASE, std::max(sound.sample_rate, 1));
+    return std::max<std::int64_t>(delay - padding, 0);
+}
+
 int Muxer::AddAttachedCover(const AVStream& source) {
     AVStream* const stream = avformat_new_stream(m_context.get(), nullptr);
     if (stream == nullptr) throw std::bad_alloc();

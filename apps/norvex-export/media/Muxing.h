@@ -66,6 +66,10 @@ public:
     /// Whether the container tells when pictures are shown, rather than only in which order they are decoded.
     bool TellsTimes() const { return (m_context->oformat->flags & AVFMT_NOTIMESTAMPS) == 0 && !IsAvi(); }
 
+    /// How much later the sound of a stream has to come for the container's readers to play it with the pictures, in
+    /// AV_TIME_BASE units. Where times are not told, they show a picture when those are decoded that it is made from.
+    std::int64_t PictureDelay(int soundStream) const;
+
     /// Whether the streams of a container may begin apart, and their pictures stand at any time. In others all begin
     /// together, and the pictures follow each other at their rate.
     static bool PlacesStreams(const std::string& container);
