@@ -1,8 +1,8 @@
 #include "Input.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstddef>
+#include <cstdlib>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -437,6 +437,8 @@ Input::OwnedContext Input::Open(const std::string& path) {
     AVFormatContext* context = nullptr;  // avformat_open_input frees it where it fails
     const int result = avformat_open_input(&context, FileUrl(path).c_str(), nullptr, nullptr);
     if (result < 0) Fail("cannot open " + Quoted(path), result);
+    // Program streams tell the time of one picture in several: the others are told by their order and their rate.
+    if (std::string_view(context->iformat->name) == "mpeg") context->flags |= AVFMT_FLAG_GENPTS;
     return OwnedContext(context);
 }
 
