@@ -1,6 +1,7 @@
 #include "Plan.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include "Formats.h"
 #include "norvex/Norvex.h"
@@ -76,6 +77,19 @@ void RequireFittingNumbers(const Draft& draft) {
     }
 }
 
+/// The preset's container stands, whatever the output is called.
+void NoteOtherExtension(Draft& draft) {
+    const Request& request = draft.plan.request;
+    const Choice* const container = request.Find(Path({P::KEY_FORMAT, IFormatFile::TAG_CONTAINER}));
+    if (container == nullptr || !container->isFromPreset) return;
+    const std::string dotted = std::filesystem::path(request.output).extension().string();
+    const std::string extension = dotted.substr(std::min<std::size_t>(dotted.size(), 1));
+    const std::vector<std::string> usual = FileExtensions(draft.plan.formatId);
+    if (std::find(usual.begin(), usual.end(), extension) != usual.end()) return;
+    draft.Note("The output is " + FullNameForPeople(P::KEY_FORMAT, draft.plan.formatId) +
+               ", as the preset says: --format says otherwise.");
+}
+
 Plan PlanFor(const Request& request, const InputInfo& input, const std::vector<StreamFailure>& unwritable) {
     Draft draft;
     Plan& plan = draft.plan;
@@ -108,6 +122,7 @@ Plan PlanFor(const Request& request, const InputInfo& input, const std::vector<S
     PlanSubtitles(draft, selection.subtitles);
     PlanOthers(draft, selection.attachments, selection.data);
     draft.NoteCopyable();
+    NoteOtherExtension(draft);
     if (plan.streams.empty()) {
         throw RequestError("'" + request.input + "' has no stream that the format '" + plan.formatId + "' could hold");
     }

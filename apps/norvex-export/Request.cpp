@@ -14,6 +14,7 @@
 #include "common/CommandLine.h"
 #include "common/Completion.h"
 #include "common/ManPage.h"
+#include "common/Presets.h"
 #include "common/Quantities.h"
 #include "norvex/Norvex.h"
 
@@ -273,7 +274,7 @@ std::vector<Option> GeneralOptions() {
          Time(&Request::start, 0)},
         {"--duration", "TIME", "Leave out what lies behind that much", Time(&Request::duration, 1)},
         {"--no-faststart", nullptr, "Leave the index of MP4 and MOV behind the media", Flag(&Request::noFaststart)},
-        {"--preset", "FILE", "Start from the preset in this file", File(&Request::presetFile)},
+        {"--preset", "FILE", "Start from a preset: a name of --list-presets, or a file", File(&Request::presetFile)},
         {"--save-preset", "FILE", "Write what was settled on to this file", File(&Request::savePresetFile)},
         {"--classic", nullptr, "Know the classic codecs and containers alone", Flag(&Request::classic)},
         {"--dry-run", nullptr, "Show what would be encoded, and encode nothing", Flag(&Request::dryRun)},
@@ -470,6 +471,10 @@ void Declare(CLI::App& app, Request& request) {
     constexpr std::size_t helpColumn = 28;
     app.get_formatter()->column_width(helpColumn);
     app.set_version_flag("--version", NORVEX_VERSION);
+    app.add_flag_callback(
+           "--list-presets", [] { throw CLI::CallForVersion(NorvexApps::PresetsText(), 0); },
+           "Print the presets that --preset knows by name")
+        ->trigger_on_parse();
     app.add_option("INPUT", request.input, "The file to export")->required()->option_text(" ");
     app.add_option("OUTPUT", request.output, "The file to write; replaced when the export has succeeded")
         ->required()
@@ -557,6 +562,11 @@ std::vector<std::string> ValuesOf(const std::string& name, const std::vector<std
     for (const auto& [option, values] : words) {
         if (name == option) return values;
     }
+    if (name == "--preset") {
+        std::vector<std::string> names;
+        for (const NorvexApps::NamedPreset& preset : NorvexApps::ListPresets()) names.push_back(preset.name);
+        return names;
+    }
     for (const auto& [option, kind] : named) {
         if (name != option) continue;
         RegisterModernHelpers();
@@ -579,7 +589,8 @@ const NorvexApps::ManTexts g_manTexts = {
     "0 if the output stands, or would by --dry-run; 1 if the export failed, and what OUTPUT was before stays; 2 for a "
     "wrong command line; 128 and the number of a signal that ended the program. What went wrong is told on standard "
     "error.",
-    "Presets are JSON documents of settings, as --save-preset writes them.",
+    "Presets are JSON documents of settings, as --save-preset writes them. Those of $XDG_CONFIG_HOME/norvex/presets "
+    "(~/.config/norvex/presets) have names, and come before those of share/norvex/presets.",
     "norvex-rules(1), ffmpeg(1), ffprobe(1)",
 };
 

@@ -17,6 +17,7 @@ extern "C" {
 #include "Request.h"
 #include "Signals.h"
 #include "Terminal.h"
+#include "common/Presets.h"
 #include "common/TextFiles.h"
 #include "media/Files.h"
 #include "norvex/Norvex.h"
@@ -51,8 +52,10 @@ void Run(Request request) {
     if (!request.classic) RegisterModernHelpers();
     TakeCensus();
     UseIds(request);
-    if (!request.presetFile.empty())
+    if (!request.presetFile.empty()) {
+        request.presetFile = NorvexApps::FindPreset(request.presetFile);
         ChooseFromPreset(request, NorvexApps::ReadText(request.presetFile, Document::g_largestPreset + 1));
+    }
     TakeBackOpen(request);
     RequireRanges(request);
     const InputInfo input = Probe(request.input);

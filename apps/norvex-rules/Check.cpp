@@ -92,17 +92,18 @@ std::string Verdict(const MendedPreset& mended) {
 
 }  // namespace
 
-std::string JudgementText(const MendedPreset& mended) {
-    return Verdict(mended) + (mended.broken.empty() ? "" : "Mended:\n" + Document::WritePreset(mended.preset));
+std::string JudgementText(const Document::PresetDocument& read, const MendedPreset& mended) {
+    return Verdict(mended) +
+           (mended.broken.empty() ? "" : "Mended:\n" + Document::WritePreset(mended.preset, read.about));
 }
 
-std::string JudgementDiff(const Core::Property& preset, const MendedPreset& mended) {
+std::string JudgementDiff(const Document::PresetDocument& read, const MendedPreset& mended) {
     const std::string diff =
-        LineDiff(LinesOf(Document::WritePreset(preset)), LinesOf(Document::WritePreset(mended.preset)));
+        LineDiff(LinesOf(Document::WritePreset(read.preset)), LinesOf(Document::WritePreset(mended.preset)));
     return Verdict(mended) + (diff.empty() ? "" : "Difference:\n" + diff);
 }
 
-std::string JudgementJson(const MendedPreset& mended) {
+std::string JudgementJson(const Document::PresetDocument& read, const MendedPreset& mended) {
     Value::List values;
     for (const MendedValue& value : mended.values) {
         values.push_back({{"path", value.path},
@@ -115,7 +116,7 @@ std::string JudgementJson(const MendedPreset& mended) {
                                 {"open", FormOf(mended.open)},
                                 {"changed", values},
                                 {"left", FormOf(mended.left)},
-                                {"mended", Document::ReadJson(Document::WritePreset(mended.preset))}}) +
+                                {"mended", Document::ReadJson(Document::WritePreset(mended.preset, read.about))}}) +
            '\n';
 }
 

@@ -17,6 +17,7 @@
 #include "common/CommandLine.h"
 #include "common/Completion.h"
 #include "common/ManPage.h"
+#include "common/Presets.h"
 #include "common/TextFiles.h"
 #include "norvex/Norvex.h"
 #include "norvex/document/PresetDocument.h"
@@ -109,17 +110,18 @@ int CheckFile(const CheckOptions& options) {
     namespace Document = Norvex::Document;
     MakeBook();  // takes the census, by which containers know what they carry
     const bool isInput = options.file.empty() || options.file == "-";
-    const std::string path = isInput ? "/dev/stdin" : options.file;
+    const std::string path = isInput ? "/dev/stdin" : NorvexApps::FindPreset(options.file);
     try {
         // What was set for another container or codec is dropped by mending.
         const std::string text = NorvexApps::ReadText(path, Document::g_largestPreset + 1);
-        const auto preset = Document::ReadPreset(text, Document::Foreign::Left).preset;
-        const auto mended = Norvex::Conf::MendPreset(preset);
-        if (!options.mendedFile.empty())
-            NorvexApps::WriteText(options.mendedFile, Document::WritePreset(mended.preset));
-        Print(options.json   ? JudgementJson(mended)
-              : options.diff ? JudgementDiff(preset, mended)
-                             : JudgementText(mended));
+        const auto document = Document::ReadPreset(text, Document::Foreign::Left);
+        const auto mended = Norvex::Conf::MendPreset(document.preset);
+        if (!options.mendedFile.empty()) {
+            NorvexApps::WriteText(options.mendedFile, Document::WritePreset(mended.preset, document.about));
+        }
+        Print(options.json   ? JudgementJson(document, mended)
+              : options.diff ? JudgementDiff(document, mended)
+                             : JudgementText(document, mended));
         return mended.broken.empty() ? 0 : 1;
     } catch (const Document::DocumentException& error) {
         throw std::runtime_error((isInput ? "standard input" : "'" + path + "'") + ", " + error.what());

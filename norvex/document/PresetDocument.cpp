@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <initializer_list>
+#include <iterator>
 #include <optional>
 #include <set>
 #include <utility>
@@ -33,6 +35,7 @@ using V = Conf::IFormatCodecVideo;
 using Proc::IResize;
 
 constexpr const char* g_versionKey = "norvex-preset";
+constexpr const char* g_aboutKey = "about";
 constexpr const char* g_presetKey = "preset";
 
 [[noreturn]] void Fail(int line, const std::string& sentence) {
@@ -45,6 +48,54 @@ std::string Join(const std::string& path, const std::string& tag) {
 
 std::string Quoted(const std::string& text) {
     return "'" + Excerpt(text) + "'";
+}
+
+// ------------------------------------------------------------------------------------------------------ the form
+
+/// The members of an object, of which there are no others, and none twice.
+void RequireMembers(const Value& object, std::initializer_list<std::string_view> known) {
+    std::set<std::string> names;
+    for (const auto& [name, value] : object.GetObject()) {
+        if (std::find(known.begin(), known.end(), name) == known.end()) {
+            Fail(value.line, "there is no member " + Quoted(name));
+        }
+        if (!names.insert(name).second) Fail(value.line, Quoted(name) + " stands there twice");
+    }
+}
+
+/// Form 2 tells people about the preset.
+void BringUpFrom1(Value& root) {
+    RequireMembers(root, {g_versionKey, g_presetKey});
+    root[g_aboutKey] = Value(Value::Object());
+}
+
+/// What makes a document of each form, from 1, one of the next.
+constexpr void (*g_steps[])(Value&) = {BringUpFrom1};
+static_assert(std::size(g_steps) == g_presetVersion - 1);
+
+void BringUp(Value& root) {
+    const Value* const version = root.Find(g_versionKey);
+    if (version == nullptr) Fail(root.line, std::string("this is no preset: it has no '") + g_versionKey + "'");
+    const int line = version->line;
+    const long long form = version->GetKind() == Value::Kind::Integer ? version->GetInteger() : 0;
+    if (form < 1 || form > g_presetVersion) {
+        Fail(line,
+             "the preset is of another version; this program knows versions up to " + std::to_string(g_presetVersion));
+    }
+    for (auto step = std::begin(g_steps) + form - 1; step != std::end(g_steps); ++step) (*step)(root);
+}
+
+PresetAbout AboutOf(const Value& object) {
+    RequireMembers(object, {"name", "description", "purpose"});
+    const auto text = [&object](const char* name) {
+        const Value* const value = object.Find(name);
+        return value != nullptr ? value->GetText() : std::string();
+    };
+    return {text("name"), text("description"), text("purpose")};
+}
+
+Value FormOf(const PresetAbout& about) {
+    return {{"name", about.name}, {"description", about.description}, {"purpose", about.purpose}};
 }
 
 // ------------------------------------------------------------------------------------------------- the rule book's
@@ -248,27 +299,22 @@ int PresetDocument::LineOf(std::string path) const {
     }
 }
 
-std::string WritePreset(const Property& preset) {
-    return WriteJson({{g_versionKey, g_presetVersion}, {g_presetKey, FormOf(preset, g_deepestDocument - 1)}}) + '\n';
+std::string WritePreset(const Property& preset, const PresetAbout& about) {
+    Value document = {{g_versionKey, g_presetVersion}};
+    if (!(about == PresetAbout())) document[g_aboutKey] = FormOf(about);
+    document[g_presetKey] = FormOf(preset, g_deepestDocument - 1);
+    return WriteJson(document) + '\n';
 }
 
 PresetDocument ParsePreset(std::string_view text) {
     if (text.size() > g_largestPreset) Fail(1, "the document is larger than 1 MB, which no preset is");
-    const Value root = ReadJson(text);
-    const Value* const version = root.Find(g_versionKey);
-    if (version == nullptr) Fail(root.line, std::string("this is no preset: it has no '") + g_versionKey + "'");
-    if (version->GetKind() != Value::Kind::Integer || version->GetInteger() != g_presetVersion) {
-        Fail(version->line,
-             "the preset is of another version; this program knows version " + std::to_string(g_presetVersion));
-    }
-    std::set<std::string> names;
-    for (const auto& [name, value] : root.GetObject()) {
-        if (name != g_versionKey && name != g_presetKey) Fail(value.line, "there is no member " + Quoted(name));
-        if (!names.insert(name).second) Fail(value.line, Quoted(name) + " stands there twice");
-    }
+    Value root = ReadJson(text);
+    BringUp(root);
+    RequireMembers(root, {g_versionKey, g_aboutKey, g_presetKey});
     const Value* const preset = root.Find(g_presetKey);
     if (preset == nullptr) Fail(root.line, std::string("there is no '") + g_presetKey + "'");
     PresetDocument document;
+    if (const Value* const about = root.Find(g_aboutKey)) document.about = AboutOf(*about);
     document.preset = TreeOf(g_presetKey, *preset, &document.lines);
     if (document.preset.GetType() != PT_NODE) Fail(preset->line, "the preset holds no sections");
     return document;

@@ -13,15 +13,27 @@
 
 namespace Norvex::Document {
 
-/// The version of the form. A document of another version is refused.
-constexpr int g_presetVersion = 1;
+/// The version of the form. Older documents are brought up as they are read, newer ones are refused.
+constexpr int g_presetVersion = 2;
 
 /// In bytes. A text that is larger is refused before anything is made of it: no preset has a hundredth of it.
 constexpr std::size_t g_largestPreset = 1000000;
 
+/// What a preset is to people. Each text may be empty, and has no meaning to the rule book.
+struct PresetAbout {
+    std::string name;         ///< a few words for a list
+    std::string description;  ///< a sentence
+    std::string purpose;      ///< what lists put together, such as "web"
+
+    bool operator==(const PresetAbout& other) const {
+        return name == other.name && description == other.description && purpose == other.purpose;
+    }
+};
+
 struct NORVEX_API PresetDocument {
     Core::Property preset;  ///< a section a child; see IPreset
     Lines lines;            ///< of values and sections by their paths; empty where there was no text
+    PresetAbout about = {};
 
     /// Of the path, or else of the nearest section around it; 0 where there was no text.
     int LineOf(std::string path) const;
@@ -29,10 +41,10 @@ struct NORVEX_API PresetDocument {
 
 /// The text of a document; ParsePreset gives the same tree again. Throws DocumentException for a tree so deep that it
 /// would refuse it.
-NORVEX_API std::string WritePreset(const Core::Property& preset);
+NORVEX_API std::string WritePreset(const Core::Property& preset, const PresetAbout& about = {});
 
 /// The tree that a text holds, whatever its names are. Throws DocumentException for a text that is damaged, too large
-/// or of another version.
+/// or of a later version.
 NORVEX_API PresetDocument ParsePreset(std::string_view text);
 
 /// What of a section's parameters belongs to another container or codec than the section names.

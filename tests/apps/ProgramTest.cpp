@@ -140,8 +140,27 @@ TEST_F(ProgramTest, StartsFromAPresetThatItSavedAndExplainsItself) {
     const Outcome outcome = Run("in.mkv out.avi --preset my.json --dry-run --explain");
     EXPECT_THAT(Run("in.mkv out.mp4 --audio-bitrate 100000 --dry-run --verbose").text, HasSubstr("100000   96000"));
     EXPECT_THAT(outcome.text, HasSubstr("filter_resize/resize/width"));
-    EXPECT_EQ(Run("in.mkv out.mkv --preset none.json").text, "norvex-export: cannot read 'none.json'\n");
+    EXPECT_EQ(Run("in.mkv out.mkv --preset none.json").text,
+              "norvex-export: there is no preset and no file 'none.json'\n");
     EXPECT_EQ(Run("in.mkv out.mkv --preset .").text, "norvex-export: cannot read '.'\n");
+}
+
+TEST_F(ProgramTest, PresetsHaveNamesOfWhichTheUsersOwnComeFirst) {
+    Clip();
+    std::filesystem::create_directories(File("own/norvex/presets"));
+    Write("own/norvex/presets/gif.json", R"({"norvex-preset": 2, "about": {"description": "Mine."},
+        "preset": {"format": {"container": "gif"}, "filter_rate": {"frame_rate": 10}}})");
+    Write("own/norvex/presets/broken.json", "{");
+    const std::string own = "XDG_CONFIG_HOME=\"$PWD/own\"";
+    EXPECT_THAT(Run("--list-presets", own).text, AllOf(HasSubstr("\n  gif            Mine.\n"),
+                                                       HasSubstr("damaged: line 1"), HasSubstr("\nweb\n  web-1080p")));
+    EXPECT_THAT(Run("in.mkv out.gif --preset gif --dry-run", own).text, HasSubstr(" at 10 fps"));
+    EXPECT_THAT(Run("in.mkv out.gif --preset gif --dry-run").text, HasSubstr(" at 12 fps"));
+    EXPECT_THAT(Run("in.mkv out.webp --preset gif --dry-run").text,
+                HasSubstr("The output is GIF (.gif), as the preset says"));
+    EXPECT_THAT(Run("in.mkv out.gif --preset ./gif").text, HasSubstr("cannot read './gif'"));
+    EXPECT_EQ(Run("in.mkv out.mp4 --preset web-1080").text,
+              "norvex-export: there is no preset and no file 'web-1080'; did you mean 'web-1080p'?\n");
 }
 
 TEST_F(ProgramTest, AFailureIsOnePlainLineAndLeavesTheOldOutput) {

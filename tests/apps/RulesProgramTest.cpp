@@ -282,7 +282,7 @@ TEST_F(RulesProgramTest, FailsInOnePlainLine) {
         int status;
         const char* words;
     } cases[] = {
-        {"check none.json", 1, "norvex-rules: cannot read 'none.json'\n"},
+        {"check none.json", 1, "norvex-rules: there is no preset and no file 'none.json'\n"},
         {"check .", 1, "norvex-rules: cannot read '.'\n"},
         {"check text.json", 1, "norvex-rules: 'text.json', line 1: this is no JSON, at "},
         {"check large.json", 1, "norvex-rules: 'large.json', line 1: the document is larger than 1 MB, which no"},

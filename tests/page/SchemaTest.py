@@ -3,6 +3,7 @@ PRESET_PAGE."""
 
 import copy
 import json
+import pathlib
 import re
 import subprocess
 import sys
@@ -118,9 +119,10 @@ def main():
     sections = [("format", "formats"), ("video_codec", "videoCodecs"), ("audio_codec", "audioCodecs")]
     documents = [json.loads(example) for example in reversed(examples)]
     documents += [{"norvex-preset": 1, "preset": {name: helper["defaults"]}} for name, list in sections for helper in book[list]]
+    documents += [json.loads(preset.read_text()) for preset in (pathlib.Path(page).parent.parent / "share/norvex/presets").iterdir()]
     documents += [{"norvex-preset": 1, "preset": {filter["id"]: filter["defaults"]}} for filter in book["filters"]]
     found += test(json.load(open(preset_schema, encoding="utf-8")), documents, [
-        lambda d: d.update({"norvex-preset": 2}), lambda d: d.pop("preset"), lambda d: d.update(more=1),
+        lambda d: d.update({"norvex-preset": 3}), lambda d: d.pop("preset"), lambda d: d.update(more=1),
         lambda d: d["preset"].update(filters={}), lambda d: d["preset"]["format"].pop("container"),
         lambda d: d["preset"]["format"]["streams"]["1"].pop("type"),
         lambda d: d["preset"]["format"]["streams"]["1"].update(type="film"),

@@ -64,8 +64,12 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
         {h264("\"bitrate\": 1e999"), "line 5: the number 1e999 is too large"},
         {"5", "line 1: this is no preset: it has no 'norvex-preset'"},
         {"{\n\"preset\": {}\n}", "line 1: this is no preset: it has no 'norvex-preset'"},
-        {"{\n\"norvex-preset\": 2\n}", "line 2: the preset is of another version; this program knows version 1"},
-        {"{\n\"norvex-preset\": \"1\"\n}", "line 2: the preset is of another version; this program knows version 1"},
+        {"{\n\"norvex-preset\": 3\n}", "line 2: the preset is of another version; this program knows versions up to 2"},
+        {"{\n\"norvex-preset\": 0\n}", "line 2: the preset is of another version"},
+        {"{\n\"norvex-preset\": \"1\"\n}", "line 2: the preset is of another version"},
+        {"{\"norvex-preset\": 1,\n\"about\": {}, \"preset\": {}}", "line 2: there is no member 'about'"},
+        {"{\"norvex-preset\": 2,\n\"about\": {\"names\": \"\"}, \"preset\": {}}", "line 2: there is no member 'names'"},
+        {"{\"norvex-preset\": 2,\n\"about\": {\"name\": 5}, \"preset\": {}}", "line 2: "},
         {"{\n\"norvex-preset\": 1\n}", "line 1: there is no 'preset'"},
         {document("{}, \"preset\": {}"), "line 2: 'preset' stands there twice"},
         {h264("\"fps\": {\"$text\": \"1\",\n\"$text\": \"2\"}"), "line 6: 'video_codec/fps/$text' stands there twice"},
@@ -129,6 +133,17 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
                 0U);
         }
     }
+}
+
+TEST(PresetDocument, SaysWhatItIsToPeopleAndTakesOlderForms) {
+    const Property tree = Node("preset", {Node("a", {Property("b", 5)})});
+    const PresetAbout about = {"Web", "For \"everyone\".", "web"};
+    const PresetDocument read = ParsePreset(WritePreset(tree, about));
+    EXPECT_TRUE(read.about == about);
+    EXPECT_EQ(read.LineOf("a/b"), 10);
+    const PresetDocument older = ParsePreset(R"({"norvex-preset": 1, "preset": {"a": {"b": 5}}})");
+    EXPECT_TRUE(older.about == PresetAbout());
+    EXPECT_EQ(WritePreset(older.preset), WritePreset(read.preset));
 }
 
 TEST(PresetDocument, KnowsTheLinesOfValuesAndOfWhatIsWithinThem) {
