@@ -578,13 +578,10 @@ std::vector<std::string> ValuesOf(const std::string& name, const std::vector<std
 
 const NorvexApps::ManTexts g_manTexts = {
     "Exports a film, sound, a picture or subtitles to another container, with codecs and settings that are legal there "
-    "by "
-    "the rule book of Norvex. The extension of OUTPUT tells the container. All of the input goes over that the "
-    "container "
-    "holds; what is left out, changed or lost is told, with the reason.\n"
+    "by the rule book of Norvex. The extension of OUTPUT tells the container. All of the input goes over that the "
+    "container holds; what is left out, changed or lost is told, with the reason.\n"
     "Names and quantities are taken as people type them: h265, MKV, 720p, 29.97, 128k. An option with a stream's "
-    "number "
-    "behind a colon, such as --audio-bitrate:2, is about that stream of the input alone.",
+    "number behind a colon, such as --audio-bitrate:2, is about that stream of the input alone.",
     g_examples,
     "0 if the output stands, or would by --dry-run; 1 if the export failed, and what OUTPUT was before stays; 2 for a "
     "wrong command line; 128 and the number of a signal that ended the program. What went wrong is told on standard "

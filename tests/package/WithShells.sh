@@ -52,6 +52,7 @@ for shell in bash fish zsh; do
 norvex-export in.mov out.mp4 --form|--format
 norvex-export --format mp|mp3 mp4 mpegts
 norvex-export --video h26|h264
+norvex-export --preset web|web-1080p web-av1
 norvex-rules |fit find diff
 norvex-rules show audio pcm_s16|pcm_s16be pcm_s16le
 norvex-rules find --audio fl|flac

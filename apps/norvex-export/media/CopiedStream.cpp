@@ -60,8 +60,9 @@ public:
                                      : muxer.AddCopy(stream, m_filter ? m_filter->Parameters() : *stream.codecpar,
                                                      input.FrameRate(stream))),
           m_packet(Own(av_packet_alloc())) {
-        // Packets of AVI tell in which order to decode them and nothing else.
-        if (std::string_view(input.Container()) == "avi" && LacksTimes()) FailWithoutTimes();
+        // Packets of AVI and ASF tell in which order to decode them and nothing else.
+        const std::string_view container = input.Container();
+        if ((container == "avi" || container == "asf") && LacksTimes()) FailWithoutTimes();
     }
 
     int SourceIndex() const override { return m_stream.index; }
@@ -183,6 +184,10 @@ private:
         packet.dts -= start;
         if (m_packets > 0) packet.dts = std::max(packet.dts, m_lastTime + (m_muxer.WantsRisingTimes() ? 1 : 0));
         packet.pts = std::max(packet.pts, packet.dts);
+        // MP4 would lose the last packet of a source that tells no durations.
+        if (packet.duration <= 0 && m_packets > 0 && Type() == AVMEDIA_TYPE_AUDIO) {
+            packet.duration = packet.dts - m_lastTime;
+        }
         m_lastTime = packet.dts;
     }
 

@@ -81,6 +81,7 @@ struct Fault {
 const Fault g_faults[] = {
     {"wav",      " aac ",                                unreadableMessage},
     {"w64",      " aac adpcm_swf dfpwm speex vorbis ",   unreadableMessage},
+    {"caf",      " flac ",                               unreadableMessage},
     {"flv",      " mpeg4 ",                              unreadableMessage},
     {"aiff",     " adpcm_g722 ",                         unwrittenMessage},
     {"avi",      " flac ",                               unwrittenMessage},
