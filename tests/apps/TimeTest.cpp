@@ -96,7 +96,9 @@ TEST_F(TimeTest, GoesOnWhereTheInputJumpsAndStaysInStep) {
                               : streams[1]["codec_name"] == "ac3" ? 1536
                                                                   : 1024;
         EXPECT_NEAR(number(1, "nb_read_packets") * packet / 48000, c.seconds, 0.1);
-        EXPECT_EQ(std::min(number(0, "start_time"), number(1, "start_time")), 0);
+        // Later majors tell of a packet of AAC in Matroska that it lies before the beginning.
+        const double before = packet == 1024 && c.arguments.find("o.mkv") != std::string::npos ? 0.022 : 0;
+        EXPECT_NEAR(std::min(number(0, "start_time"), number(1, "start_time")), 0, before);
         // Beside what the picture is late, older majors have no mark for the packet that an encoder of AAC begins
         // early.
         if (c.arguments.find("ordinary.mkv o.mp4") != std::string::npos &&

@@ -39,7 +39,9 @@ def picture_faults(preset, stream):
     yield "codec", codec["codec_id"], stream["codec_name"]
     if "filter_resize" in preset:
         yield "size", size_of(preset["filter_resize"]["resize"]), (stream["width"], stream["height"])
-    yield "rate", preset.get("filter_rate", {}).get("frame_rate", "25/1"), stream["r_frame_rate"]
+    rate = preset.get("filter_rate", {}).get("frame_rate", "25/1")
+    # Of few pictures of MPEG-1, later majors take the fields for the base.
+    yield "rate", rate, rate if rate == stream["avg_frame_rate"] else stream["r_frame_rate"]
     profile = codec.get("encode_options", {}).get("profile")
     if profile:
         yield "profile", PROFILES[profile], stream.get("profile")

@@ -62,13 +62,13 @@ const char* const tooManyMessage = "%2 holds no more than %3 of them";
 const char* const unknownMessage = "nothing is known of the stream";
 
 // What FFmpeg writes and nobody can read, or not as what it is. docs/sweep.md tells how that was found.
-const char* const unreadableMessage = "FFmpeg writes %1 to %2 so that the packets cannot be told apart";
-const char* const unwrittenMessage = "FFmpeg says that %2 carries %1, and does not write it";
-const char* const namelessMessage = "FFmpeg writes %1 to %2 so that players cannot tell what it is";
-const char* const otherBytesMessage = "FFmpeg writes %1 to %2, where players take it for the other order of bytes";
-const char* const otherNumberMessage = "FFmpeg writes %1 to %2 under a number that players take for MP3";
-const char* const ratesMessage = "FFmpeg writes %1 to %2 at %3 Hz alone";
-const char* const webpFilmMessage = "FFmpeg writes films of WebP and does not read them";
+constexpr const char* unreadableMessage = "FFmpeg writes %1 to %2 so that the packets cannot be told apart";
+constexpr const char* unwrittenMessage = "FFmpeg says that %2 carries %1, and does not write it";
+constexpr const char* namelessMessage = "FFmpeg writes %1 to %2 so that players cannot tell what it is";
+constexpr const char* otherBytesMessage = "FFmpeg writes %1 to %2, where players take it for the other order of bytes";
+constexpr const char* otherNumberMessage = "FFmpeg writes %1 to %2 under a number that players take for MP3";
+constexpr const char* ratesMessage = "FFmpeg writes %1 to %2 at %3 Hz alone";
+constexpr const char* webpFilmMessage = "FFmpeg writes films of WebP and does not read them";
 
 struct Fault {
     const char* container;  ///< its id, or FFmpeg's name of its muxer
@@ -78,7 +78,7 @@ struct Fault {
 };
 
 // clang-format off
-const Fault g_faults[] = {
+constexpr Fault g_faults[] = {
     {"wav",      " aac ",                                unreadableMessage},
     {"w64",      " aac adpcm_swf dfpwm speex vorbis ",   unreadableMessage},
     {"caf",      " flac ",                               unreadableMessage},
