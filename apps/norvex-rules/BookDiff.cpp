@@ -45,6 +45,20 @@ void AddLeaves(const Value& node, const std::string& path, Statements& statement
     for (const auto& [name, value] : node.GetObject()) AddLeaves(value, path + "/" + name, statements);
 }
 
+/// What a pixel format holds is in its name.
+void AddFacts(const Value& facts, Statements& statements) {
+    for (const auto& [name, value] : facts.GetObject()) {
+        Values& values = statements[name == "pixelFormats" ? "pixel formats" : name];
+        if (value.GetKind() == Value::Kind::Object) {
+            for (const auto& [format, held] : value.GetObject()) values.push_back(format);
+        } else if (value.GetKind() == Value::Kind::List) {
+            for (const Value& one : value.GetList()) values.push_back(TextOf(one));
+        } else {
+            values.push_back(TextOf(value));
+        }
+    }
+}
+
 Statements StatementsOf(const Value& helper) {
     Statements statements;
     for (const auto& [name, value] : helper.GetObject()) {
@@ -70,6 +84,8 @@ Statements StatementsOf(const Value& helper) {
             AddLeaves(value, "default", statements);
         } else if (value.Find("codecs") != nullptr) {
             for (const Value& codec : value["codecs"].GetList()) statements["carries " + name].push_back(TextOf(codec));
+        } else if (name == "facts" && !value.IsNull()) {
+            AddFacts(value, statements);
         } else if (value.GetKind() == Value::Kind::Object) {
             AddLeaves(value, name, statements);
         } else {
