@@ -51,6 +51,7 @@ void AddFacts(const Value& facts, Statements& statements) {
         Values& values = statements[name == "pixelFormats" ? "pixel formats" : name];
         if (value.GetKind() == Value::Kind::Object) {
             for (const auto& [format, held] : value.GetObject()) values.push_back(format);
+            std::sort(values.begin(), values.end());  // members have no order
         } else if (value.GetKind() == Value::Kind::List) {
             for (const Value& one : value.GetList()) values.push_back(TextOf(one));
         } else {
