@@ -14,6 +14,7 @@ EXPORT, RULES, PRESETS, FOLDER = sys.argv[1], sys.argv[2], pathlib.Path(sys.argv
 PROFILES = {"high": "High", "main": "Main", "baseline": "Constrained Baseline", "main10": "Main 10", "422": "Standard",
             "dnxhr_hq": "DNXHR HQ"}
 CLIP = (1920, 1080)
+STILLS = ("mjpeg", "png")
 CHANNELS = {"mono": 1, "stereo": 2}
 EXACT = ("mp2", "mp3", "ac3")  # of which ffprobe reads the bitrate out of each packet
 
@@ -59,8 +60,8 @@ def sound_faults(preset, stream):
 def picture_text(stream):
     profile = stream.get("profile", "")
     name = stream["codec_name"] + (f" ({profile})" if profile not in ("", "unknown", stream["codec_name"]) else "")
-    rate = float(fractions.Fraction(stream["r_frame_rate"]))
-    return f"{name}, {stream['width']}x{stream['height']}, {rate:.5g} fps, {stream['pix_fmt']}"
+    rate = "" if name.startswith(STILLS) else f"{float(fractions.Fraction(stream['r_frame_rate'])):.5g} fps, "
+    return f"{name}, {stream['width']}x{stream['height']}, {rate}{stream['pix_fmt']}"
 
 
 def sound_text(stream):
