@@ -156,6 +156,17 @@ py::object ReadPreset(const std::string& text) {
     return ObjectFrom(Document::ReadPreset(text).preset);
 }
 
+py::object ReadAbout(const std::string& text) {
+    const Document::PresetAbout about = Document::ParsePreset(text).about;
+    return py::dict(py::arg("name") = TextFrom(about.name), py::arg("description") = TextFrom(about.description),
+                    py::arg("purpose") = TextFrom(about.purpose));
+}
+
+py::str WritePreset(const py::object& preset, const std::string& name, const std::string& description,
+                    const std::string& purpose) {
+    return TextFrom(Document::WritePreset(SectionFrom(preset, g_root), {name, description, purpose}));
+}
+
 }  // namespace
 
 void BindReview(py::module_& module) {
@@ -172,10 +183,12 @@ void BindReview(py::module_& module) {
                "what they changed. What their corrections raise passes.");
     module.def("read_preset", &ReadPreset, py::arg("text"),
                "The preset of a JSON document, held against the rule book. Raises DocumentError.");
-    module.def(
-        "write_preset",
-        [](const py::object& preset) { return TextFrom(Document::WritePreset(SectionFrom(preset, g_root))); },
-        py::arg("preset"), "The JSON document of a preset.");
+    module.def("read_about", &ReadAbout, py::arg("text"),
+               "What the document of a preset says of it to people: name, description and purpose, for write_preset to "
+               "take as keywords. Raises DocumentError.");
+    module.def("write_preset", &WritePreset, py::arg("preset"), py::kw_only(), py::arg("name") = "",
+               py::arg("description") = "", py::arg("purpose") = "",
+               "The JSON document of a preset, and what it is to people.");
 }
 
 }  // namespace NorvexPython

@@ -78,7 +78,9 @@ def test_presets_are_judged_explained_and_mended() -> None:
     assert broken.constraint and broken.constraint.nearest(broken.value) == 32000
     mended = norvex.mend(WAV)
     assert "video_codec" not in mended.preset and norvex.check(mended.preset) == [] and WAV == before
-    assert norvex.read_preset(norvex.write_preset(mended.preset)) == mended.preset
+    about = {"name": "A", "description": "B.", "purpose": "c"}
+    document = norvex.write_preset(mended.preset, **about)
+    assert (norvex.read_preset(document), norvex.read_about(document)) == (mended.preset, about)
     # Whatever a preset holds is no reason to raise.
     odds: List[norvex.Tree] = [{"format": 1}, {"a": {"b": None}}, {"$children": [["format", {}], ["format", 2]]}]
     for odd in odds:

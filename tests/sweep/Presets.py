@@ -2,7 +2,8 @@
 """Checks each preset that comes with the programs, exports a clip with it, and holds what ffprobe says of the output
 against what the preset's document says. Prints the table of docs/presets.md.
 
-Presets.py NORVEX_EXPORT NORVEX_RULES PRESETS FOLDER
+Presets.py NORVEX_EXPORT NORVEX_RULES PRESETS FOLDER [bitrates]    with the word, the bitrates of pictures too, which
+                                                                  wants some seconds of noise for each
 """
 import fractions
 import json
@@ -14,6 +15,7 @@ EXPORT, RULES, PRESETS, FOLDER = sys.argv[1], sys.argv[2], pathlib.Path(sys.argv
 PROFILES = {"high": "High", "main": "Main", "baseline": "Constrained Baseline", "main10": "Main 10", "422": "Standard",
             "dnxhr_hq": "DNXHR HQ"}
 CLIP = (1920, 1080)
+NOISE_SECONDS = 8
 STILLS = ("mjpeg", "png")
 CHANNELS = {"mono": 1, "stereo": 2}
 EXACT = ("mp2", "mp3", "ac3")  # of which ffprobe reads the bitrate out of each packet
@@ -24,6 +26,10 @@ def run(*command):
     if done.returncode != 0:
         raise AssertionError(f"{' '.join(str(part) for part in command)}: {done.stdout}{done.stderr}")
     return done.stdout
+
+
+def probe(output, *what):
+    return json.loads(run("ffprobe", "-v", "error", *what, "-of", "json", output))
 
 
 def size_of(resize):
@@ -69,14 +75,37 @@ def sound_text(stream):
     return f"{stream['codec_name']}, {stream['sample_rate']} Hz, {'mono' if stream['channels'] == 1 else 'stereo'}{rate}"
 
 
+def flat(section):
+    return {**{tag: value for tag, value in section.items() if tag != "encode_options"}, **section.get("encode_options", {})}
+
+
+def picture_bitrate(choose):
+    """Of a picture with some noise, on which an encoder spends what it may and needs no more."""
+    output = FOLDER / "noise.out"
+    run(EXPORT, FOLDER / "noise.mov", output, *choose, "--quiet")
+    packets = probe(output, "-select_streams", "v", "-show_entries", "packet=size")["packets"]
+    return sum(int(packet["size"]) for packet in packets) * 8 // NOISE_SECONDS
+
+
 def try_preset(path, clip):
     document = json.loads(path.read_text())
     preset, name = document["preset"], path.stem
     verdict = json.loads(run(RULES, "check", path, "--json"))
     faults = [finding["message"] for finding in verdict["broken"]]
     output = FOLDER / f"{name}.out"
-    run(EXPORT, clip, output, "--preset", name, "--format", preset["format"]["container"], "--quiet")
-    streams = json.loads(run("ffprobe", "-v", "error", "-show_streams", "-of", "json", output))["streams"]
+    choose = ("--preset", path, "--format", preset["format"]["container"])
+    plan = json.loads(run(EXPORT, clip, output, *choose, "--json"))
+    for stream in plan["streams"]:
+        # Of what a preset leaves out, the codec's own stands.
+        settled = flat(stream["settled"])
+        faults += [f"{tag}: {value}, but {settled.get(tag)} was settled"
+                   for tag, value in flat(preset[stream["type"] + "_codec"]).items() if settled.get(tag) != value]
+    bitrate = preset.get("video_codec", {}).get("bitrate")
+    if bitrate and len(sys.argv) > 5:
+        measured = picture_bitrate(choose)
+        if abs(measured - bitrate) > 0.12 * bitrate:
+            faults.append(f"pictures of {bitrate} bits per second, but {measured}")
+    streams = probe(output, "-show_streams")["streams"]
     texts = {"video": "", "audio": ""}
     for kind, section, see, tell in (("video", "video_codec", picture_faults, picture_text),
                                      ("audio", "audio_codec", sound_faults, sound_text)):
@@ -97,6 +126,9 @@ def main():
     clip = FOLDER / "clip.mov"
     run("ffmpeg", "-nostdin", "-v", "error", "-y", "-f", "lavfi", "-i", f"testsrc2=s={CLIP[0]}x{CLIP[1]}:r=25:d=0.4", "-f", "lavfi", "-i",
         "sine=r=44100:d=0.4", "-ac", 2, "-c:v", "mpeg4", "-q:v", 3, "-c:a", "pcm_s16le", clip)
+    if len(sys.argv) > 5:
+        run("ffmpeg", "-nostdin", "-v", "error", "-y", "-f", "lavfi", "-i", f"testsrc2=s=1280x720:r=25:d={NOISE_SECONDS},noise=alls=25:allf=t",
+            "-f", "lavfi", "-i", f"sine=d={NOISE_SECONDS}", "-ac", 2, "-c:v", "mpeg4", "-q:v", 2, "-c:a", "pcm_s16le", FOLDER / "noise.mov")
     print("| preset | purpose | container | picture | sound |\n|---|---|---|---|---|")
     faults = [fault for path in sorted(PRESETS.glob("*.json")) for fault in try_preset(path, clip)]
     print("\n".join(faults), file=sys.stderr)
