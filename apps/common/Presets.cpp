@@ -61,12 +61,6 @@ std::string Wrap(const std::string& words, std::size_t indent) {
     return text;
 }
 
-std::vector<std::string> Names(const std::vector<NamedPreset>& presets) {
-    std::vector<std::string> names;
-    for (const NamedPreset& preset : presets) names.push_back(preset.name);
-    return names;
-}
-
 }  // namespace
 
 std::vector<NamedPreset> ListPresets() {
@@ -84,6 +78,12 @@ std::vector<NamedPreset> ListPresets() {
     return list;
 }
 
+std::vector<std::string> PresetNames() {
+    std::vector<std::string> names;
+    for (const NamedPreset& preset : ListPresets()) names.push_back(preset.name);
+    return names;
+}
+
 std::string PresetsText() {
     const std::vector<NamedPreset> presets = ListPresets();
     std::size_t width = 0;
@@ -91,7 +91,10 @@ std::string PresetsText() {
     std::map<std::string, std::string> groups;
     for (const auto& [name, path, about] : presets) {
         groups[about.purpose.empty() ? "others" : about.purpose] +=
-            "  " + name + std::string(width - name.size() + 2, ' ') + Wrap(about.description, width + 4) + '\n';
+            "  " + name + std::string(width - name.size() + 2, ' ') +
+            Wrap(about.name + (about.name.empty() || about.description.empty() ? "" : ": ") + about.description,
+                 width + 4) +
+            '\n';
     }
     std::string text;
     for (const auto& [purpose, lines] : groups) text += (text.empty() ? "" : "\n") + purpose + '\n' + lines;
@@ -108,7 +111,7 @@ std::string FindPreset(const std::string& nameOrPath) {
     }
     if (!isName || fs::exists(nameOrPath)) return nameOrPath;
     throw std::runtime_error("there is no preset and no file '" + nameOrPath + "'" +
-                             DidYouMean(nameOrPath, Names(ListPresets())));
+                             DidYouMean(nameOrPath, PresetNames()));
 }
 
 }  // namespace NorvexApps

@@ -18,6 +18,8 @@ struct NamedPreset {
 /// beside the program, each name once, by name. Of a file that is no preset, the description says what is wrong.
 std::vector<NamedPreset> ListPresets();
 
+std::vector<std::string> PresetNames();
+
 /// The same for people, by purpose. Without the end of the last line.
 std::string PresetsText();
 

@@ -86,8 +86,8 @@ void NoteOtherExtension(Draft& draft) {
     const std::string extension = dotted.substr(std::min<std::size_t>(dotted.size(), 1));
     const std::vector<std::string> usual = FileExtensions(draft.plan.formatId);
     if (std::find(usual.begin(), usual.end(), extension) != usual.end()) return;
-    draft.Note("The output is " + FullNameForPeople(P::KEY_FORMAT, draft.plan.formatId) +
-               ", as the preset says: --format says otherwise.");
+    draft.Note("The preset makes the output " + FullNameForPeople(P::KEY_FORMAT, draft.plan.formatId) +
+               ", whatever its extension says; --format chooses another.");
 }
 
 Plan PlanFor(const Request& request, const InputInfo& input, const std::vector<StreamFailure>& unwritable) {

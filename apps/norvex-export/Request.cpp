@@ -562,11 +562,7 @@ std::vector<std::string> ValuesOf(const std::string& name, const std::vector<std
     for (const auto& [option, values] : words) {
         if (name == option) return values;
     }
-    if (name == "--preset") {
-        std::vector<std::string> names;
-        for (const NorvexApps::NamedPreset& preset : NorvexApps::ListPresets()) names.push_back(preset.name);
-        return names;
-    }
+    if (name == "--preset") return NorvexApps::PresetNames();
     for (const auto& [option, kind] : named) {
         if (name != option) continue;
         RegisterModernHelpers();

@@ -192,11 +192,7 @@ std::vector<std::string> ValuesOf(const std::string& name, const std::vector<std
         for (const auto& [kind, named] : g_named) kinds.emplace_back(kind);
         return kinds;
     }
-    if (name == "FILE" && !before.empty() && before[0] == "check") {
-        std::vector<std::string> names;
-        for (const NorvexApps::NamedPreset& preset : NorvexApps::ListPresets()) names.push_back(preset.name);
-        return names;
-    }
+    if (name == "FILE" && !before.empty() && before[0] == "check") return NorvexApps::PresetNames();
     const bool isOfKind = (name == "ID" || name == "PATTERN") && before.size() > 1;
     const std::string kind = isOfKind ? before[1] : name.substr(0, 2) == "--" ? name.substr(2) : name;
     if (!isOfKind && name.substr(0, 2) != "--") return {};

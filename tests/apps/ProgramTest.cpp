@@ -157,7 +157,7 @@ TEST_F(ProgramTest, PresetsHaveNamesOfWhichTheUsersOwnComeFirst) {
     EXPECT_THAT(Run("in.mkv out.gif --preset gif --dry-run", own).text, HasSubstr(" at 10 fps"));
     EXPECT_THAT(Run("in.mkv out.gif --preset gif --dry-run").text, HasSubstr(" at 12 fps"));
     EXPECT_THAT(Run("in.mkv out.webp --preset gif --dry-run").text,
-                HasSubstr("The output is GIF (.gif), as the preset says"));
+                HasSubstr("The preset makes the output GIF (.gif)"));
     EXPECT_THAT(Run("in.mkv out.gif --preset ./gif").text, HasSubstr("cannot read './gif'"));
     EXPECT_EQ(Run("in.mkv out.mp4 --preset web-1080").text,
               "norvex-export: there is no preset and no file 'web-1080'; did you mean 'web-1080p'?\n");

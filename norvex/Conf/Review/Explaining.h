@@ -45,9 +45,6 @@ const std::string* CodecSectionOf(const std::string& streamName);
 /// The path to which a value of a stream goes beside that section; null where it goes nowhere else.
 const std::string* OtherPlaceOf(const std::string& streamName, std::string_view streamPath);
 
-/// What StreamPathOf gives, without a text of its own.
-std::string_view WithinStream(std::string_view presetPath);
-
 /// Empty where the stream does not say.
 std::string_view TypeOf(const Core::Property& stream);
 

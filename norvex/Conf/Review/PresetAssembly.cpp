@@ -119,7 +119,7 @@ Property AssembleStream(const Property& stream) {
     return Assemble(std::array{std::cref(stream)});
 }
 
-std::string_view WithinStream(std::string_view presetPath) {
+std::string StreamPathOf(const std::string& presetPath) {
     for (const auto* const places : {&VideoPlaces(), &FormatPlaces(), &AudioPlaces()}) {
         for (const auto& [tag, path] : *places) {
             if (path == presetPath) return tag;
@@ -127,13 +127,9 @@ std::string_view WithinStream(std::string_view presetPath) {
     }
     for (const std::string* const section : {&P::KEY_FILTER_VIDEO_CODEC, &P::KEY_FILTER_AUDIO_CODEC}) {
         std::string_view below = presetPath;
-        if (Take(below, *section) && Take(below, Property::SEPARATOR)) return below;
+        if (Take(below, *section) && Take(below, Property::SEPARATOR)) return std::string(below);
     }
     return presetPath;
-}
-
-std::string StreamPathOf(const std::string& presetPath) {
-    return std::string(WithinStream(presetPath));
 }
 
 std::string DocumentPathOf(const std::string& presetPath) {

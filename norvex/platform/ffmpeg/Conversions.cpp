@@ -24,7 +24,8 @@ AVCodecID CodecIDFromTextID(const std::string& codecId) {
     using Row = std::pair<std::string_view, AVCodecID>;
     static const std::vector<Row>& rows = Lasting([] {
         std::vector<Row> byName;
-        for (const auto& [id, name] : GetFFCodecsMap()) byName.emplace_back(name, id);
+        const AVCodecDescriptor* codec = nullptr;
+        while ((codec = avcodec_descriptor_next(codec)) != nullptr) byName.emplace_back(codec->name, codec->id);
         std::sort(byName.begin(), byName.end());
         return byName;
     }());

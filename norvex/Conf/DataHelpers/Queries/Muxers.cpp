@@ -46,7 +46,10 @@ const AVOutputFormat* FindMuxer(const std::string& name) {
     const std::string lower = Lower(name);
     const auto row = std::lower_bound(rows.begin(), rows.end(), lower,
                                       [](const Row& one, const std::string& text) { return one.first < text; });
-    return row != rows.end() && row->first == lower ? row->second : nullptr;
+    if (row != rows.end() && row->first == lower) return row->second;
+    // A device that the host has registered with FFmpeg meanwhile. FFmpeg would read a name with a NUL in it up to
+    // there.
+    return name.find('\0') == std::string::npos ? av_guess_format(name.c_str(), nullptr, nullptr) : nullptr;
 }
 
 std::string JudgedMuxerName(std::string name) {

@@ -12,7 +12,7 @@ extern "C" {
 
 namespace Norvex::Conf {
 
-/// FFmpeg's muxer of that short name, or null. Devices, which a host may register with FFmpeg, are no muxers here.
+/// FFmpeg's muxer of that short name, or null: what av_guess_format() gives, and sooner.
 const AVOutputFormat* FindMuxer(const std::string& name);
 
 /// The muxer by which CodecIsSupported judges a container. It is not the one that writes it for every id: see MuxerOf.
