@@ -7,8 +7,10 @@ extern "C" {
 #include <map>
 #include <set>
 
+#include "BookNames.h"
 #include "Judging.h"
 #include "common/OtherNames.h"
+#include "common/PairFaults.h"
 #include "norvex/Norvex.h"
 #include "norvex/document/TreeForm.h"
 
@@ -56,7 +58,8 @@ Value HelperJson(const std::string& kind, const std::string& id, const std::stri
 }
 
 /// What a container carries of one kind of stream, or null.
-Value CarriedJson(const IDataHelper& format, const std::string& streamType, const std::string& codecKey) {
+Value CarriedJson(const std::string& id, const IDataHelper& format, const std::string& streamType,
+                  const std::string& codecKey) {
     ConstraintMap constraints;
     format.GetConstraints(constraints);
     const std::string& separator = Property::SEPARATOR;
@@ -66,8 +69,15 @@ Value CarriedJson(const IDataHelper& format, const std::string& streamType, cons
     Property fallback{std::string(), std::string()};
     codecs->second->Fixup(fallback);  // a text that is no codec becomes the default
     Value::List ids;
-    for (const Property& codec : WhatIsAllowed(*codecs->second).values) ids.push_back(PlainFormOf(codec));
-    return {{"default", PlainFormOf(fallback)}, {"codecs", ids}};
+    Value::Object faults;
+    for (const Property& codec : WhatIsAllowed(*codecs->second).values) {
+        ids.push_back(PlainFormOf(codec));
+        if (codecKey == P::KEY_FILTER_SUBTITLE_CODEC) continue;
+        if (const auto fault = NorvexApps::FaultOf(id, codec.GetString())) {
+            faults.push_back({codec.GetString(), std::string(fault->whose == std::string("FFmpeg") ? "FFmpeg: " : "the book: ") + fault->why});
+        }
+    }
+    return {{"default", PlainFormOf(fallback)}, {"codecs", ids}, {"faults", std::move(faults)}};
 }
 
 Value FormatJson(const std::string& id, const IDataHelper& format, const OtherNames& names) {
@@ -76,9 +86,9 @@ Value FormatJson(const std::string& id, const IDataHelper& format, const OtherNa
     json["extensions"] = Value::List(extensions.begin(), extensions.end());
     json["globalHeader"] = FormatHasGlobalHeader(id);
     json["limits"] = Value(json["defaults"][F::TAG_LIMITS]);
-    json["video"] = CarriedJson(format, P::STREAM_TYPE_VIDEO, P::KEY_FILTER_VIDEO_CODEC);
-    json["audio"] = CarriedJson(format, P::STREAM_TYPE_AUDIO, P::KEY_FILTER_AUDIO_CODEC);
-    json["subtitles"] = CarriedJson(format, P::STREAM_TYPE_SUBTITLES_TEXT, P::KEY_FILTER_SUBTITLE_CODEC);
+    json["video"] = CarriedJson(id, format, P::STREAM_TYPE_VIDEO, P::KEY_FILTER_VIDEO_CODEC);
+    json["audio"] = CarriedJson(id, format, P::STREAM_TYPE_AUDIO, P::KEY_FILTER_AUDIO_CODEC);
+    json["subtitles"] = CarriedJson(id, format, P::STREAM_TYPE_SUBTITLES_TEXT, P::KEY_FILTER_SUBTITLE_CODEC);
     return json;
 }
 
@@ -164,11 +174,13 @@ Value MakeBook() {
     book["subtitleCodecs"] = SubtitleCodecsJson(book["formats"]);
     book["filters"] = Value::List();
     const OtherNames filterNames(NorvexApps::Named::Filter);
-    for (const std::string& id : NorvexApps::IdsOf(NorvexApps::Named::Filter)) {
+    const std::vector<std::string> filters = NorvexApps::IdsOf(NorvexApps::Named::Filter);
+    for (const std::string& id : std::set<std::string>(filters.begin(), filters.end())) {
         book["filters"].Append(
             HelperJson(id, id, NameForPeople(id, std::string()), *CreateDataHelper(id, std::string()), filterNames));
     }
     book["judging"] = JudgingJson();
+    book["names"] = NamesJson();
     return book;
 }
 

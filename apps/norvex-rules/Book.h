@@ -9,7 +9,7 @@
 namespace NorvexRules {
 
 /// The version of the document's form. rulebook.schema.json describes it.
-constexpr int g_bookVersion = 3;
+constexpr int g_bookVersion = 4;
 
 /// Takes the census of encoders first. The order is stable: by id, and within a helper as the helper gives it.
 Norvex::Document::Value MakeBook();

@@ -200,7 +200,10 @@ Value JudgingJson() {
          {P::KEY_FORMAT, P::KEY_FILTER_VIDEO_CODEC, P::KEY_FILTER_AUDIO_CODEC, P::KEY_FILTER_SUBTITLE_CODEC}) {
         common[kind] = ParametersJson(kind, std::string());
     }
+    Value::Object sentences;
+    for (const auto& [name, sentence] : FindingSentences()) sentences.push_back({name, sentence});
     return {{"places", places.Take()},
+            {"sentences", std::move(sentences)},
             {"parameters", std::move(common)},
             {"layouts", std::move(layouts)},
             {"sampleFormats", std::move(formats)}};

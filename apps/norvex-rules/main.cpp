@@ -98,6 +98,12 @@ std::string List(const std::string& kind, const std::string& pattern, bool json)
     return text;
 }
 
+/// Containers know by it what they carry.
+void TakeCensus() {
+    using namespace Norvex;
+    Conf::FormatValidator::Instance().FillEncoders(Proc::FFmpegCodecFactory::Create());
+}
+
 struct CheckOptions {
     std::string file;  ///< empty or "-" for standard input
     std::string mendedFile;
@@ -108,7 +114,7 @@ struct CheckOptions {
 /// Returns the exit status: 0 for a preset that keeps every rule.
 int CheckFile(const CheckOptions& options) {
     namespace Document = Norvex::Document;
-    MakeBook();  // takes the census, by which containers know what they carry
+    TakeCensus();
     const bool isInput = options.file.empty() || options.file == "-";
     const std::string path = isInput ? "/dev/stdin" : NorvexApps::FindPreset(options.file);
     try {
@@ -126,11 +132,6 @@ int CheckFile(const CheckOptions& options) {
     } catch (const Document::DocumentException& error) {
         throw std::runtime_error((isInput ? "standard input" : "'" + path + "'") + ", " + error.what());
     }
-}
-
-void TakeCensus() {
-    using namespace Norvex;
-    Conf::FormatValidator::Instance().FillEncoders(Proc::FFmpegCodecFactory::Create());
 }
 
 std::string FitFile(const std::string& path, const std::string& format, bool json) {

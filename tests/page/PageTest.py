@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The rule book's page in a real browser: search, filter, links, keyboard, phone and dark mode.
 
-PageTest.py NORVEX_RULES FOLDER: makes the page and screenshots in FOLDER. Speaks to chromedriver by itself, so that no
+PageTest.py NORVEX_RULES NORVEX_EXPORT FOLDER: makes the page and screenshots in FOLDER. Speaks to chromedriver by itself, so that no
 package beyond Debian's browser is needed.
 """
 import base64
@@ -14,6 +14,8 @@ import sys
 import tempfile
 import time
 import urllib.request
+
+import JudgingTest
 
 ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
 with socket.create_server(("127.0.0.1", 0)) as free:  # another run may be speaking to its own browser
@@ -30,8 +32,7 @@ class Browser:
         self.session = "/session/" + answer["sessionId"]
         if dark:
             media = {"features": [{"name": "prefers-color-scheme", "value": "dark"}]}
-            command = {"cmd": "Emulation.setEmulatedMedia", "params": media}
-            self.ask("POST", self.session + "/goog/cdp/execute", command)
+            self.command("Emulation.setEmulatedMedia", **media)
 
     @staticmethod
     def ask(method, path, body=None):
@@ -43,8 +44,12 @@ class Browser:
     def open(self, url):
         self.ask("POST", self.session + "/url", {"url": url})
 
-    def run(self, script):
-        return self.ask("POST", self.session + "/execute/sync", {"script": script, "args": []})
+    def run(self, script, *arguments):
+        return self.ask("POST", self.session + "/execute/sync", {"script": script, "args": arguments})
+
+    def command(self, name, **parameters):
+        """Of Chromium's own."""
+        return self.ask("POST", self.session + "/goog/cdp/execute", {"cmd": name, "params": parameters})
 
     def find(self, selector):
         return self.ask("POST", self.session + "/element", {"using": "css selector", "value": selector})[ELEMENT]
@@ -132,8 +137,9 @@ def test_desk(browser, url, folder, book):
     browser.type("#search", "x265 hevc")
     browser.click("#videoCodecs-hevc summary")
     opened = "return document.querySelector('#videoCodecs-hevc .body').innerText"
-    expect("a section tells its rules", lambda: "video_codec/encode_options/profile is main" in browser.run(opened), True)
-    expect("a section tells its carriers", lambda: "mpegts" in browser.run(opened), True)
+    expect("a section tells its rules", lambda: "profile video_codec/encode_options/profile is Main" in browser.run(opened), True)
+    expect("a section tells its carriers", lambda: "MPEG transport stream" in browser.run(opened), True)
+    expect("a section tells what the encoder declares", lambda: "encoder libx265; 8, 10, 12 bit" in browser.run(opened), True)
     browser.click("#videoCodecs-hevc a[href='#formats-mp4']")
     expect("a link leads on", lambda: browser.run("return document.querySelector('#formats-mp4 details').open"), True)
     expect("a link ends the search", lambda: len(browser.run(SHOWN)), helpers)
@@ -146,9 +152,60 @@ def test_desk(browser, url, folder, book):
     browser.press("/")
     expect("a key leads to the search", lambda: browser.run("return document.activeElement.id"), "search")
     browser.press("\ue004", "\ue004")  # twice Tab
-    expect("Tab leads on", lambda: browser.run("return document.activeElement.getAttribute('href')"), "#formats")
+    expect("Tab leads on", lambda: browser.run("return document.activeElement.getAttribute('href')"), "#try")
     browser.press("\ue007")  # Enter
-    expect("Enter follows a link", lambda: browser.run("return location.hash"), "#formats")
+    expect("Enter follows a link", lambda: browser.run("return location.hash"), "#try")
+
+
+DIALOG = "#try?format=dvd&video_codec=mpeg2video&audio_codec=ac3&filter_resize=on&filter_rate=on&filter_resample=on"
+FAULTS = "return [...document.querySelectorAll('#try .fault:not([hidden]) p')].map((p) => p.firstChild.textContent.trim())"
+DOCUMENT = "return document.getElementById('tryDocument').textContent"
+CONTROLS = {"button", "checkbox", "combobox", "link", "searchbox", "slider", "spinbutton", "switch", "textbox"}
+
+
+def test_dialog(browser, url, folder, program, export, book):
+    browser.open(url)
+    browser.run("location.hash = arguments[0]", DIALOG)
+    verdict = lambda: browser.run("return document.getElementById('verdict').textContent")
+    told = lambda: json.loads(subprocess.run([program, "check", "--json", "-"], input=browser.run(DOCUMENT), capture_output=True, text=True).stdout)
+    expect("the dialog opens by its address", verdict, "One rule is broken.")
+    browser.picture(folder / "dialog.png")
+    expect("a control says what the check says", lambda: browser.run(FAULTS), [one["message"] for one in told()["broken"]])
+    nodes = browser.command("Accessibility.getFullAXTree")["nodes"]
+    named = [(node["role"]["value"], node.get("name", {}).get("value", "")) for node in nodes if not node["ignored"] and node["role"]["value"] in CONTROLS]
+    expect("each control has a name", [role for role, name in named if not name], [])
+    expect("there are controls", len(named) > 250, True)
+    browser.click("#tryMend")
+    expect("one press mends all", verdict, "Every rule is kept.")
+    expect("and the check takes what is mended", lambda: told()["broken"], [])
+    browser.type("#try-video_codec-bitrate", "99000000\ue007")
+    expect("a value breaks a rule", verdict, "One rule is broken.")
+    expect("the library's sentence", lambda: browser.run(FAULTS), [one["message"] for one in told()["broken"]])
+    address = browser.run("return location.href")
+    written = json.loads(browser.run(DOCUMENT))
+    browser.click("#try .fault button")
+    expect("a press takes what correction gives", verdict, "Every rule is kept.")
+    browser.open("about:blank")
+    browser.open(address)
+    expect("the address holds the choices", lambda: json.loads(browser.run(DOCUMENT)), written)
+    browser.run("location.hash = '#formats'")
+    browser.choose("#kind", "film")
+    browser.run("document.querySelector('td a[href=\"#try?format=matroska&video_codec=vp9\"]').click()")
+    expect("the grid leads to its pair", lambda: [browser.run(f"return document.querySelector('#try-{kind}-chooser').value") for kind in ("format", "video_codec", "audio_codec")], ["matroska", "vp9", ""])
+    browser.choose("#try-audio_codec-chooser", "flac")
+    browser.run("document.querySelector('#try-audio_codec-chooser').dispatchEvent(new Event('change'))")
+    expect("the command names the file", lambda: browser.run("return document.getElementById('tryCommand').textContent"), "norvex-export INPUT OUTPUT.mkv --preset preset.json")
+    preset, film = folder / "preset.json", folder / "film.nut"
+    preset.write_text(browser.run(DOCUMENT))
+    subprocess.run(["ffmpeg", "-nostdin", "-loglevel", "error", "-f", "lavfi", "-i", "testsrc2=d=1", "-f", "lavfi", "-i", "sine=d=1", film], check=True)
+    made = subprocess.run([export, film, folder / "film.mkv", "--preset", preset, "--dry-run", "--json"], capture_output=True, text=True, check=True).stdout
+    expect("an export takes the preset", "vp9" in made and "flac" in made, True)
+
+    def ask(documents):
+        browser.run("window.answers = null")
+        return browser.run(f"return arguments[0].map((text) => ({JudgingTest.ANSWER})(theJudge(), text))", documents)
+
+    JudgingTest.judge(program, book, 500, 22, ask)
 
 
 def test_phone_and_dark(browser, url, folder):
@@ -157,18 +214,21 @@ def test_phone_and_dark(browser, url, folder):
     expect("a phone shows the whole width", wide, False)
     expect("dark mode is dark", lambda: browser.run("return getComputedStyle(document.body).backgroundColor"), "rgb(20, 24, 27)")
     browser.picture(folder / "phone-dark.png")
+    browser.run("location.hash = arguments[0]", DIALOG)
+    expect("so does the dialog", lambda: browser.run("return [document.getElementById('tryPanel').open, document.documentElement.scrollWidth > innerWidth]"), [True, False])
+    browser.picture(folder / "dialog-phone-dark.png")
 
 
 def main():
-    program, kept = sys.argv[1], pathlib.Path(sys.argv[2])
+    program, export, kept = sys.argv[1], sys.argv[2], pathlib.Path(sys.argv[3])
     with tempfile.TemporaryDirectory() as own:
-        run(program, pathlib.Path(own))
+        run(program, export, pathlib.Path(own))
         kept.mkdir(parents=True, exist_ok=True)
         for made in pathlib.Path(own).iterdir():
             shutil.copy(made, kept)
 
 
-def run(program, folder):
+def run(program, export, folder):
     page = folder / "rulebook.html"
     subprocess.run([program, "html", str(page)], check=True)
     book = json.loads(subprocess.run([program, "json"], check=True, capture_output=True).stdout)
@@ -184,6 +244,14 @@ def run(program, folder):
         url = page.resolve().as_uri()
         with Browser() as browser:
             test_desk(browser, url, folder, book)
+        with Browser(size=(1440, 900)) as browser:
+            test_dialog(browser, url, folder, program, export, book)
+            # A figure to look at, and no bound: machines differ.
+            browser.command("Performance.enable")
+            browser.open("about:blank")
+            browser.open(url)
+            metrics = {one["name"]: one["value"] for one in browser.command("Performance.getMetrics")["metrics"]}
+            print(f"the first draw takes {1000 * metrics['ScriptDuration']:.0f} ms of script; the page has {page.stat().st_size} bytes")
         with Browser(dark=True, size=(390, 844)) as browser:
             test_phone_and_dark(browser, url, folder)
     finally:

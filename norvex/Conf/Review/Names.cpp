@@ -43,6 +43,8 @@ const char* const planarMessage = "%1 bit, planar";
 const char* const floatMessage = "%1 bit float";
 const char* const planarFloatMessage = "%1 bit float, planar";
 const char* const opaqueMessage = "%1, %2 % opaque";
+const char* const pixelsWord = "pixels";
+const char* const framesWord = "frames";
 const char* const yesWord = "yes";
 const char* const noWord = "no";
 const char* const noneWord = "none";
@@ -236,6 +238,34 @@ std::string ParameterForPeople(const std::string& path) {
     const std::string tag = LastTag(path);
     const TagName* const row = FindTagName(tag);
     return row != nullptr ? Translate(row->name) : WithBlanks(tag);
+}
+
+std::string UnitForPeople(const std::string& path) {
+    const TagName* const row = FindTagName(LastTag(path));
+    switch (row != nullptr ? row->unit : Unit::Text) {
+        case Unit::BitsPerSecond:
+            return "bit/s";
+        case Unit::Hertz:
+            return "Hz";
+        case Unit::FramesPerSecond:
+            return "fps";
+        case Unit::Pixels:
+            return Translate(pixelsWord);
+        case Unit::Frames:
+            return Translate(framesWord);
+        case Unit::Bits:
+            return "bit";
+        case Unit::Bytes:
+            return "B";
+        case Unit::Microseconds:
+            return "µs";
+        case Unit::Milliseconds:
+            return "ms";
+        case Unit::PerCent:
+            return "%";
+        default:
+            return {};
+    }
 }
 
 std::string ValueForPeople(const std::string& path, const Property& value) {

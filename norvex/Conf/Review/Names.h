@@ -31,6 +31,10 @@ NORVEX_API std::vector<std::string> FileExtensions(const std::string& formatId);
 /// "bitrate", "frame rate", "audio codec": what the last tag of a path is called. Of a section, what it is about.
 NORVEX_API std::string ParameterForPeople(const std::string& path);
 
+/// What the numbers of the parameter at a path are counted in, for the field of a dialog: "bit/s", "Hz", "pixels". Empty
+/// for what has no unit.
+NORVEX_API std::string UnitForPeople(const std::string& path);
+
 /// A value of the parameter at a path, which goes by its last tag, in its unit: "9.8 Mbit/s", "44.1 kHz",
 /// "29.97 fps (30000/1001)", "1920x1080" of a node with width and height, "one pass", "16 bit, planar", "yes". A value
 /// that leaves the choice to the source or to the system says so. Numbers have a point, in every language.

@@ -32,30 +32,9 @@ using Verdict = Finding::Verdict;
 
 // ------------------------------------------------------------------------------------------------------- words
 
-// gettext messages. The marks stand for: %1 the parameter, %2 its value, %3 what is allowed, %4 the parameter of the
-// condition, %5 its value.
-const char* const notAllowedMessage = "Parameter %1 is %2 but must be %3";
-const char* const notAllowedWhenMessage = "Parameter %1 is %2 but must be %3 when %4 is %5";
-const char* const missingMessage = "Parameter %1 is missing but must be %3";
-const char* const missingWhenMessage = "Parameter %1 is missing but must be %3 when %4 is %5";
-const char* const wrongTypeMessage = "Parameter %1 is %2, which is no value of its type, but must be %3";
-const char* const wrongTypeWhenMessage =
-    "Parameter %1 is %2, which is no value of its type, but must be %3 when %4 is %5";
-// %1 the section or the stream, %2 the container, %3 the kind of stream, %4 a number.
-const char* const sectionMessage = "Section %1 has no place: %2 holds no %3";
-const char* const streamMessage = "Stream %1 has no place: %2 holds no %3";
-const char* const surplusMessage = "Stream %1 is one too many: %2 holds no more than %4 of %3";
-// %1 a section of a stream, %2 the type of that stream.
-const char* const otherKindMessage = "Section %1 has no place in a stream of type %2";
-const char* const videoWord = "video";
-const char* const audioWord = "audio";
-const char* const subtitlesWord = "subtitles";
-const char* const otherWord = "other types";
-// What stands for %3 of a parameter.
-const char* const oneOfMessage = "one of %1";
+// gettext messages, which stand for %3 of a finding on a parameter.
 const char* const rangeMessage = "from %1 to %2";
 const char* const evenMessage = "even";
-const char* const otherMessage = "another value";
 
 /// Takes down what a constraint offers.
 class AllowedConsumer final : public RefCounted<IConstraintConsumer> {

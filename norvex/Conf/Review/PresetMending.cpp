@@ -36,11 +36,7 @@ using V = IFormatCodecVideo;
 using Outcome = MendedValue::Outcome;
 using Problem = Finding::Problem;
 
-// gettext messages. The marks stand for: %1 the parameter, %2 its value or its helper, %3 its former value or its
-// helper.
-const char* const foreignMessage = "Parameter %1 has no place: %2 has none such";
-// %1 the resizer's section, %2 a size, %3 the sizes that are allowed, %4 the codec.
-const char* const sizeMessage = "Section %1 makes pictures of %2, but those of %4 must be %3";
+// gettext messages. The marks stand for: %1 the parameter, %2 its value, %3 its former value or its helper.
 const char* const keptMessage = "Parameter %1 stays %2";
 const char* const correctedMessage = "Parameter %1 is %2 now; it was %3";
 const char* const defaultedMessage = "Parameter %1 is %2 now, the default of %3";
