@@ -46,6 +46,14 @@ Core::Property Tree(const std::string& name, std::initializer_list<Branch> branc
     return root;
 }
 
+Core::Property AudioCodecTree(std::initializer_list<Branch> branches) {
+    return Tree(P::KEY_FILTER_AUDIO_CODEC, branches);
+}
+
+Core::Property VideoCodecTree(std::initializer_list<Branch> branches) {
+    return Tree(P::KEY_FILTER_VIDEO_CODEC, branches);
+}
+
 SP<IPropertyConstraint> OneOf(const long long* begin, const long long* end) {
     PairList<long long> list;
     list.reserve(static_cast<std::size_t>(end - begin));

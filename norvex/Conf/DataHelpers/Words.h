@@ -60,6 +60,9 @@ SP<IDataHelper> Keeping(Helper* helper) {
 }
 
 Core::Property Tree(const std::string& name, std::initializer_list<Branch> branches);
+/// A codec's section of a preset. The list is all that they take, so that it stands at one indent.
+Core::Property AudioCodecTree(std::initializer_list<Branch> branches);
+Core::Property VideoCodecTree(std::initializer_list<Branch> branches);
 
 /// Sets of names or numbers that are their own display names.
 template <std::size_t N>

@@ -2,7 +2,6 @@
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // DV (SMPTE 314M, IEC 61834). Constant bitrate only, and one size for each of the two television systems.
 
@@ -24,13 +23,13 @@ SP<IDataHelper> DataHelperVideoCodecDV::Create() {
 }
 
 Core::Property DataHelperVideoCodecDV::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_DVVIDEO},
-                                                     {V::TAG_BITRATE, 2000000},
-                                                     {V::TAG_QUALITY, 1},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_DVVIDEO},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_QUALITY, 1},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperVideoCodecDV::GetValidationRules(RuleList& rules) const {

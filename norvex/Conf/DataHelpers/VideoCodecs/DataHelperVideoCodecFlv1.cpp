@@ -1,7 +1,6 @@
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // FLV1 (Sorenson H.263). The plainest: no filters that it needs, no quality to start from.
 
@@ -17,12 +16,12 @@ SP<IDataHelper> DataHelperVideoCodecFlv1::Create() {
 }
 
 Core::Property DataHelperVideoCodecFlv1::GetDefaults() const {
-    return Tree(m_presetKey, {
-                                 {V::TAG_CODEC_ID, m_codecId},
-                                 {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                                 {V::TAG_BITRATE, 2000000},
-                                 {V::TAG_CODEC_OPTIONS_ENCODE, {}},
-                             });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, m_codecId},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperVideoCodecFlv1::GetConstraints(ConstraintMap& constraints) const {

@@ -2,7 +2,6 @@
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // H.263 (ITU-T H.263). A picture has one of five sizes.
 
@@ -26,13 +25,13 @@ SP<IDataHelper> DataHelperVideoCodecH263::Create() {
 }
 
 Core::Property DataHelperVideoCodecH263::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_H263},
-                                                     {V::TAG_BITRATE, 2000000},
-                                                     {V::TAG_QUALITY, 1},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_H263},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_QUALITY, 1},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperVideoCodecH263::GetValidationRules(RuleList& rules) const {

@@ -1,7 +1,6 @@
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // The still picture codecs, and Motion JPEG, which differs from them in its default mode.
 
@@ -16,13 +15,13 @@ SP<IDataHelper> DataHelperVideoCodecImageBase::Create(const std::string& codecId
 }
 
 Core::Property DataHelperVideoCodecImageBase::GetDefaults() const {
-    return Tree(m_presetKey, {
-                                 {V::TAG_CODEC_ID, m_codecId},
-                                 {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                                 {V::TAG_QUALITY, 1},
-                                 {V::TAG_BITRATE, 2000000},
-                                 {V::TAG_CODEC_OPTIONS_ENCODE, {}},
-                             });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, m_codecId},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_QUALITY, 1},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperVideoCodecImageBase::GetConstraints(ConstraintMap& constraints) const {

@@ -2,7 +2,6 @@
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // MPEG-1 (ISO/IEC 11172-2) and MPEG-2 video (ISO/IEC 13818-2). Both bound the frame size. MPEG-2 alone goes with any
 // frame rate, and it alone sets the shape of its groups of pictures.
@@ -29,14 +28,14 @@ SP<IDataHelper> DataHelperVideoCodecMpeg1::Create() {
 }
 
 Core::Property DataHelperVideoCodecMpeg1::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_MPEG1VIDEO},
-                                                     {V::TAG_QUALITY, 12},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                                                     {V::TAG_BITRATE, 2000000},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                     {V::TAG_GLOBAL_HEADER, true},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_MPEG1VIDEO},
+        {V::TAG_QUALITY, 12},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {}},
+        {V::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 void DataHelperVideoCodecMpeg1::GetValidationRules(RuleList& rules) const {
@@ -56,16 +55,16 @@ SP<IDataHelper> DataHelperVideoCodecMpeg2::Create() {
 }
 
 Core::Property DataHelperVideoCodecMpeg2::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_MPEG2VIDEO},
-                                                     {V::TAG_QUALITY, 12},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                                                     {V::TAG_BITRATE, 2000000},
-                                                     {V::TAG_MAX_I_FRAME_INTERVAL, 15},
-                                                     {V::TAG_MAX_B_FRAME_SEQUENCE, 2},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                     {V::TAG_GLOBAL_HEADER, true},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_MPEG2VIDEO},
+        {V::TAG_QUALITY, 12},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_MAX_I_FRAME_INTERVAL, 15},
+        {V::TAG_MAX_B_FRAME_SEQUENCE, 2},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {}},
+        {V::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 void DataHelperVideoCodecMpeg2::GetValidationRules(RuleList& rules) const {

@@ -1,7 +1,6 @@
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // MPEG-4 Visual (ISO/IEC 14496-2).
 
@@ -27,15 +26,14 @@ SP<IDataHelper> DataHelperVideoCodecMpeg4::Create() {
 }
 
 Core::Property DataHelperVideoCodecMpeg4::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC,
-                {
-                    {V::TAG_CODEC_ID, V::CODEC_ID_MPEG4},
-                    {V::TAG_QUALITY, 12},
-                    {V::TAG_BITRATE, 2000000},
-                    {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                    {V::TAG_CODEC_OPTIONS_ENCODE, {{V::TAG_PROFILE, V::TAG_MPEG4_PROFILE_SIMPLE}}},
-                    {V::TAG_GLOBAL_HEADER, true},
-                });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_MPEG4},
+        {V::TAG_QUALITY, 12},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {{V::TAG_PROFILE, V::TAG_MPEG4_PROFILE_SIMPLE}}},
+        {V::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 void DataHelperVideoCodecMpeg4::GetConstraints(ConstraintMap& constraints) const {

@@ -39,20 +39,20 @@ SP<IDataHelper> DataHelperVideoCodecX264::Create() {
 }
 
 Core::Property DataHelperVideoCodecX264::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_H264},
-                                                     {V::TAG_QUALITY, 14},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_VBR},
-                                                     {V::TAG_MULTIPASS_ENCODING, V::TAG_ONE_PASS_MODE},
-                                                     {V::TAG_GLOBAL_HEADER, true},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE,
-                                                      {
-                                                          {V::TAG_PRESET, V::TAG_X264_PRESET_FASTER},
-                                                          {V::TAG_PROFILE, V::TAG_X264_PROFILE_MAIN},
-                                                          {V::TAG_X264_TUNE, V::TAG_X264_TUNE_FILM},
-                                                          {V::TAG_USE_HW_CONTEXT, true},
-                                                      }},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_H264},
+        {V::TAG_QUALITY, 14},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_VBR},
+        {V::TAG_MULTIPASS_ENCODING, V::TAG_ONE_PASS_MODE},
+        {V::TAG_GLOBAL_HEADER, true},
+        {V::TAG_CODEC_OPTIONS_ENCODE,
+         {
+             {V::TAG_PRESET, V::TAG_X264_PRESET_FASTER},
+             {V::TAG_PROFILE, V::TAG_X264_PROFILE_MAIN},
+             {V::TAG_X264_TUNE, V::TAG_X264_TUNE_FILM},
+             {V::TAG_USE_HW_CONTEXT, true},
+         }},
+    });
 }
 
 void DataHelperVideoCodecX264::GetValidationRules(RuleList& rules) const {

@@ -29,17 +29,19 @@ SP<IDataHelper> DataHelperVideoCodecX265::Create() {
 
 Core::Property DataHelperVideoCodecX265::GetDefaults() const {
     // The automatic mode is none that a user can choose, and stays so until a preset or a correction settles it.
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_H265},
-                                                     {V::TAG_BITRATE, 2000000},
-                                                     {V::TAG_QUALITY, 1},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR_AUTO},
-                                                     {V::TAG_GLOBAL_HEADER, true},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE,
-                                                      {{V::TAG_PRESET, V::TAG_X265_PRESET_FASTER},
-                                                       {V::TAG_PROFILE, V::TAG_X265_PROFILE_MAIN},
-                                                       {V::TAG_USE_HW_CONTEXT, true}}},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_H265},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_QUALITY, 1},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR_AUTO},
+        {V::TAG_GLOBAL_HEADER, true},
+        {V::TAG_CODEC_OPTIONS_ENCODE,
+         {
+             {V::TAG_PRESET, V::TAG_X265_PRESET_FASTER},
+             {V::TAG_PROFILE, V::TAG_X265_PROFILE_MAIN},
+             {V::TAG_USE_HW_CONTEXT, true},
+         }},
+    });
 }
 
 void DataHelperVideoCodecX265::GetValidationRules(RuleList& rules) const {

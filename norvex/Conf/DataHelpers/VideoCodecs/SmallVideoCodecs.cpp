@@ -2,7 +2,6 @@
 #include "norvex/Conf/DataHelpers/VideoCodecs/VideoCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // The video codecs that differ in their tables alone. What sets one apart from the rest, on purpose:
 //
@@ -28,16 +27,18 @@ SP<IDataHelper> DataHelperVideoCodecAV1::Create() {
 }
 
 Core::Property DataHelperVideoCodecAV1::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_AV1},
-                                                     {V::TAG_QUALITY, 18},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_VBR},
-                                                     {V::TAG_GLOBAL_HEADER, true},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE,
-                                                      {{V::TAG_PROFILE, V::TAG_AV1_PROFILE_MAIN},
-                                                       {V::TAG_PRESET, V::TAG_AV1_PRESET_FASTER},
-                                                       {V::TAG_USE_HW_CONTEXT, true}}},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_AV1},
+        {V::TAG_QUALITY, 18},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_VBR},
+        {V::TAG_GLOBAL_HEADER, true},
+        {V::TAG_CODEC_OPTIONS_ENCODE,
+         {
+             {V::TAG_PROFILE, V::TAG_AV1_PROFILE_MAIN},
+             {V::TAG_PRESET, V::TAG_AV1_PRESET_FASTER},
+             {V::TAG_USE_HW_CONTEXT, true},
+         }},
+    });
 }
 
 void DataHelperVideoCodecAV1::GetConstraints(ConstraintMap& constraints) const {
@@ -52,15 +53,14 @@ SP<IDataHelper> DataHelperVideoCodecHAP::Create() {
 }
 
 Core::Property DataHelperVideoCodecHAP::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC,
-                {
-                    {V::TAG_CODEC_ID, V::CODEC_ID_HAP},
-                    {V::TAG_QUALITY, 10},
-                    {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                    {V::TAG_BITRATE, 2000000},
-                    {V::TAG_GLOBAL_HEADER, true},
-                    {V::TAG_CODEC_OPTIONS_ENCODE, {{V::TAG_FORMAT, V::TAG_FORMAT_HAP}}},
-                });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_HAP},
+        {V::TAG_QUALITY, 10},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_GLOBAL_HEADER, true},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {{V::TAG_FORMAT, V::TAG_FORMAT_HAP}}},
+    });
 }
 
 void DataHelperVideoCodecHAP::GetConstraints(ConstraintMap& constraints) const {
@@ -77,15 +77,14 @@ SP<IDataHelper> DataHelperVideoCodecProres::Create() {
 }
 
 Core::Property DataHelperVideoCodecProres::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC,
-                {
-                    {V::TAG_CODEC_ID, V::CODEC_ID_PRORES},
-                    {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                    {V::TAG_BITRATE, 2000000},
-                    {V::TAG_QUALITY, 1},
-                    {V::TAG_CODEC_OPTIONS_ENCODE,
-                     {{V::TAG_PROFILE, V::TAG_PRORES_PROFILE_422}, {V::TAG_DISABLE_TRANSPARENCY, false}}},
-                });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_PRORES},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_QUALITY, 1},
+        {V::TAG_CODEC_OPTIONS_ENCODE,
+         {{V::TAG_PROFILE, V::TAG_PRORES_PROFILE_422}, {V::TAG_DISABLE_TRANSPARENCY, false}}},
+    });
 }
 
 void DataHelperVideoCodecProres::GetConstraints(ConstraintMap& constraints) const {
@@ -100,13 +99,12 @@ SP<IDataHelper> DataHelperVideoCodecRLE::Create() {
 }
 
 Core::Property DataHelperVideoCodecRLE::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC,
-                {
-                    {V::TAG_CODEC_ID, V::CODEC_ID_QTRLE},
-                    {V::TAG_BITRATE, 2000000},
-                    {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                    {V::TAG_CODEC_OPTIONS_ENCODE, {{V::TAG_DISABLE_TRANSPARENCY, false}}},
-                });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_QTRLE},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {{V::TAG_DISABLE_TRANSPARENCY, false}}},
+    });
 }
 
 void DataHelperVideoCodecRLE::GetConstraints(ConstraintMap& constraints) const {
@@ -121,14 +119,14 @@ SP<IDataHelper> DataHelperVideoCodecTheora::Create() {
 }
 
 Core::Property DataHelperVideoCodecTheora::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_THEORA},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                                                     {V::TAG_BITRATE, 2000000},
-                                                     {V::TAG_QUALITY, 1},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                     {V::TAG_GLOBAL_HEADER, true},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_THEORA},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_QUALITY, 1},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {}},
+        {V::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 void DataHelperVideoCodecTheora::GetConstraints(ConstraintMap& constraints) const {
@@ -143,13 +141,13 @@ SP<IDataHelper> DataHelperVideoCodecUTVideo::Create() {
 }
 
 Core::Property DataHelperVideoCodecUTVideo::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_UTVIDEO},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                                                     {V::TAG_BITRATE, 2000000},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                     {V::TAG_GLOBAL_HEADER, true},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_UTVIDEO},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {}},
+        {V::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 DataHelperVideoCodecVP8::DataHelperVideoCodecVP8() : AnyFrameRateVideoCodecHelper(V::CODEC_ID_VP8) {}
@@ -159,14 +157,13 @@ SP<IDataHelper> DataHelperVideoCodecVP8::Create() {
 }
 
 Core::Property DataHelperVideoCodecVP8::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC,
-                {
-                    {V::TAG_CODEC_ID, V::CODEC_ID_VP8},
-                    {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                    {V::TAG_BITRATE, 2000000},
-                    {V::TAG_QUALITY, 10},
-                    {V::TAG_CODEC_OPTIONS_ENCODE, {{V::TAG_DISABLE_TRANSPARENCY, false}}},
-                });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_VP8},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_QUALITY, 10},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {{V::TAG_DISABLE_TRANSPARENCY, false}}},
+    });
 }
 
 void DataHelperVideoCodecVP8::GetConstraints(ConstraintMap& constraints) const {
@@ -181,16 +178,18 @@ SP<IDataHelper> DataHelperVideoCodecVP9::Create() {
 }
 
 Core::Property DataHelperVideoCodecVP9::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_VP9},
-                                                     {V::TAG_QUALITY, 10},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_VBR},
-                                                     {V::TAG_BITRATE, 2000000},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE,
-                                                      {{V::TAG_PROFILE, V::TAG_VP9_PROFILE_0},
-                                                       {V::TAG_USE_HW_CONTEXT, true},
-                                                       {V::TAG_DISABLE_TRANSPARENCY, false}}},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_VP9},
+        {V::TAG_QUALITY, 10},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_VBR},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_CODEC_OPTIONS_ENCODE,
+         {
+             {V::TAG_PROFILE, V::TAG_VP9_PROFILE_0},
+             {V::TAG_USE_HW_CONTEXT, true},
+             {V::TAG_DISABLE_TRANSPARENCY, false},
+         }},
+    });
 }
 
 void DataHelperVideoCodecVP9::GetConstraints(ConstraintMap& constraints) const {
@@ -205,13 +204,13 @@ SP<IDataHelper> DataHelperVideoCodecWmv2::Create() {
 }
 
 Core::Property DataHelperVideoCodecWmv2::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_WMV2},
-                                                     {V::TAG_BITRATE, 2000000},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                     {V::TAG_GLOBAL_HEADER, true},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_WMV2},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {}},
+        {V::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 void DataHelperVideoCodecWmv2::GetConstraints(ConstraintMap& constraints) const {
@@ -227,13 +226,13 @@ SP<IDataHelper> DataHelperVideoCodecWmv3::Create() {
 }
 
 Core::Property DataHelperVideoCodecWmv3::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_VIDEO_CODEC, {
-                                                     {V::TAG_CODEC_ID, V::CODEC_ID_WMV3},
-                                                     {V::TAG_BITRATE, 2000000},
-                                                     {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
-                                                     {V::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                     {V::TAG_GLOBAL_HEADER, true},
-                                                 });
+    return VideoCodecTree({
+        {V::TAG_CODEC_ID, V::CODEC_ID_WMV3},
+        {V::TAG_BITRATE, 2000000},
+        {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
+        {V::TAG_CODEC_OPTIONS_ENCODE, {}},
+        {V::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 void DataHelperVideoCodecWmv3::GetConstraints(ConstraintMap& constraints) const {
