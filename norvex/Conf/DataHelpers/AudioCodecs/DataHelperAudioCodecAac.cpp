@@ -1,7 +1,6 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/AudioCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // AAC. Constant bitrate only, from a fixed list. Sample rates are the encoder's own; layouts are the encoder's where
 // it names any, and the six below otherwise.
@@ -36,14 +35,13 @@ SP<IDataHelper> DataHelperAudioCodecAac::Create() {
 }
 
 Core::Property DataHelperAudioCodecAac::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC,
-                {
-                    {A::TAG_CODEC_ID, A::CODEC_ID_AAC},
-                    {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                    {A::TAG_BITRATE, 256000},
-                    {A::TAG_CODEC_OPTIONS_ENCODE, {{A::TAG_PROFILE, A::TAG_AAC_PROFILE_LOW}}},
-                    {A::TAG_GLOBAL_HEADER, true},
-                });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, A::CODEC_ID_AAC},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_BITRATE, 256000},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {{A::TAG_PROFILE, A::TAG_AAC_PROFILE_LOW}}},
+        {A::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 void DataHelperAudioCodecAac::GetValidationRules(RuleList& rules) const {

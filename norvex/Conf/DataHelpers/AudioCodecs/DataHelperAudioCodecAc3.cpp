@@ -1,7 +1,6 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/AudioCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // AC-3 (ATSC A/52). The layouts stand beside the encoder's: validation wants both kept, while correction follows the
 // encoder's list and so leaves 5.1 alone.
@@ -30,12 +29,12 @@ SP<IDataHelper> DataHelperAudioCodecAc3::Create() {
 }
 
 Core::Property DataHelperAudioCodecAc3::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC, {
-                                                     {A::TAG_CODEC_ID, A::CODEC_ID_AC3},
-                                                     {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                                     {A::TAG_BITRATE, 256000},
-                                                     {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                 });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, A::CODEC_ID_AC3},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_BITRATE, 256000},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperAudioCodecAc3::GetValidationRules(RuleList& rules) const {

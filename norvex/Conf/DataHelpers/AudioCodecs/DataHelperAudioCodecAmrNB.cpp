@@ -1,7 +1,6 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/AudioCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // AMR narrow band (3GPP TS 26.071): one rate, one channel, and the eight modes of the codec as bitrates.
 
@@ -24,12 +23,12 @@ SP<IDataHelper> DataHelperAudioCodecAmrNB::Create() {
 }
 
 Core::Property DataHelperAudioCodecAmrNB::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC, {
-                                                     {A::TAG_CODEC_ID, A::CODEC_ID_AMR_NB},
-                                                     {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                                     {A::TAG_BITRATE, 12200},
-                                                     {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                 });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, A::CODEC_ID_AMR_NB},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_BITRATE, 12200},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperAudioCodecAmrNB::GetValidationRules(RuleList& rules) const {

@@ -2,7 +2,6 @@
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintMethod.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // DTS. Left open on purpose: no rules, not even the encoder's.
 
@@ -21,12 +20,12 @@ SP<IDataHelper> DataHelperAudioCodecDTS::Create() {
 }
 
 Core::Property DataHelperAudioCodecDTS::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC, {
-                                                     {A::TAG_CODEC_ID, A::CODEC_ID_DTS},
-                                                     {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                                     {A::TAG_BITRATE, 256000},
-                                                     {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                 });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, A::CODEC_ID_DTS},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_BITRATE, 256000},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperAudioCodecDTS::GetValidationRules(RuleList& /*rules*/) const {}

@@ -1,7 +1,6 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/AudioCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 #include "norvex/interfaces/Proc/IFilterResample.h"
 
 // The automatic codec id: there is no encoder to ask.
@@ -23,12 +22,12 @@ SP<IDataHelper> DataHelperAudioCodecEmpty::Create(const std::string& codecId) {
 }
 
 Core::Property DataHelperAudioCodecEmpty::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC, {
-                                                     {A::TAG_CODEC_ID, m_emptyCodecId},
-                                                     {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR_AUTO},
-                                                     {A::TAG_BITRATE, 256000},
-                                                     {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                 });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, m_emptyCodecId},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR_AUTO},
+        {A::TAG_BITRATE, 256000},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperAudioCodecEmpty::GetRequiredObjects(ObjectList& objects) const {

@@ -6,7 +6,6 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/AudioCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // FLAC and ALAC. A lossless encoder has no bitrate to choose, so neither constrains mode, bitrate or quality:
 // correction writes what the stream will take, by a table of how well PCM shrinks.
@@ -56,12 +55,12 @@ std::size_t NearestIndex(const long long (&list)[N], long long value) {
 }  // namespace
 
 Core::Property LosslessAudioCodecHelper::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC, {
-                                                     {A::TAG_CODEC_ID, GetCodecID()},
-                                                     {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_VBR},
-                                                     {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                     {A::TAG_GLOBAL_HEADER, true},
-                                                 });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, GetCodecID()},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_VBR},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+        {A::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 void LosslessAudioCodecHelper::ApplyPresetSettings(const Core::Property& /*preset*/, Core::Property& stream) const {

@@ -1,7 +1,6 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/AudioCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // MP2 (ISO/IEC 11172-3 Layer II). Encoders also declare the half rates of MPEG-2, which are refused here.
 
@@ -27,12 +26,12 @@ SP<IDataHelper> DataHelperAudioCodecMp2::Create() {
 }
 
 Core::Property DataHelperAudioCodecMp2::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC, {
-                                                     {A::TAG_CODEC_ID, A::CODEC_ID_MP2},
-                                                     {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                                     {A::TAG_BITRATE, 256000},
-                                                     {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                 });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, A::CODEC_ID_MP2},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_BITRATE, 256000},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperAudioCodecMp2::GetValidationRules(RuleList& rules) const {

@@ -4,7 +4,6 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/AudioCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // MP3 (ISO/IEC 11172-3 and 13818-3 Layer III, and the low rates of MPEG-2.5). The sample rate bounds the bitrate.
 
@@ -59,13 +58,13 @@ SP<IDataHelper> DataHelperAudioCodecMp3::Create() {
 }
 
 Core::Property DataHelperAudioCodecMp3::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC, {
-                                                     {A::TAG_CODEC_ID, A::CODEC_ID_MP3},
-                                                     {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                                     {A::TAG_BITRATE, 256000},
-                                                     {A::TAG_QUALITY, 1},
-                                                     {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                 });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, A::CODEC_ID_MP3},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_BITRATE, 256000},
+        {A::TAG_QUALITY, 1},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperAudioCodecMp3::GetValidationRules(RuleList& rules) const {

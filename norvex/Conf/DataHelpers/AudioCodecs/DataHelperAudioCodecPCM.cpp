@@ -1,7 +1,6 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/AudioCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
 
 // PCM. The bitrate is a result, and exact: sample rate by channels by bits.
@@ -33,11 +32,11 @@ int DataHelperAudioCodecPCM::GetStoredBitsPerSample(const std::string& codecId) 
 }
 
 Core::Property DataHelperAudioCodecPCM::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC, {
-                                                     {A::TAG_CODEC_ID, m_pcmCodecId},
-                                                     {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                                     {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                 });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, m_pcmCodecId},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperAudioCodecPCM::GetValidationRules(RuleList& rules) const {

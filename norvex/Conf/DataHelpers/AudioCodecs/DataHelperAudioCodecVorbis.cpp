@@ -2,7 +2,6 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/VorbisCombinations.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // Vorbis. What libvorbis encodes depends on three values at once, while a rule ties two: the rules are coarser than the
 // table of combinations and do not agree with it everywhere. A stream that was corrected is in the table.
@@ -37,14 +36,14 @@ SP<IDataHelper> DataHelperAudioCodecVorbis::Create() {
 }
 
 Core::Property DataHelperAudioCodecVorbis::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC, {
-                                                     {A::TAG_CODEC_ID, A::CODEC_ID_VORBIS},
-                                                     {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                                     {A::TAG_BITRATE, 256000},
-                                                     {A::TAG_QUALITY, 1},
-                                                     {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                     {A::TAG_GLOBAL_HEADER, true},
-                                                 });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, A::CODEC_ID_VORBIS},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_BITRATE, 256000},
+        {A::TAG_QUALITY, 1},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+        {A::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 void DataHelperAudioCodecVorbis::GetValidationRules(RuleList& rules) const {

@@ -1,7 +1,6 @@
 #include "norvex/Conf/DataHelpers/AudioCodecs/AudioCodecHelpers.h"
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
-#include "norvex/interfaces/Conf/IPreset.h"
 
 // Windows Media Audio 2.
 
@@ -27,14 +26,14 @@ SP<IDataHelper> DataHelperAudioCodecWmav2::Create() {
 }
 
 Core::Property DataHelperAudioCodecWmav2::GetDefaults() const {
-    return Tree(IPreset::KEY_FILTER_AUDIO_CODEC, {
-                                                     {A::TAG_CODEC_ID, A::CODEC_ID_WMAV2},
-                                                     {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                                     {A::TAG_BITRATE, 256000},
-                                                     {A::TAG_QUALITY, 1},
-                                                     {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                                                     {A::TAG_GLOBAL_HEADER, true},
-                                                 });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, A::CODEC_ID_WMAV2},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_BITRATE, 256000},
+        {A::TAG_QUALITY, 1},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+        {A::TAG_GLOBAL_HEADER, true},
+    });
 }
 
 void DataHelperAudioCodecWmav2::GetValidationRules(RuleList& rules) const {
