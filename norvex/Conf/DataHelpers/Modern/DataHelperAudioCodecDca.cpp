@@ -18,8 +18,10 @@ constexpr long long availableBitrateList_dca[] = {
     576000, 640000, 768000, 960000, 1024000, 1152000, 1280000, 1344000, 1408000, 1411200, 1472000, 1536000,
 };
 
-constexpr long long availableSampleRateList_dca[] = {8000,  11025, 12000, 16000, 22050,
-                                                     24000, 32000, 44100, 48000};  // Hz
+constexpr long long availableSampleRateList_dca[] = {
+    // Hz
+    8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000,
+};
 
 constexpr Name channelLayouts_dca[] = {
     A::TAG_CH_LAYOUT_MONO,    A::TAG_CH_LAYOUT_STEREO,  A::TAG_CH_LAYOUT_2_2,
@@ -39,12 +41,12 @@ DataHelperAudioCodecDca::DataHelperAudioCodecDca()
     : AudioCodecHelper(A::CODEC_ID_DTS), m_rates(RatesTaken(A::CODEC_ID_DTS, availableSampleRateList_dca)) {}
 
 Core::Property DataHelperAudioCodecDca::GetDefaults() const {
-    return Tree(m_presetKey, {
-                                 {A::TAG_CODEC_ID, m_codecId},
-                                 {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                 {A::TAG_BITRATE, 768000},
-                                 {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                             });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, m_codecId},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_BITRATE, 768000},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperAudioCodecDca::GetValidationRules(RuleList& rules) const {

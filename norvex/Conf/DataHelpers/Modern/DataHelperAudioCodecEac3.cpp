@@ -30,12 +30,12 @@ constexpr Name channelLayouts_eac3[] = {
 DataHelperAudioCodecEac3::DataHelperAudioCodecEac3() : AudioCodecHelper(A::CODEC_ID_EAC3) {}
 
 Core::Property DataHelperAudioCodecEac3::GetDefaults() const {
-    return Tree(m_presetKey, {
-                                 {A::TAG_CODEC_ID, m_codecId},
-                                 {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                 {A::TAG_BITRATE, 256000},
-                                 {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                             });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, m_codecId},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_BITRATE, 256000},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperAudioCodecEac3::GetValidationRules(RuleList& rules) const {

@@ -62,11 +62,11 @@ DataHelperAudioCodecOpus::DataHelperAudioCodecOpus()
 }
 
 Core::Property DataHelperAudioCodecOpus::GetDefaults() const {
-    Core::Property defaults = Tree(m_presetKey, {
-                                                    {A::TAG_CODEC_ID, m_codecId},
-                                                    {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_VBR},
-                                                    {A::TAG_GLOBAL_HEADER, true},
-                                                });
+    Core::Property defaults = AudioCodecTree({
+        {A::TAG_CODEC_ID, m_codecId},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_VBR},
+        {A::TAG_GLOBAL_HEADER, true},
+    });
     defaults.AddNamed(m_options.Defaults());
     return defaults;
 }

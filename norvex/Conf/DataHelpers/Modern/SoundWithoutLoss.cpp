@@ -15,19 +15,24 @@ using M = ModernAudio;
 /// Hz: those of the DVD and the Blu-ray disc, of which TrueHD is the lossless sound.
 constexpr long long sampleRates_truehd[] = {44100, 48000, 88200, 96000, 176400, 192000};
 
-constexpr Name channelLayouts_truehd[] = {A::TAG_CH_LAYOUT_STEREO, A::TAG_CH_LAYOUT_5POINT0_BACK,
-                                          A::TAG_CH_LAYOUT_5POINT1_BACK};
+constexpr Name channelLayouts_truehd[] = {
+    A::TAG_CH_LAYOUT_STEREO,
+    A::TAG_CH_LAYOUT_5POINT0_BACK,
+    A::TAG_CH_LAYOUT_5POINT1_BACK,
+};
 
 /// Hz: those that a WavPack block's flags number (WavPack 4 & 5 binary file format, 2.0).
-constexpr long long sampleRates_wavpack[] = {6000,  8000,  9600,  11025, 12000, 16000, 22050, 24000,
-                                             32000, 44100, 48000, 64000, 88200, 96000, 192000};
+constexpr long long sampleRates_wavpack[] = {
+    6000, 8000, 9600, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000, 64000, 88200, 96000, 192000,
+};
 
 /// Hz: ITU-T G.711 has 8000 alone, and files carry the others.
 constexpr long long sampleRates_g711[] = {8000, 11025, 16000, 22050, 32000, 44100, 48000};
 
 /// Hz: those of sound cards and of audio editors.
-constexpr long long sampleRates_float[] = {8000,  11025, 16000, 22050, 24000,  32000,
-                                           44100, 48000, 88200, 96000, 176400, 192000};
+constexpr long long sampleRates_float[] = {
+    8000, 11025, 16000, 22050, 24000, 32000, 44100, 48000, 88200, 96000, 176400, 192000,
+};
 
 /// What a mask of WAVEFORMATEXTENSIBLE tells, up to eight channels.
 constexpr Name channelLayouts_any[] = {
@@ -68,11 +73,11 @@ DataHelperAudioCodecStoredPCM::DataHelperAudioCodecStoredPCM(const std::string& 
     : AudioCodecHelper(codecId), m_kind(kind) {}
 
 Core::Property DataHelperAudioCodecStoredPCM::GetDefaults() const {
-    return Tree(m_presetKey, {
-                                 {A::TAG_CODEC_ID, m_codecId},
-                                 {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
-                                 {A::TAG_CODEC_OPTIONS_ENCODE, {}},
-                             });
+    return AudioCodecTree({
+        {A::TAG_CODEC_ID, m_codecId},
+        {A::TAG_BITRATE_MODE, A::TAG_BITRATE_MODE_CBR},
+        {A::TAG_CODEC_OPTIONS_ENCODE, {}},
+    });
 }
 
 void DataHelperAudioCodecStoredPCM::GetValidationRules(RuleList& rules) const {
