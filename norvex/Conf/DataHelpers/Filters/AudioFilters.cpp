@@ -31,11 +31,10 @@ SP<IDataHelper> DataHelperAudioFormatter::Create() {
 }
 
 Core::Property DataHelperAudioFormatter::GetDefaults() const {
-    return Tree(Proc::IFilterAudioFormatter::CLASS_ID,
-                {
-                    {Proc::IAudioFormatter::CLASS_ID, {{IPreset::KEY_TYPE_ID, Proc::ImplNames::DEFAULT}}},
-                    {Proc::IFilterAudioFormatter::PACKET_DURATION, 100000},
-                });
+    Core::Property filter(Proc::IFilterAudioFormatter::CLASS_ID);
+    filter.SetChild(Proc::IAudioFormatter::CLASS_ID).SetChildT(IPreset::KEY_TYPE_ID, Proc::ImplNames::DEFAULT);
+    filter.SetChildT(Proc::IFilterAudioFormatter::PACKET_DURATION, 100000);
+    return filter;
 }
 
 SP<IDataHelper> DataHelperAudioResample::Create() {
