@@ -16,15 +16,13 @@ using S = IFormatCodecSubtitle;
 using V = IFormatCodecVideo;
 
 DataHelperFormatAvi::DataHelperFormatAvi() {
+    const std::vector<std::string> video = {
+        V::CODEC_ID_H264, V::CODEC_ID_MPEG1VIDEO, V::CODEC_ID_MPEG2VIDEO, V::CODEC_ID_MPEG4, V::CODEC_ID_MJPEG,
+    };
+    const std::vector<std::string> audio = {A::CODEC_ID_AAC, A::CODEC_ID_MP3, A::CODEC_ID_MP2, A::CODEC_ID_PCM_S16LE};
     FormatValidator& validator = FormatValidator::Instance();
-    SetVideoCodecs(validator.GetSupportedVideoCodecs(F::FORMAT_AVI,
-                                                     {V::CODEC_ID_H264, V::CODEC_ID_MPEG1VIDEO, V::CODEC_ID_MPEG2VIDEO,
-                                                      V::CODEC_ID_MPEG4, V::CODEC_ID_MJPEG},
-                                                     {}),
-                   V::CODEC_ID_H264);
-    SetAudioCodecs(validator.GetSupportedAudioCodecs(
-                       F::FORMAT_AVI, {A::CODEC_ID_AAC, A::CODEC_ID_MP3, A::CODEC_ID_MP2, A::CODEC_ID_PCM_S16LE}, {}),
-                   A::CODEC_ID_MP3);
+    SetVideoCodecs(validator.GetSupportedVideoCodecs(F::FORMAT_AVI, video, {}), V::CODEC_ID_H264);
+    SetAudioCodecs(validator.GetSupportedAudioCodecs(F::FORMAT_AVI, audio, {}), A::CODEC_ID_MP3);
     SetSubtitleTextCodecs(validator.GetSupportedSubtitleCodecs(F::FORMAT_AVI, {S::CODEC_ID_XSUB}, {}),
                           S::CODEC_ID_XSUB);
 }

@@ -26,10 +26,10 @@ constexpr long long availableSampleRateList_swf[] = {11025, 22050, 44100};  // H
 }  // namespace
 
 DataHelperFormatFlv::DataHelperFormatFlv() {
+    const std::vector<std::string> video = {V::CODEC_ID_FLV1, V::CODEC_ID_H264};
+    const std::vector<std::string> neverVideo = {V::CODEC_ID_H263, V::CODEC_ID_MPEG4, V::CODEC_ID_H265};
     FormatValidator& validator = FormatValidator::Instance();
-    SetVideoCodecs(validator.GetSupportedVideoCodecs(F::FORMAT_FLV, {V::CODEC_ID_FLV1, V::CODEC_ID_H264},
-                                                     {V::CODEC_ID_H263, V::CODEC_ID_MPEG4, V::CODEC_ID_H265}),
-                   V::CODEC_ID_FLV1);
+    SetVideoCodecs(validator.GetSupportedVideoCodecs(F::FORMAT_FLV, video, neverVideo), V::CODEC_ID_FLV1);
     SetAudioCodecs(validator.GetSupportedAudioCodecs(F::FORMAT_FLV, {A::CODEC_ID_MP3, A::CODEC_ID_AAC}, {}),
                    A::CODEC_ID_AAC);
     SetSubtitleTextCodecs(validator.GetSupportedSubtitleCodecs(F::FORMAT_FLV, {S::CODEC_ID_TEXT}, {}),

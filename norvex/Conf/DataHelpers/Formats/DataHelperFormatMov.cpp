@@ -16,16 +16,15 @@ using S = IFormatCodecSubtitle;
 using V = IFormatCodecVideo;
 
 DataHelperFormatMov::DataHelperFormatMov() {
+    const std::vector<std::string> video = {
+        V::CODEC_ID_H264, V::CODEC_ID_H265,   V::CODEC_ID_MPEG4, V::CODEC_ID_MJPEG,
+        V::CODEC_ID_HAP,  V::CODEC_ID_PRORES, V::CODEC_ID_QTRLE,
+    };
+    const std::vector<std::string> neverVideo = {V::CODEC_ID_AV1, V::CODEC_ID_VP8, V::CODEC_ID_VP9};
+    const std::vector<std::string> audio = {A::CODEC_ID_AAC, A::CODEC_ID_ALAC, A::CODEC_ID_MP3};
     FormatValidator& validator = FormatValidator::Instance();
-    SetVideoCodecs(
-        validator.GetSupportedVideoCodecs(F::FORMAT_MOV,
-                                          {V::CODEC_ID_H264, V::CODEC_ID_H265, V::CODEC_ID_MPEG4, V::CODEC_ID_MJPEG,
-                                           V::CODEC_ID_HAP, V::CODEC_ID_PRORES, V::CODEC_ID_QTRLE},
-                                          {V::CODEC_ID_AV1, V::CODEC_ID_VP8, V::CODEC_ID_VP9}),
-        V::CODEC_ID_H264);
-    SetAudioCodecs(validator.GetSupportedAudioCodecs(
-                       F::FORMAT_MOV, {A::CODEC_ID_AAC, A::CODEC_ID_ALAC, A::CODEC_ID_MP3}, {A::CODEC_ID_FLAC}),
-                   A::CODEC_ID_AAC);
+    SetVideoCodecs(validator.GetSupportedVideoCodecs(F::FORMAT_MOV, video, neverVideo), V::CODEC_ID_H264);
+    SetAudioCodecs(validator.GetSupportedAudioCodecs(F::FORMAT_MOV, audio, {A::CODEC_ID_FLAC}), A::CODEC_ID_AAC);
     SetSubtitleTextCodecs(validator.GetSupportedSubtitleCodecs(F::FORMAT_MOV, {S::CODEC_ID_MOV_TEXT}, {}),
                           S::CODEC_ID_MOV_TEXT);
 }
