@@ -5,7 +5,8 @@
 #include "norvex/Conf/DataHelpers/Codecs/CodecHelpers.h"
 #include "norvex/Conf/DataHelpers/PlainHelper.h"
 
-/// The audio codec helpers. Each is told in a source of its own.
+/// The audio codec helpers. Each is told in a source of its own. The bitrates and qualities that they start with are
+/// the book's own choice.
 
 namespace Norvex::Conf {
 

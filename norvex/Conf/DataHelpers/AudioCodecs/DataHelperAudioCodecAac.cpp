@@ -3,7 +3,7 @@
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 
 // AAC. Constant bitrate only, from a fixed list. Sample rates are the encoder's own; layouts are the encoder's where
-// it names any, and the six below otherwise.
+// it names any, and the six below otherwise. Both lists are the book's own choice.
 
 namespace Norvex::Conf {
 
@@ -21,6 +21,7 @@ constexpr Name channelLayouts_aac[] = {
     A::TAG_CH_LAYOUT_5POINT0, A::TAG_CH_LAYOUT_5POINT1, A::TAG_CH_LAYOUT_7POINT1,
 };
 
+/// FFmpeg's names (libavcodec/profiles.h) of profiles and object types of ISO/IEC 14496-3; AAC Main is left out.
 constexpr Name profiles_aac[] = {
     A::TAG_AAC_PROFILE_LOW,   A::TAG_AAC_PROFILE_SSR, A::TAG_AAC_PROFILE_LTP, A::TAG_AAC_PROFILE_HE,
     A::TAG_AAC_PROFILE_HE_V2, A::TAG_AAC_PROFILE_LD,  A::TAG_AAC_PROFILE_ELD,

@@ -11,13 +11,15 @@ namespace {
 
 using A = IFormatCodecAudio;
 
+/// Bits per second: of the nominal bitrates of A/52 (table 5.18) those from 64000 to 448000, the most that DVD-Video
+/// takes.
 constexpr long long g_availableBitRateList[] = {
-    // bits per second
     64000, 80000, 96000, 112000, 128000, 160000, 192000, 224000, 256000, 320000, 384000, 448000,
 };
 
-constexpr long long g_availableSampleRateList[] = {32000, 44100, 48000};  // Hz
+constexpr long long g_availableSampleRateList[] = {32000, 44100, 48000};  // Hz; A/52, table 5.6
 
+/// The book's own choice of the modes of A/52 (table 5.8).
 constexpr Name channelLayouts_ac3[] = {A::TAG_CH_LAYOUT_MONO, A::TAG_CH_LAYOUT_STEREO};
 
 }  // namespace

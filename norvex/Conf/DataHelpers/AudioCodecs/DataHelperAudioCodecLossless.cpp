@@ -16,12 +16,14 @@ namespace {
 
 using A = IFormatCodecAudio;
 
-constexpr long long g_possibleSamplerates[] = {8000, 16000, 22050, 24000, 32000, 44100, 48000, 96000};  // Hz
+/// Hz: those that a frame of FLAC numbers (RFC 9639, 9.1.2), without 88200, 176400 and 192000.
+constexpr long long g_possibleSamplerates[] = {8000, 16000, 22050, 24000, 32000, 44100, 48000, 96000};
 
 constexpr long long g_possibleChannels[] = {1, 2, 3, 4, 5, 6};
 
 // clang-format off
-/// The estimated bitrate over that of PCM: a row for each sample rate, a column for each count of channels.
+/// The estimated bitrate over that of PCM, the book's own: a row for each sample rate, a column for each count of
+/// channels.
 constexpr double g_coeff[std::size(g_possibleSamplerates)][std::size(g_possibleChannels)] = {
     //     1         2         3         4         5         6
     {0.789063, 0.8125,   0.544271, 0.431641, 0.357812, 0.299479},  //  8000
@@ -35,6 +37,7 @@ constexpr double g_coeff[std::size(g_possibleSamplerates)][std::size(g_possibleC
 };
 // clang-format on
 
+/// The book's own choice, of up to the eight channels of RFC 9639 (9.1.3).
 constexpr Name channelLayouts_flac[] = {
     A::TAG_CH_LAYOUT_MONO,         A::TAG_CH_LAYOUT_STEREO,       A::TAG_CH_LAYOUT_2POINT1, A::TAG_CH_LAYOUT_2_1,
     A::TAG_CH_LAYOUT_2_2,          A::TAG_CH_LAYOUT_QUAD,         A::TAG_CH_LAYOUT_5POINT0, A::TAG_CH_LAYOUT_5POINT1,

@@ -10,12 +10,12 @@ namespace {
 
 using A = IFormatCodecAudio;
 
+/// Bits per second: those of Layer II (ISO/IEC 11172-3, 2.4.2.3), without the highest, 384000.
 constexpr long long availableBitrateList_mp2[] = {
-    // bits per second
     32000, 48000, 56000, 64000, 80000, 96000, 112000, 128000, 160000, 192000, 224000, 256000, 320000,
 };
 
-constexpr long long availableSampleRateList[] = {32000, 44100, 48000};  // Hz
+constexpr long long availableSampleRateList[] = {32000, 44100, 48000};  // Hz; ISO/IEC 11172-3, 2.4.2.3
 
 }  // namespace
 

@@ -13,13 +13,13 @@ namespace {
 
 using A = IFormatCodecAudio;
 
+/// Hz: three of MPEG-2.5, three of MPEG-2, three of MPEG-1.
 constexpr long long availableSampleRateList_mp3[] = {
-    // Hz
     8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000,
 };
 
+/// Bits per second: the book's own choice of those of MPEG-1 (ISO/IEC 11172-3, 2.4.2.3).
 constexpr long long availableBitrateList_mp3[] = {
-    // bits per second
     32000, 64000, 96000, 128000, 160000, 192000, 224000, 256000, 320000,
 };
 
@@ -31,6 +31,7 @@ struct Band {
     long long maxBitrate;
 };
 // clang-format off
+/// The highest of LAME for MPEG-2.5, and of the standards for MPEG-2 and MPEG-1; that of 16000 Hz is the book's own.
 constexpr Band s_maxSupportedBitrates[] = {
     {availableSampleRateList_mp3,     availableSampleRateList_mp3 + 3,  64000},  //  8000, 11025, 12000
     {availableSampleRateList_mp3 + 3, availableSampleRateList_mp3 + 4, 128000},  // 16000

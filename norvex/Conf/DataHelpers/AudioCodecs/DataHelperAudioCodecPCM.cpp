@@ -3,7 +3,7 @@
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
 
-// PCM. The bitrate is a result, and exact: sample rate by channels by bits.
+// PCM. The bitrate is a result, and exact: sample rate by channels by bits. The lists are the book's own choice.
 
 namespace Norvex::Conf {
 

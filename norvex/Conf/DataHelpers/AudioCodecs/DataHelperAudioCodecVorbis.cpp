@@ -12,13 +12,14 @@ namespace {
 
 using A = IFormatCodecAudio;
 
+/// The book's own choice.
 constexpr Name channelLayouts_vorbis[] = {
     A::TAG_CH_LAYOUT_MONO,    A::TAG_CH_LAYOUT_STEREO,  A::TAG_CH_LAYOUT_2_1,     A::TAG_CH_LAYOUT_2_2,
     A::TAG_CH_LAYOUT_5POINT0, A::TAG_CH_LAYOUT_5POINT1, A::TAG_CH_LAYOUT_7POINT1,
 };
 
 // clang-format off
-/// What validation wants of a bitrate at a sample rate, whatever the channels.
+/// What validation wants of a bitrate at a sample rate, whatever the channels: the book's own choice.
 constexpr long long bitrates_8000[]  = {16000, 24000, 32000, 48000};
 constexpr long long bitrates_11025[] = {16000, 24000, 32000, 48000, 96000};
 constexpr long long bitrates_16000[] = {24000, 32000, 48000, 64000, 96000, 128000, 160000, 192000};

@@ -2,7 +2,8 @@
 #include "norvex/Conf/DataHelpers/Words.h"
 #include "norvex/interfaces/Conf/IFormatCodecAudio.h"
 
-// Windows Media Audio 2.
+// Windows Media Audio 2. The lists are the book's own choice of what FFmpeg's encoder (libavcodec/wmaenc.c) takes: up
+// to 48000 Hz, up to two channels, from 24000 bits per second on.
 
 namespace Norvex::Conf {
 

@@ -14,7 +14,9 @@ struct Run {
     long long highest;
 };
 // clang-format off
-/// The legal combinations: a row for each count of channels, from 1, a column for each sample rate.
+/// The legal combinations: a row for each count of channels, from 1, a column for each sample rate. They lie within the
+/// rate mappings of libvorbis (lib/modes/setup_*.h), which are for one channel: the uncoupled ones, for two channels the
+/// coupled ones too. That of coupled 5.1 is left out.
 constexpr Run items[][std::size(sampleRates_vorbis)] = {
     //   8000       11025       16000       22050       24000       32000       44100       48000
     {{16,  32}, {16,  48}, { 16,  96}, { 16,  80}, { 16,  80}, { 32, 160}, { 32, 224}, { 32, 224}},  // 1

@@ -4,7 +4,7 @@
 
 namespace Norvex::Conf {
 
-/// The values that combinations are made of.
+/// The values that combinations are made of, the book's own choice.
 inline constexpr long long availableBitrateList_vorbis[] = {
     // bits per second
     16000, 32000, 48000, 64000, 80000, 96000, 112000, 128000, 160000, 192000, 224000, 256000, 288000, 320000,
