@@ -12,7 +12,8 @@ namespace {
 
 using V = IFormatCodecVideo;
 
-/// The step is a hint for controls; that sizes are even is the resizer's rule.
+/// The bounds are the book's own, within the 12 bits that MPEG-1 has for a size and the 14 of MPEG-2. The step is a
+/// hint for controls; that sizes are even is the resizer's rule.
 void AddSizeRules(RuleList& rules, const std::string& codecId) {
     const SP<IPropertyConstraint> isThisCodec = OneOf({codecId});
     AddRule(rules, VideoCodecIdPath(), isThisCodec, WidthPath(), ConstraintRange::Create(32LL, 3840LL, 2LL));
@@ -60,7 +61,7 @@ Core::Property DataHelperVideoCodecMpeg2::GetDefaults() const {
         {V::TAG_QUALITY, 12},
         {V::TAG_BITRATE_MODE, V::TAG_BITRATE_MODE_CBR},
         {V::TAG_BITRATE, 2000000},
-        {V::TAG_MAX_I_FRAME_INTERVAL, 15},
+        {V::TAG_MAX_I_FRAME_INTERVAL, 15},  // as FFmpeg's target "pal-dvd"
         {V::TAG_MAX_B_FRAME_SEQUENCE, 2},
         {V::TAG_CODEC_OPTIONS_ENCODE, {}},
         {V::TAG_GLOBAL_HEADER, true},

@@ -10,6 +10,7 @@ namespace {
 
 using V = IFormatCodecVideo;
 
+/// Four of the visual profiles of the standard.
 constexpr Name profiles_mpeg4[] = {
     V::TAG_MPEG4_PROFILE_SIMPLE,
     V::TAG_MPEG4_PROFILE_MAIN,

@@ -4,7 +4,7 @@
 #include "norvex/interfaces/Conf/IPreset.h"
 
 // H.264. The one codec with a tune, and the one with a choice of passes. Driven by quality, without a bitrate of its
-// own. The lists are x264's, from its fastest preset to its slowest.
+// own. The lists are x264's, from its fastest preset to its slowest; the profiles are of ITU-T H.264, Annex A.
 
 namespace Norvex::Conf {
 

@@ -3,7 +3,7 @@
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
 #include "norvex/interfaces/Conf/IPreset.h"
 
-// H.265. The lists are x265's, from its fastest preset to its slowest.
+// H.265. The lists are x265's, from its fastest preset to its slowest; the profiles are of ITU-T H.265, Annex A.
 
 namespace Norvex::Conf {
 

@@ -6,7 +6,8 @@
 // The video codecs that differ in their tables alone. What sets one apart from the rest, on purpose:
 //
 //   AV1, HAP           VBR is the first mode that a user is offered
-//   WMV2               the encoder's own scale of quality
+//   WMV2               the encoder's own scale of quality, the quantiser from 1 to 31
+//   HAP                the formats of FFmpeg's encoder
 //   UT Video           lossless: nothing about the bitrate to choose
 //   RLE, UT Video,
 //   WMV2, WMV3         start without a quality

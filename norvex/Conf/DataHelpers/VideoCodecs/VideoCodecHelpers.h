@@ -5,7 +5,8 @@
 #include "norvex/Conf/DataHelpers/Codecs/CodecHelpers.h"
 
 /// The video and still picture codec helpers. The class says by its base whether the encoder's frame rates bind it.
-/// Each helper, or family of helpers that differ in their tables alone, is told in a source of its own.
+/// Each helper, or family of helpers that differ in their tables alone, is told in a source of its own. The bitrates
+/// and qualities that they start with are the book's own choice.
 
 namespace Norvex::Conf {
 
