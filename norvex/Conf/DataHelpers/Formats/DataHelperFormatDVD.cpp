@@ -19,7 +19,7 @@ using F = IFormatFile;
 using P = IPreset;
 using V = IFormatCodecVideo;
 
-constexpr long long lowestBitrate = 100000;  // bits per second
+constexpr long long lowestBitrate = 100000;  // bits per second, the book's own
 
 }  // namespace
 
@@ -35,6 +35,7 @@ SP<IDataHelper> DataHelperFormatDVD::Create(const std::string& id) {
 }
 
 Core::Property DataHelperFormatDVD::GetDefaults() const {
+    // DVD-Video has up to nine angles, eight streams of sound and 32 of subtitles.
     return FormatTree(m_formatId,
                       {{C::TAG_GLOBAL_HEADER, false},
                        {F::TAG_DVD_STANDARD, F::DVD_STANDARD_NTSC},
@@ -43,6 +44,7 @@ Core::Property DataHelperFormatDVD::GetDefaults() const {
 }
 
 void DataHelperFormatDVD::GetValidationRules(RuleList& rules) const {
+    // The highest bitrates of pictures and the sample rate are DVD-Video's; the bitrate of sound is the book's own.
     const std::string videoBitratePath = Path(P::KEY_FILTER_VIDEO_CODEC, C::TAG_BITRATE);
     const std::string audioModePath = Path(P::KEY_FILTER_AUDIO_CODEC, C::TAG_BITRATE_MODE);
     AddRule(rules, VideoCodecIdPath(), OneOf({V::CODEC_ID_MPEG2VIDEO}), videoBitratePath,

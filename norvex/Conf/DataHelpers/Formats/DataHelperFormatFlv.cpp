@@ -8,7 +8,8 @@
 
 // The containers of the Flash kind (Adobe Flash Video File Format 10.1; SWF 19). Both bind the sample rate
 // of whatever audio codec they carry, those that FFmpeg adds included. Their rates are lists of their own, since they
-// come from two documents.
+// come from two documents; of both they are those that FFmpeg's muxer names when it refuses another (flvenc.c,
+// swfenc.c).
 
 namespace Norvex::Conf {
 

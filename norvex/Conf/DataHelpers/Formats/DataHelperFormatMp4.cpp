@@ -21,7 +21,7 @@ using V = IFormatCodecVideo;
 /// The sample rates of MPEG-1 and MPEG-2 Audio Layer III (Hz). Those of MPEG-2.5, 8 to 12 kHz, are left out.
 constexpr long long mp3SampleRates_mp4[] = {44100, 48000, 32000, 22050, 24000, 16000};
 
-constexpr long long sampleRateList[] = {11025, 22050, 44100};  // Hz, of F4A
+constexpr long long sampleRateList[] = {11025, 22050, 44100};  // Hz, of F4A: those of FLV
 
 /// The muxer whose name FFmpeg is asked by. It is not always the format's own.
 const std::string& MuxerOf(bool ipodMode, bool m4vMode) {

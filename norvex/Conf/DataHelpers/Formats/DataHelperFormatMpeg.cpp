@@ -44,6 +44,7 @@ Core::Property DataHelperFormatVOB::GetDefaults() const {
 
 void DataHelperFormatVOB::GetValidationRules(RuleList& rules) const {
     PairList<Core::Ratio> rates = ProgramStreamRates();
+    // The book's own: the standard has no code for it.
     rates.insert(rates.begin(), {"20", {20, 1}});
     AddRule(rules, VideoCodecIdPath(), OneOf({V::CODEC_ID_MPEG2VIDEO, V::CODEC_ID_MPEG1VIDEO}), FrameRatePath(),
             ConstraintSet::Create(rates));
@@ -120,6 +121,7 @@ Core::Property DataHelperFormatMxf::GetDefaults() const {
 }
 
 void DataHelperFormatMxf::GetValidationRules(RuleList& rules) const {
+    // FFmpeg's muxer (mxfenc.c) has this sample rate alone.
     AddRule(rules, AudioCodecIdPath(), AudioCodecsConstraint(), SampleRatePath(), OneOf({48000LL}));
     AddRule(rules, VideoCodecIdPath(), VideoCodecsConstraint(), FrameRatePath(),
             ConstraintSet::Create(ProgramStreamRates()));

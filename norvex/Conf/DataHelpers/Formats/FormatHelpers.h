@@ -23,7 +23,7 @@ public:
 protected:
     /// A default stream. A cover is a video stream with its cover flag on.
     enum class Stream { Video, Audio, Subtitle, Cover };
-    /// How many streams of each kind the format may hold.
+    /// How many streams of each kind the format may hold: the book's own numbers, where its source says nothing else.
     struct Limits {
         int video;
         int audio;

@@ -13,7 +13,8 @@ namespace {
 using F = IFormatFile;
 using V = IFormatCodecVideo;
 
-/// Frames per second: the source's own, or one that GIF's delays of whole hundredths of a second come near to.
+/// Frames per second: the source's own, or one of the book's choice that GIF's delays of whole hundredths of a second
+/// come near to.
 PairList<Core::Ratio> GifRates() {
     return {
         {"Auto", Proc::SettingsFilterFrameRate::MARK_USE_ORIGINAL_FRAMERATE},

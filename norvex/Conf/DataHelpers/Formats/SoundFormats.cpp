@@ -13,7 +13,7 @@ namespace {
 using A = IFormatCodecAudio;
 using F = IFormatFile;
 
-/// Hz. The second is no usual rate of sound, and is meant.
+/// Hz, the book's own choice. The second is no usual rate of sound, and is meant.
 constexpr long long sampleRates_au[] = {8000, 8192};
 
 }  // namespace
