@@ -17,8 +17,8 @@ using Proc::IResample;
 
 constexpr Name layouts_resample[] = {A::TAG_CH_LAYOUT_UNKNOWN, A::TAG_CH_LAYOUT_MONO, A::TAG_CH_LAYOUT_STEREO};
 
+/// Hz, the book's own choice; -1 keeps the source's.
 constexpr long long sampleRates_resample[] = {
-    // Hz, -1 keeps the source's
     -1, 8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000, 64000, 88200, 96000,
 };
 
@@ -33,7 +33,7 @@ SP<IDataHelper> DataHelperAudioFormatter::Create() {
 Core::Property DataHelperAudioFormatter::GetDefaults() const {
     Core::Property filter(Proc::IFilterAudioFormatter::CLASS_ID);
     filter.SetChild(Proc::IAudioFormatter::CLASS_ID).SetChildT(IPreset::KEY_TYPE_ID, Proc::ImplNames::DEFAULT);
-    filter.SetChildT(Proc::IFilterAudioFormatter::PACKET_DURATION, 100000);
+    filter.SetChildT(Proc::IFilterAudioFormatter::PACKET_DURATION, 100000);  // the book's own
     return filter;
 }
 
@@ -76,6 +76,7 @@ Core::Property DataHelperAudioVolume::GetDefaults() const {
 }
 
 void DataHelperAudioVolume::GetConstraints(ConstraintMap& constraints) const {
+    // Percent, the book's own choice.
     constraints[Proc::IFilterAudioVolume::VOLUME_VALUE] = ConstraintRange::Create(0LL, 200LL, 0LL);
 }
 

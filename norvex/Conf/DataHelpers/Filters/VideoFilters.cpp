@@ -14,7 +14,7 @@ namespace {
 using V = IFormatCodecVideo;
 using Proc::IResize;
 
-/// Frames per second. Those of NTSC are exact ratios under rounded labels.
+/// Frames per second, the book's own choice. Those of NTSC are exact ratios under rounded labels.
 const ConstraintSet::ValueList<Core::Ratio>& FrameRates() {
     // clang-format off
     static const auto& rates = Lasting(ConstraintSet::ValueList<Core::Ratio>{
@@ -100,6 +100,7 @@ void DataHelperVideoResize::GetValidationRules(RuleList& rules) const {
 void DataHelperVideoResize::GetConstraints(ConstraintMap& constraints) const {
     constraints[Path(IResize::CLASS_ID, IResize::FRAME_SIZE_MODE)] = OneOf(frameSizeModes);
     constraints[Path(IResize::CLASS_ID, IResize::MODE)] = OneOf(resizeModes);
+    // The bounds are the book's own choice.
     constraints[Path(IResize::CLASS_ID, V::TAG_WIDTH)] = ConstraintRange::Create(32LL, 8192LL, 2LL);
     constraints[Path(IResize::CLASS_ID, V::TAG_HEIGHT)] = ConstraintRange::Create(32LL, 4320LL, 2LL);
     constraints[Path(IResize::CLASS_ID, IResize::METHOD)] = OneOf(resizeMethods);
