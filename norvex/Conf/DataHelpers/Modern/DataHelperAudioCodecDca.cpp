@@ -18,11 +18,12 @@ constexpr long long availableBitrateList_dca[] = {
     576000, 640000, 768000, 960000, 1024000, 1152000, 1280000, 1344000, 1408000, 1411200, 1472000, 1536000,
 };
 
+/// Hz: those of the core (TS 102 114, SFREQ), all of which FFmpeg's encoder takes.
 constexpr long long availableSampleRateList_dca[] = {
-    // Hz
     8000, 11025, 12000, 16000, 22050, 24000, 32000, 44100, 48000,
 };
 
+/// Those of FFmpeg's encoder (libavcodec/dcaenc.c).
 constexpr Name channelLayouts_dca[] = {
     A::TAG_CH_LAYOUT_MONO,    A::TAG_CH_LAYOUT_STEREO,  A::TAG_CH_LAYOUT_2_2,
     A::TAG_CH_LAYOUT_5POINT0, A::TAG_CH_LAYOUT_5POINT1,

@@ -16,7 +16,7 @@ constexpr long long availableBitrateList_eac3[] = {
     224000, 256000, 320000, 384000, 448000, 512000, 576000, 640000, 768000, 896000, 1024000,
 };
 
-constexpr long long availableSampleRateList_eac3[] = {32000, 44100, 48000};  // Hz
+constexpr long long availableSampleRateList_eac3[] = {32000, 44100, 48000};  // Hz; A/52, table 5.6
 
 /// The audio coding modes of A/52 (table 5.8), without and with the channel of low frequencies.
 constexpr Name channelLayouts_eac3[] = {

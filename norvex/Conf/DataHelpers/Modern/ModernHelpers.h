@@ -140,8 +140,8 @@ public:
     void GetConstraints(ConstraintMap& constraints) const override;
 
 protected:
-    /// A codec of quality has a scale of its own from 1, the best, to `worstQuality`; a lossless one has none, and 0
-    /// there.
+    /// The bits per pixel are the book's own. A codec of quality has a scale of its own from 1, the best, to
+    /// `worstQuality`; a lossless one has none, and 0 there.
     EstimatedCodecHelper(const std::string& codecId, double bitsPerPixel, long long worstQuality = 0,
                          long long standardQuality = 0);
 

@@ -15,6 +15,7 @@ using M = ModernAudio;
 /// Hz: those of the DVD and the Blu-ray disc, of which TrueHD is the lossless sound.
 constexpr long long sampleRates_truehd[] = {44100, 48000, 88200, 96000, 176400, 192000};
 
+/// Those of FFmpeg's encoder (libavcodec/mlpenc.c).
 constexpr Name channelLayouts_truehd[] = {
     A::TAG_CH_LAYOUT_STEREO,
     A::TAG_CH_LAYOUT_5POINT0_BACK,
