@@ -49,7 +49,7 @@ struct Stream {
 constexpr long long tag_AC3 = MKTAG('A', 'C', '-', '3');
 constexpr long long tag_XVID = MKTAG('X', 'V', 'I', 'D');
 constexpr long long tag_mp4v = MKTAG('m', 'p', '4', 'v');
-constexpr long long tag_FlvMpeg4 = 9;
+constexpr long long tag_FlvMpeg4 = 9;  // FLV_CODECID_MPEG4 of FFmpeg's libavformat/flv.h
 
 // ------------------------------------------------------------------------------------ muxers without a tag table
 
@@ -119,6 +119,7 @@ bool TagIsSupported(const AVOutputFormat& muxer, const Stream& stream) {
     }
     if (isMatroska) {
         if (stream.tag == tag_AC3) return true;
+        // DTS and DTS-HD Master Audio as transport streams of Blu-ray number them (HDMV_types in FFmpeg's mpegts.c).
         if (stream.id == AV_CODEC_ID_DTS && (stream.tag & ~4LL) == 0x82) return true;
         return stream.id == AV_CODEC_ID_AAC || stream.id == AV_CODEC_ID_ALAC;
     }

@@ -57,7 +57,8 @@ constexpr Muxer g_stills[] = {
     {&MF::FORMAT_WEBP,    "webp"},
 };
 
-/// A muxer that is not here writes none of it.
+/// The pictures of FFmpeg's movenc.c, matroskadec.c and id3v2.c; its muxer of FLAC refuses GIF. A muxer that is not here
+/// writes none of it.
 constexpr Extras g_extras[] = {
     // muxer      covers                     attachments
     {"mp4",      " mjpeg png bmp ",          false},
