@@ -40,7 +40,7 @@ constexpr Efficiency g_efficiencies[] = {
     {&V::CODEC_ID_MPEG1VIDEO,  0.25, true},
     {&V::CODEC_ID_MJPEG,       1.0,  true},
     {&V::CODEC_ID_JPEG2000,    1.5,  true},
-    {&V::CODEC_ID_DVVIDEO,     2.4,  false},
+    {&V::CODEC_ID_DVVIDEO,     2.4,  false},  // 25 Mbit/s (SMPTE 314M)
     {&V::CODEC_ID_PRORES,      2.4,  false},
     {&V::CODEC_ID_HAP,         4.0,  false},
     {&V::CODEC_ID_JPEGLS,      8.0,  false},
@@ -72,7 +72,7 @@ constexpr Efficiency g_unknownCodec = {nullptr, 0.20, true};
 constexpr double minBitrate = 100000;
 /// The quantiser that encoders take as ordinary, x264's default.
 constexpr int referenceQuality = 23;
-/// A quantiser step doubles every six, and bits go about inversely with it.
+/// H.264's quantiser step doubles every six, and bits go about inversely with it.
 constexpr double qualityStepsPerDoubling = 6;
 constexpr double referenceFps = 25;
 /// At a higher rate neighbouring frames differ less: twice the frames take about 1.7 times the bits.

@@ -12,7 +12,7 @@ namespace {
 
 using F = SampleFormats;
 
-/// In the order of the numbers, so that a number is the index of its row.
+/// FFmpeg's AVSampleFormat, in the order of its numbers, so that a number is the index of its row.
 const std::vector<SampleFmtRecord>& Rows() {
     // clang-format off
     static const auto& rows = Lasting(std::vector<SampleFmtRecord>{
