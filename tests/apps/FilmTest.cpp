@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <nlohmann/json.hpp>
-
 #include "support/ProgramFixture.h"
 
 namespace {
@@ -15,11 +13,6 @@ using testing::HasSubstr;
 class FilmTest : public NorvexTest::ProgramFixture {
 protected:
     FilmTest() : ProgramFixture(NORVEX_EXPORT) {}
-
-    void Make(const std::string& arguments) const {
-        const Outcome outcome = RunOther("ffmpeg", "-nostdin -v error -y " + arguments);
-        ASSERT_EQ(outcome.status, 0) << outcome.text;
-    }
 
     /// Two pictures, two sounds, two subtitles, a font, a cover, two chapters, and tags of all sorts.
     void MakeFilm() const {
@@ -42,10 +35,7 @@ protected:
 
     /// "h264 160x120 Front, aac eng" and so on, with what follows the streams: title and count of chapters.
     std::string Streams(const std::string& name) const {
-        const Outcome probe =
-            RunOther("ffprobe", "-v error -show_streams -show_format -show_chapters -of json " + name);
-        const json file = json::parse(probe.text, nullptr, false);
-        if (!file.contains("streams")) return probe.text;
+        const json file = Probed("-show_streams -show_format -show_chapters", name);
         std::string text;
         for (const json& stream : file["streams"]) {
             const json tags = stream.value("tags", json::object());
@@ -67,10 +57,11 @@ protected:
                 if (dispositions.value(word, 0) != 0) text += std::string(" ") + word;
             }
         }
-        const json tags = file["format"].value("tags", json::object());
+        const json tags = file.value(json::json_pointer("/format/tags"), json::object());
         if (tags.contains("title") || tags.contains("TITLE"))
             text += "; " + tags.value("title", tags.value("TITLE", ""));
-        if (!file["chapters"].empty()) text += "; " + std::to_string(file["chapters"].size()) + " chapters";
+        const std::size_t chapters = file.value("chapters", json::array()).size();
+        if (chapters > 0) text += "; " + std::to_string(chapters) + " chapters";
         return text;
     }
 };
@@ -167,6 +158,12 @@ TEST_F(FilmTest, PicturesKeepWhatTheCodecCanAndTheRestIsTold) {
          "hevc,320,180,1:1,yuv420p10le", ""},
         {"format=yuv422p10le", "o.mkv --profile high422", "h264,320,180,1:1,yuv422p10le", ""},
         {"format=yuv444p", "o.mp4 --video av1", "av1,320,180,1:1,yuv420p", "(4:4:4 becomes 4:2:0)"},
+        {"format=yuv420p", "o.webp --quality 40", "webp,320,180,,yuv420p", ""},
+        {"format=yuv420p", "o.jxl", "jpegxl,320,180,,rgb24", ""},
+        {"format=yuv420p", "o.exr --codec-format float", "exr,320,180,1:1,gbrpf32le", ""},
+        {"format=yuv420p", "o.mov --video dnxhd --profile dnxhd", "dnxhd,1280,720,1:1,yuv422p", ""},
+        {"format=yuv420p", "o.mxf --video dnxhd --profile dnxhr_hqx", "dnxhd,320,180,1:1,yuv422p10le", ""},
+        {"format=yuv420p", "o.mov --video cfhd --quality 1", "cfhd,320,176,1:1,yuv422p10le", ""},
         {"format=yuv444p", "o.pgm", "pgm,320,180,,gray", "loses its colours"},
         {"scale=4000:6000,setsar=1", "o.jpg", "mjpeg,2880,4320,1:1,yuvj420p",
          "is brought from 4000x6000 to 2880x4320."},
@@ -235,8 +232,7 @@ TEST_F(FilmTest, GoesOnWithoutWhatCannotBeDecoded) {
     Make(
         "-f lavfi -i testsrc=s=64x48:d=1 -f lavfi -i sine=d=1 -f lavfi -i sine=d=1 -map 0 -map 1 -map 2 -c:v mpeg4 "
         "-c:a ac3 in.mkv");
-    const json packets =
-        json::parse(RunOther("ffprobe", "-v error -select_streams 2 -show_packets -of json in.mkv").text);
+    const json packets = Probed("-select_streams 2 -show_packets", "in.mkv");
     std::string film = Read("in.mkv");
     for (const json& packet : packets["packets"]) {
         const std::size_t size = std::stoul(packet["size"].get<std::string>()), head = 6;
@@ -283,7 +279,7 @@ TEST_F(FilmTest, TakesOneProgrammeUnlessAskedForMore) {
     EXPECT_EQ(Streams("out.mkv"), "h264 128x96, aac, h264 64x48");
 }
 
-TEST_F(FilmTest, PipesAreRefusedAndFilesKeepTheirMode) {
+TEST_F(FilmTest, PipesAreRefusedAndFilesKeepTheirModeAndNamesAreFilesWhateverTheyLookLike) {
     Make("-f lavfi -i sine=d=0.1 in.wav");
     ASSERT_EQ(RunOther("mkfifo", "pipe").status, 0);
     EXPECT_THAT(Run("pipe out.mp3").text, HasSubstr("'pipe'"));
@@ -292,6 +288,10 @@ TEST_F(FilmTest, PipesAreRefusedAndFilesKeepTheirMode) {
     RunOther("chmod", "640 out.mp3");
     EXPECT_EQ(Run("in.wav out.mp3 --quiet").text, "");
     EXPECT_EQ(RunOther("stat", "-c %a out.mp3").text, "640\n");
+    RunOther("mv", "in.wav pipe:0");
+    EXPECT_EQ(Run("pipe:0 pipe:1 --format mp3 --quiet").text, "");
+    EXPECT_EQ(Streams("file:pipe:1"), "mp3");
+    EXPECT_THAT(Run("http://127.0.0.1/clip.mp4 out.mp3").text, HasSubstr("No such file or directory"));
 }
 
 TEST_F(FilmTest, TheIndexStandsFirstUnlessItIsLeftBehind) {

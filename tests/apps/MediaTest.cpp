@@ -3,21 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <regex>
@@ -25,6 +18,7 @@
 #include <sstream>
 #include <thread>
 
+#include "support/Files.h"
 #include "support/MadeClip.h"
 #include "support/TemporaryFolder.h"
 
@@ -37,6 +31,8 @@ namespace {
 using namespace NorvexExport;
 using NorvexTest::ClipSettings;
 using NorvexTest::MakeClip;
+using NorvexTest::ReadFile;
+using NorvexTest::WriteFile;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
@@ -71,11 +67,9 @@ constexpr int g_sampleRate = 48000;  ///< Hz, at which all sound is read
 /// What a file holds, as ffprobe and ffmpeg see it.
 struct Content {
     std::vector<Picture> pictures;
-    double soundBegin = 0;     ///< seconds
-    std::vector<float> sound;  ///< of the first channel, -1 to 1
-    std::string titles;        ///< "begin-end text;" of each in milliseconds, without styles
-    long long videoBytes = 0;
-    long long audioBytes = 0;
+    std::optional<double> soundBegin;  ///< seconds
+    std::vector<float> sound;          ///< of the first channel, -1 to 1
+    std::string titles;                ///< "begin-end text;" of each in seconds, without styles
 
     /// Seconds at which the pictures turn white, -1 where they never do.
     double PictureMark() const {
@@ -88,7 +82,7 @@ struct Content {
     /// Seconds at which the sound turns loud.
     double SoundMark() const {
         for (std::size_t i = 0; i < sound.size(); ++i) {
-            if (std::abs(sound[i]) > 0.2F) return soundBegin + static_cast<double>(i) / g_sampleRate;
+            if (std::abs(sound[i]) > 0.2F) return *soundBegin + static_cast<double>(i) / g_sampleRate;
         }
         return -1;
     }
@@ -96,65 +90,43 @@ struct Content {
 };
 
 std::string OutputOf(const std::string& command) {
-    std::FILE* const pipe = popen(command.c_str(), "r");
-    std::string output;
-    std::array<char, 65536> part{};
-    for (std::size_t size; (size = std::fread(part.data(), 1, part.size(), pipe)) > 0;)
-        output.append(part.data(), size);
-    if (pclose(pipe) != 0) throw std::runtime_error("cannot read it: " + command);
-    return output;
+    const NorvexTest::Outcome outcome = NorvexTest::RunCommand(command);
+    if (outcome.status != 0) throw std::runtime_error("cannot read it: " + command);
+    return outcome.text;
 }
 
-void WriteFile(const std::string& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string ReadFile(const std::string& path) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(path, std::ios::binary).rdbuf();
-    return bytes.str();
-}
-
-/// Adds what a file of WebVTT says.
-void AddTitles(Content& content, const std::string& text) {
-    std::istringstream lines(std::regex_replace(text, std::regex("<[^>]*>"), "") + '\n');
-    const std::regex times(R"((\d+):(\d+)\.(\d+) --> (\d+):(\d+)\.(\d+))");
-    std::smatch time;
-    for (std::string line; std::getline(lines, line);) {
-        if (std::regex_match(line, time, times)) {
-            const auto moment = [&time](std::size_t i) {
-                return std::to_string(std::stoi(time[i]) * 60000 + std::stoi(time[i + 1]) * 1000 +
-                                      std::stoi(time[i + 2]));
-            };
-            content.titles += moment(1) + "-" + moment(4) + " ";
-        } else if (!content.titles.empty() && content.titles.back() != ';') {
-            content.titles += line.empty() ? ";" : content.titles.back() == ' ' ? line : "\\N" + line;
-        }
+/// What a file of WebVTT says.
+std::string Titles(std::string text) {
+    for (const auto& [pattern, shorter] : {std::pair("WEBVTT\n\n|<[^>]*>", ""),
+                                           {"(^|\n)00:([^ ]*) --> 00:([^ \n]*)\n", "$1$2-$3 "},
+                                           {"\n(\n|$)", ";"},
+                                           {"\n", "\\N"}}) {
+        text = std::regex_replace(text, std::regex(pattern), shorter);
     }
+    return text;
 }
 
 Content ReadContent(const std::string& path) {
     Content content;
     const auto probed = nlohmann::json::parse(OutputOf(
-        "ffprobe -v error -show_entries packet=codec_type,size:frame=media_type,best_effort_timestamp_time,width,height"
+        "ffprobe -v error -show_entries stream=codec_type:frame=media_type,best_effort_timestamp_time,width,height"
         " -of json '" +
         path + "'"));
-    std::map<std::string, int> frames;
-    for (const auto& part : probed["packets_and_frames"]) {
-        const bool isFrame = part["type"] == "frame";
-        const std::string kind = part.value(isFrame ? "media_type" : "codec_type", "subtitle");
-        if (!isFrame && kind != "subtitle")
-            (kind == "video" ? content.videoBytes : content.audioBytes) += std::stoll(part["size"].get<std::string>());
-        if (!isFrame && kind != "subtitle") continue;
-        const double time = std::stod(part.value("best_effort_timestamp_time", "0"));
-        if (frames[kind]++ == 0 && kind == "audio") content.soundBegin = time;
-        if (kind == "video") content.pictures.push_back({time, part["width"], part["height"], {}});
+    std::set<std::string> kinds;
+    for (const auto& stream : probed["streams"]) kinds.insert(stream["codec_type"]);
+    for (const auto& frame : probed["frames"]) {
+        const std::string kind = frame.value("media_type", "");
+        const double time = std::stod(frame.value("best_effort_timestamp_time", "0"));
+        if (kind == "audio" && !content.soundBegin) content.soundBegin = time;
+        if (kind == "video") content.pictures.push_back({time, frame["width"], frame["height"], {}});
     }
     const std::string rate = std::to_string(g_sampleRate);
     std::string outputs;
-    if (frames["video"] > 0) outputs += " -map 0:v:0 -fps_mode passthrough -f rawvideo -pix_fmt gray '" + path + ".v'";
-    if (frames["audio"] > 0) outputs += " -map 0:a:0 -af 'pan=mono|c0=c0' -f f32le -ar " + rate + " '" + path + ".a'";
-    if (frames["subtitle"] > 0) outputs += " -map 0:s:0 -f webvtt '" + path + ".s'";
+    if (kinds.count("video") != 0)
+        outputs += " -map 0:v:0 -fps_mode passthrough -f rawvideo -pix_fmt gray '" + path + ".v'";
+    if (kinds.count("audio") != 0)
+        outputs += " -map 0:a:0 -af 'pan=mono|c0=c0' -f f32le -ar " + rate + " '" + path + ".a'";
+    if (kinds.count("subtitle") != 0) outputs += " -map 0:s:0 -f webvtt '" + path + ".s'";
     OutputOf("ffmpeg -nostdin -v fatal -y -copyts -i '" + path + "'" + outputs);
     const std::string light = ReadFile(path + ".v"), sound = ReadFile(path + ".a");
     std::size_t at = 0;
@@ -164,7 +136,7 @@ Content ReadContent(const std::string& path) {
     }
     content.sound.resize(sound.size() / sizeof(float));
     if (!sound.empty()) std::memcpy(content.sound.data(), sound.data(), sound.size());
-    AddTitles(content, ReadFile(path + ".s"));
+    content.titles = Titles(ReadFile(path + ".s"));
     for (const char* const part : {".v", ".a", ".s"}) fs::remove(path + part);
     return content;
 }
@@ -311,13 +283,24 @@ std::string Described(const InputInfo& info) {
     return text.str();
 }
 
-TEST_F(Media, ProbeDescribesBothStreams) {
+TEST_F(Media, StreamsAreDescribedBeforeAndAfterAnExport) {
     ClipSettings clip;
     clip.aspectX = 4, clip.aspectY = 3;
-    const InputInfo info = Probe(Clip(clip));
-    EXPECT_EQ(info.container, "nut");
-    EXPECT_NEAR(info.duration, 0.8, 0.05);
-    EXPECT_EQ(Described(info), "0 rawvideo 64x48 4:3 25/1 yuv420p; 1 pcm_s16le 48000 2 stereo s16;");
+    const ExportJob job = JobFor(Clip(clip));
+    const InputInfo input = Probe(job.inputPath);
+    EXPECT_EQ(input.container, "nut");
+    EXPECT_NEAR(input.duration, 0.8, 0.05);
+    EXPECT_EQ(Described(input), "0 rawvideo 64x48 4:3 25/1 yuv420p; 1 pcm_s16le 48000 2 stereo s16;");
+
+    const ExportResult result = RunExport(job, Ignore);
+    EXPECT_EQ(result.videoFrames, 20);
+    EXPECT_NEAR(static_cast<double>(result.audioSamples), 0.8 * 48000, 1024);
+    EXPECT_NEAR(result.duration, 0.8, 0.04);
+    EXPECT_EQ(result.bytes, fs::file_size(job.outputPath));
+    const InputInfo output = Probe(job.outputPath);
+    EXPECT_THAT(output.container, HasSubstr("mp4"));
+    EXPECT_NEAR(output.duration, 0.8, 0.08);
+    EXPECT_EQ(Described(output), "0 h264 64x48 4:3 25/1 yuv420p; 1 aac 48000 2 stereo fltp;");
 }
 
 TEST_F(Media, ProbeSaysWhyAFileCannotBeOpened) {
@@ -348,46 +331,7 @@ TEST_F(Media, ProbeSaysWhyAFileCannotBeOpened) {
     }
 }
 
-/// The folder that names without one are in.
-class WorkingFolder {
-public:
-    explicit WorkingFolder(const fs::path& folder) : m_old(fs::current_path()) { fs::current_path(folder); }
-    WorkingFolder(const WorkingFolder&) = delete;
-    WorkingFolder& operator=(const WorkingFolder&) = delete;
-    ~WorkingFolder() { fs::current_path(m_old); }
-
-private:
-    fs::path m_old;
-};
-
-TEST_F(Media, NamesAreFilesWhateverProtocolTheyLookLike) {
-    Clip(ClipSettings(), "pipe:0");
-    const WorkingFolder folder(Path(""));
-    ExportJob job = JobFor("pipe:0");
-    job.outputPath = "pipe:1";
-    RunExport(job, Ignore);
-    EXPECT_TRUE(fs::exists(Path("pipe:1")));
-    EXPECT_FALSE(Probe("pipe:1").video.empty());
-    EXPECT_THAT(MessageOf([] { Probe("http://127.0.0.1/clip.mp4"); }), HasSubstr("No such file or directory"));
-}
-
 // ------------------------------------------------------------------------------------- what comes out of it
-
-TEST_F(Media, ExportsH264AndAacToMp4) {
-    ClipSettings clip;
-    clip.aspectX = 4, clip.aspectY = 3;
-    const ExportJob job = JobFor(Clip(clip));
-    const ExportResult result = RunExport(job, Ignore);
-    EXPECT_EQ(result.videoFrames, 20);
-    EXPECT_NEAR(static_cast<double>(result.audioSamples), 0.8 * 48000, 1024);
-    EXPECT_NEAR(result.duration, 0.8, 0.04);
-    EXPECT_EQ(result.bytes, fs::file_size(job.outputPath));
-
-    const InputInfo info = Probe(job.outputPath);
-    EXPECT_THAT(info.container, HasSubstr("mp4"));
-    EXPECT_NEAR(info.duration, 0.8, 0.08);
-    EXPECT_EQ(Described(info), "0 h264 64x48 4:3 25/1 yuv420p; 1 aac 48000 2 stereo fltp;");
-}
 
 TEST_F(Media, StreamsBeginTogetherAndStayInStep) {
     const struct {
@@ -410,7 +354,7 @@ TEST_F(Media, StreamsBeginTogetherAndStayInStep) {
             EXPECT_NEAR(static_cast<double>(result.videoFrames) / 25, 0.8 + row.videoDelay, 0.041);
             const Content content = ReadContent(job.outputPath);
             EXPECT_NEAR(content.pictures.front().time, 0, 0.041);
-            EXPECT_NEAR(content.soundBegin, 0, 0.03);
+            EXPECT_NEAR(*content.soundBegin, 0, 0.03);
             // A container that cannot say that an encoder's first samples are to be skipped moves both streams.
             EXPECT_NEAR(content.PictureMark(), 0.4, 0.041);
             EXPECT_NEAR(content.SoundMark(), 0.4, 0.03);
@@ -535,7 +479,6 @@ TEST_F(Media, AStillPictureIsTheFirstFrame) {
         clip.pixelFormat = source;
         const std::string input = Clip(clip);
         for (const char* const row : table) {
-            if (source != std::string("yuv420p") && Words(row)[0][0] > 'j') continue;  // some will do
             SCOPED_TRACE(std::string(source) + " to " + row);
             ExportJob job = VideoJobFor(input, Words(row)[0], Words(row)[1]);
             job.outputPath = Path("still." + Words(row)[2]);
@@ -593,9 +536,9 @@ TEST_F(Media, ACoverStandsBesideTheWholeSound) {
 // --------------------------------------------------------------------------------- subtitles and copied streams
 
 TEST_F(MediaFailure, SubtitlesKeepTheirTimesAndWords) {
-    const std::string all = "100-500 One;400-700 Two;1000-1500 3\\Nfünf;20000-21000 late;";
-    const std::string oneAtATime = "100-400 One;400-700 Two;1000-1500 3\\Nfünf;20000-21000 late;";
-    const std::string moved = "121-521 One;421-721 Two;1021-1521 3\\Nfünf;20021-21021 late;";
+    const std::string end = "00.400-00.700 Two;01.000-01.500 3\\Nfünf;20.000-21.000 late;";
+    const std::string all = "00.100-00.500 One;" + end, oneAtATime = "00.100-00.400 One;" + end;
+    const std::string moved = "00.121-00.521 One;00.421-00.721 Two;01.021-01.521 3\\Nfünf;20.021-21.021 late;";
     ClipSettings clip;
     clip.muxer = "matroska";
     clip.startTime = 5;
@@ -654,7 +597,7 @@ TEST_F(MediaFailure, SubtitlesKeepTheirTimesAndWords) {
             EXPECT_THAT(FailureOf(job), HasSubstr(row.message));
         } else {
             RunExport(job, Ignore);
-            EXPECT_EQ(ReadContent(job.outputPath).titles, "1000-2000 Hi;3000-8000 Hello;");
+            EXPECT_EQ(ReadContent(job.outputPath).titles, "01.000-02.000 Hi;03.000-08.000 Hello;");
         }
     }
 }
@@ -739,28 +682,22 @@ TEST_F(MediaCopy, ATagIsKeptWhereTheContainerKnowsIt) {
 
 TEST_F(Media, ABetterQualityTakesMoreBytes) {
     const struct {
-        const char* muxer;
-        const char* video;  ///< null where it is the sound
-        const char* audio;
+        std::string codec, muxer;
         int better, worst;  ///< what lies past the worst is the same
     } table[] = {
-        {"mp4", "h264", nullptr, 10, 51}, {"mp4", "hevc", nullptr, 10, 51},         {"webm", "vp8", nullptr, 5, 51},
-        {"webm", "vp9", nullptr, 5, 51},  {"mpegts", "mpeg2video", nullptr, 2, 31}, {"avi", "mpeg4", nullptr, 2, 31},
-        {"avi", "mjpeg", nullptr, 2, 31}, {"flv", "flv1", nullptr, 2, 31},          {"asf", "wmv2", nullptr, 2, 31},
-        {"mp3", nullptr, "mp3", 1, 9},
-    };
+        {"h264", "mp4", 10, 51}, {"hevc", "mp4", 10, 51}, {"vp8", "webm", 5, 51},          {"vp9", "webm", 5, 51},
+        {"mpeg4", "avi", 2, 31}, {"mjpeg", "avi", 2, 31}, {"mpeg2video", "mpegts", 2, 31}, {"flv1", "flv", 2, 31},
+        {"wmv2", "asf", 2, 31},  {"mp3", "mp3", 1, 9}};
     const std::string input = Clip();
     for (const auto& row : table) {
-        SCOPED_TRACE(row.video != nullptr ? row.video : row.audio);
+        SCOPED_TRACE(row.codec);
         const auto bytes = [&](int quality) {
-            ExportJob job = row.video != nullptr ? VideoJobFor(input, row.video, row.muxer)
-                                                 : AudioJobFor(input, row.audio, row.muxer);
+            ExportJob job = row.codec == "mp3" ? AudioJobFor(input, row.codec, row.muxer)
+                                               : VideoJobFor(input, row.codec, row.muxer);
             // The bitrate must not count.
             for (VideoJob& v : job.video) v.rateControl = RateControl::Quality, v.quality = quality, v.bitrate = 1000;
             for (AudioJob& a : job.audio) a.rateControl = RateControl::Quality, a.quality = quality;
-            RunExport(job, Ignore);
-            const Content content = ReadContent(job.outputPath);
-            return static_cast<double>(content.videoBytes + content.audioBytes);
+            return static_cast<double>(RunExport(job, Ignore).bytes);
         };
         const double worst = bytes(row.worst);
         EXPECT_GT(bytes(row.better), 1.3 * worst);
@@ -786,8 +723,7 @@ TEST_F(Media, TheBitrateIsHeld) {
             ExportJob job = VideoJobFor(input, row.codec, row.muxer);
             job.video.at(0).twoPass = row.twoPass;
             job.video.at(0).bitrate = wanted;
-            RunExport(job, Ignore);
-            return static_cast<double>(ReadContent(job.outputPath).videoBytes) * 8 * 25 / 24;
+            return static_cast<double>(RunExport(job, Ignore).bytes) * 8 * 25 / 24;
         };
         // In so short a time an encoder may still spend what its buffer holds at the beginning.
         const double low = bitrate(250000);
@@ -836,9 +772,6 @@ TEST_F(Media, PassesAreMadeWhereTheEncoderCan) {
             EXPECT_GE(call.secondsDone, (call.pass - 1) * perPass - 0.001);
             EXPECT_LE(call.secondsDone, call.pass * perPass + 0.001);
         }
-        const InputInfo info = Probe(job.outputPath);
-        EXPECT_EQ(info.video.at(0).codecId, row.codec);
-        EXPECT_EQ(info.audio.at(0).codecId, "aac");
         EXPECT_EQ(ReadContent(job.outputPath).pictures.size(), 20u);
         fs::remove(job.outputPath);
         EXPECT_EQ(Files(), before) << "nothing is left of the passes";
@@ -847,101 +780,61 @@ TEST_F(Media, PassesAreMadeWhereTheEncoderCan) {
 
 // -------------------------------------------------------------------------------------------------- failures
 
-/// Changes a job by words: "video.codec=aac", "video.option=crf=fine", "audio.none".
-void Change(ExportJob& job, const std::string& word) {
-    const std::string name = word.substr(0, word.find('='));
-    const std::string value = name.size() < word.size() ? word.substr(name.size() + 1) : std::string();
-    const std::pair<std::string, std::string> option(value.substr(0, value.find('=')),
-                                                     value.substr(value.find('=') + 1));
-    VideoJob video = job.video.empty() ? VideoJob() : job.video[0];
-    AudioJob audio = job.audio.empty() ? AudioJob() : job.audio[0];
-    if (name == "muxer") job.muxer = value;
-    if (name == "input") job.inputPath = value;
-    if (name == "video.codec") video.codecId = value, video.options.clear();
-    if (name == "video.option") video.options = {option};
-    if (name == "video.stream") video.streamIndex = std::stoi(value);
-    if (name == "video.width") video.width = std::stoi(value);
-    if (name == "video.rate") video.frameRate = {std::stoi(value), 1};
-    if (name == "audio.codec") audio.codecId = value;
-    if (name == "audio.option") audio.options = {option};
-    if (name == "audio.stream") audio.streamIndex = std::stoi(value);
-    if (name == "audio.rate") audio.sampleRate = std::stoi(value);
-    if (name == "audio.format") audio.sampleFormat = value;
-    if (name == "audio.layout") audio.layout = value;
-    if (!job.video.empty()) job.video = {video};
-    if (!job.audio.empty()) job.audio = {audio};
-    if (name == "video.none") job.video.clear();
-    if (name == "audio.none") job.audio.clear();
-}
-
 TEST_F(MediaFailure, AJobThatDoesNotWorkOutIsToldPlainly) {
-    const struct {
-        const char* changes;
-        std::vector<std::string> parts;  ///< of the message
-    } table[] = {
-        {"video.option=no_such_option=1", {"'libx264'", "'no_such_option'"}},
-        {"audio.option=preset=fast", {"'aac'", "'preset'"}},
-        {"video.option=preset=leisurely", {"'libx264'", "preset=leisurely"}},
-        {"video.option=crf=fine", {"'libx264'", "'fine'", "'crf'"}},
-        {"video.codec=no_such_codec", {"video", "'no_such_codec'"}},
-        {"video.codec=aac", {"video", "'aac'"}},
-        {"video.codec=vc1", {"no encoder", "'vc1'"}},
-        {"muxer=no_such_muxer", {"'no_such_muxer'"}},
-        {"muxer=image2", {"'image2'", "one picture alone"}},
-        {"muxer=image2 audio.none", {"'image2'", "one picture alone"}},
-        {"muxer=hls", {"'hls'", "not written to a file"}},
-        {"muxer=flv video.codec=mpeg2video", {"'flv'", "'mpeg2video'"}},
-        {"video.stream=7", {"in.nut'", "video stream 7"}},
-        {"video.stream=1", {"in.nut'", "video stream 1"}},
-        {"audio.stream=-1", {"in.nut'", "audio stream -1"}},
-        {"audio.rate=12345", {"'aac'", "12345 Hz"}},
-        {"audio.format=s16", {"'aac'", "'s16'"}},
-        {"audio.format=s17", {"'s17'"}},
-        {"audio.layout=nowhere", {"'nowhere'"}},
-        {"audio.codec=mp3 audio.layout=5.1", {"'libmp3lame'", "'5.1'"}},
-        {"video.width=0", {"size"}},
-        {"video.rate=0", {"frame rate"}},
-        {"audio.rate=0", {"sample rate"}},
+    using J = ExportJob;
+    using V = VideoJob;
+    using A = AudioJob;
+    const std::pair<const char*, std::function<void(J&, V&, A&)>> table[] = {
+        {"'libx264'.*'no_such_option'",
+         [](J&, V& v, A&) {
+             v.options = {{"no_such_option", "1"}};
+         }},
+        {"'aac'.*'preset'",
+         [](J&, V&, A& a) {
+             a.options = {{"preset", "fast"}};
+         }},
+        {"'libx264'.*preset=leisurely",
+         [](J&, V& v, A&) {
+             v.options = {{"preset", "leisurely"}};
+         }},
+        {"'libx264'.*'fine'.*'crf'",
+         [](J&, V& v, A&) {
+             v.options = {{"crf", "fine"}};
+         }},
+        {"video.*'no_such_codec'", [](J&, V& v, A&) { v.codecId = "no_such_codec"; }},
+        {"video.*'aac'", [](J&, V& v, A&) { v.codecId = "aac"; }},
+        {"no encoder.*'vc1'", [](J&, V& v, A&) { v.codecId = "vc1"; }},
+        {"'no_such_muxer'", [](J& j, V&, A&) { j.muxer = "no_such_muxer"; }},
+        {"'image2'.*one picture alone", [](J& j, V&, A&) { j.muxer = "image2"; }},
+        {"'image2'.*one picture alone", [](J& j, V&, A&) { j.muxer = "image2", j.audio.clear(); }},
+        {"'hls'.*not written to a file", [](J& j, V&, A&) { j.muxer = "hls"; }},
+        {"'flv'.*'mpeg2video'", [](J& j, V& v, A&) { j.muxer = "flv", v.codecId = "mpeg2video", v.options.clear(); }},
+        {"in.nut'.*video stream 7", [](J&, V& v, A&) { v.streamIndex = 7; }},
+        {"in.nut'.*video stream 1", [](J&, V& v, A&) { v.streamIndex = 1; }},
+        {"in.nut'.*audio stream -1", [](J&, V&, A& a) { a.streamIndex = -1; }},
+        {"'aac'.*12345 Hz", [](J&, V&, A& a) { a.sampleRate = 12345; }},
+        {"'aac'.*'s16'", [](J&, V&, A& a) { a.sampleFormat = "s16"; }},
+        {"'s17'", [](J&, V&, A& a) { a.sampleFormat = "s17"; }},
+        {"'nowhere'", [](J&, V&, A& a) { a.layout = "nowhere"; }},
+        {"'libmp3lame'.*'5.1'", [](J&, V&, A& a) { a.codecId = "mp3", a.layout = "5.1"; }},
+        {"size", [](J&, V& v, A&) { v.width = 0; }},
+        {"frame rate",
+         [](J&, V& v, A&) {
+             v.frameRate = {0, 1};
+         }},
+        {"sample rate", [](J&, V&, A& a) { a.sampleRate = 0; }},
         // FFmpeg's encoder of AAC would write the profile's number over sound of another.
-        {"audio.option=profile=aac_he", {"'aac'", "does not code", "'aac_he'"}},
-        {"video.none audio.none", {"no stream"}},
-        {"input=in.nut.gone", {"in.nut.gone'", "No such file or directory"}},
+        {"'aac'.*does not code.*'aac_he'", [](J&, V&, A& a) { a.options = {{"profile", "aac_he"}}; }},
+        {"no stream", [](J& j, V&, A&) { j.video.clear(), j.audio.clear(); }},
+        {"in.nut.gone'.*No such file or directory", [](J& j, V&, A&) { j.inputPath += ".gone"; }},
     };
     const std::string input = Clip();
-    for (const auto& row : table) {
-        SCOPED_TRACE(row.changes);
+    for (const auto& [message, change] : table) {
+        SCOPED_TRACE(message);
         ExportJob job = JobFor(input);
-        for (const std::string& word : Words(row.changes)) Change(job, word);
-        const std::string message = FailureOf(job);
-        for (const std::string& part : row.parts) EXPECT_THAT(message, HasSubstr(part));
+        change(job, job.video.at(0), job.audio.at(0));
+        EXPECT_THAT(FailureOf(job), testing::ContainsRegex(message));
     }
-}
-
-TEST_F(MediaFailure, OutputsThatCannotBeWritten) {
-    const std::string input = Clip();
-    fs::create_directory(Path("folder"));
-    ASSERT_EQ(mkfifo(Path("fifo").c_str(), 0600), 0);
-    const struct {
-        std::string output;
-        const char* reason;
-    } table[] = {
-        {Path("no/such/folder.mp4"), "there is no folder"},
-        {Path("folder"), "Is a directory"},
-        {Path("fifo"), "not a regular file"},
-        {input, "it is the input"},
-    };
-    const std::set<std::string> before = Files();
-    const std::string inputBytes = ReadFile(input);
-    for (const auto& row : table) {
-        SCOPED_TRACE(row.output);
-        ExportJob job = JobFor(input);
-        job.outputPath = row.output;
-        EXPECT_THAT(MessageOf([&] { RunExport(job, Ignore); }),
-                    AllOf(HasSubstr("'" + row.output + "'"), HasSubstr(row.reason)));
-        EXPECT_EQ(Files(), before);
-    }
-    EXPECT_EQ(ReadFile(input), inputBytes);
-    EXPECT_TRUE(fs::is_fifo(Path("fifo")));
 }
 
 /// Lets no file of this process grow past `bytes`, as a full disk would.
@@ -986,44 +879,30 @@ TEST_F(MediaFailure, AFullDiskIsReported) {
 
 struct Cancelled {};
 
-TEST_F(Media, WhatTheCallbackThrowsEndsTheExport) {
-    const struct {
-        const char* name;
-        bool twoPass;
-        bool (*isMoment)(const Progress&);
-    } table[] = {
-        {"at once", false, [](const Progress&) { return true; }},
-        {"when all is done", false, [](const Progress& p) { return p.secondsDone >= p.secondsTotal; }},
-        {"in the first of two passes", true, [](const Progress&) { return true; }},
-        {"after two passes", true, [](const Progress& p) { return p.secondsDone >= p.secondsTotal; }},
-    };
-    for (const auto& row : table) {
-        SCOPED_TRACE(row.name);
-        ExportJob job = JobFor(Clip());
-        job.video.at(0).twoPass = row.twoPass;
-        WriteFile(job.outputPath, "what was there before");
-        const std::set<std::string> before = Files();
-        const auto cancel = [&](const Progress& progress) {
-            if (row.isMoment(progress)) throw Cancelled();
-        };
-        EXPECT_THROW(RunExport(job, cancel), Cancelled);
-        EXPECT_EQ(Files(), before);
-        EXPECT_EQ(ReadFile(job.outputPath), "what was there before");
+TEST_F(Media, TheOldOutputStandsWhileItRunsAndWhereTheCallbackThrows) {
+    for (const bool twoPass : {false, true}) {
+        for (const double end : {0.0, 1.0, 2.0}) {  // at once, when all is done, and not at all
+            SCOPED_TRACE(end + (twoPass ? 10 : 0));
+            ExportJob job = JobFor(Clip());
+            job.video.at(0).twoPass = twoPass;
+            WriteFile(job.outputPath, "what was there before");
+            const std::set<std::string> before = Files();
+            std::size_t during = 0;
+            const auto cancel = [&](const Progress& progress) {
+                EXPECT_EQ(ReadFile(job.outputPath), "what was there before");
+                during = Files().size();
+                if (progress.secondsDone >= end * progress.secondsTotal) throw Cancelled();
+            };
+            if (end < 2) {
+                EXPECT_THROW(RunExport(job, cancel), Cancelled);
+            } else {
+                RunExport(job, cancel);
+            }
+            EXPECT_TRUE(twoPass || during == before.size() + 1);  // the new one beside it
+            EXPECT_EQ(Files(), before);
+            EXPECT_EQ(ReadFile(job.outputPath) == "what was there before", end < 2);
+        }
     }
-}
-
-TEST_F(Media, WhileItRunsTheOldOutputStandsAndTheNewOneIsBesideIt) {
-    ExportJob job = JobFor(Clip());
-    WriteFile(job.outputPath, "what was there before");
-    const std::set<std::string> before = Files();
-    std::set<std::string> during;
-    RunExport(job, [&](const Progress&) {
-        EXPECT_EQ(ReadFile(job.outputPath), "what was there before");
-        during = Files();
-    });
-    EXPECT_EQ(during.size(), before.size() + 1);
-    EXPECT_EQ(Files(), before);
-    EXPECT_FALSE(Probe(job.outputPath).video.empty());
 }
 
 // ------------------------------------------------------------------------------------ inputs that are not well
@@ -1042,38 +921,21 @@ void DamagePictures(const std::string& path, const std::function<bool(int)>& isH
     WriteFile(path, bytes);
 }
 
-class DamagedMedia : public MediaFailure {
-protected:
-    /// A file of Motion JPEG, and the job to export it before anything happened to it.
-    ExportJob JobForJpegs() {
-        ExportJob toJpegs = VideoJobFor(Clip(), "mjpeg", "matroska");
-        toJpegs.outputPath = Path("jpegs.mkv");
-        RunExport(toJpegs, Ignore);
-        return VideoJobFor(toJpegs.outputPath, "h264", "mp4");
-    }
-};
-
-TEST_F(DamagedMedia, SingleDamagedPacketsArePassedOver) {
-    const ExportJob job = JobForJpegs();
+TEST_F(MediaFailure, DamagedPacketsArePassedOverAndACutFileGoesAsFarAsItGoes) {
+    ExportJob toJpegs = VideoJobFor(Clip(), "mjpeg", "matroska");
+    toJpegs.outputPath = Path("jpegs.mkv");
+    RunExport(toJpegs, Ignore);
+    const ExportJob job = VideoJobFor(toJpegs.outputPath, "h264", "mp4");
+    fs::copy_file(job.inputPath, Path("whole"));
     DamagePictures(job.inputPath, [](int number) { return number % 5 == 2; });
-    const ExportResult result = RunExport(job, Ignore);
-    EXPECT_EQ(result.videoFrames, 20);
+    EXPECT_EQ(RunExport(job, Ignore).videoFrames, 20);
     EXPECT_NEAR(ReadContent(job.outputPath).PictureMark(), 0.4, 0.041);
-}
-
-TEST_F(DamagedMedia, NothingToDecodeIsAFailure) {
-    const ExportJob job = JobForJpegs();
+    fs::copy_file(Path("whole"), job.inputPath, fs::copy_options::overwrite_existing);
     DamagePictures(job.inputPath, [](int) { return true; });
-    EXPECT_THAT(FailureOf(job), AllOf(HasSubstr("video"), HasSubstr("jpegs.mkv'"), HasSubstr("could be decoded"),
-                                      HasSubstr("Invalid data")));
-}
-
-TEST_F(DamagedMedia, ACutFileIsExportedAsFarAsItGoes) {
-    const ExportJob job = JobForJpegs();
+    EXPECT_THAT(FailureOf(job), testing::ContainsRegex("video.*jpegs.mkv'.*could be decoded.*Invalid data"));
+    fs::rename(Path("whole"), job.inputPath);
     fs::resize_file(job.inputPath, fs::file_size(job.inputPath) / 2);
-    const ExportResult result = RunExport(job, Ignore);
-    EXPECT_GT(result.videoFrames, 4);
-    EXPECT_LT(result.videoFrames, 16);
+    EXPECT_NEAR(static_cast<double>(RunExport(job, Ignore).videoFrames), 10, 5);
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <fstream>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "Media.h"
@@ -43,51 +41,14 @@ TEST_F(ProgramTest, ExportsWhatWasAskedFor) {
     EXPECT_EQ(FileCount(), 2U) << "something was left beside the output";
 }
 
-TEST_F(ProgramTest, MakesAGifOfASlowFilm) {
-    NorvexTest::ClipSettings slow;
-    slow.frames = 4, slow.frameRate = 2;
-    NorvexTest::MakeClip(File("slow.nut"), slow);
-    for (const auto& [option, rate] : {std::pair("", 2), std::pair(" --fps 3", 8)}) {
-        const Outcome outcome = Run(std::string("slow.nut slow.gif") + option);
-        ASSERT_EQ(outcome.status, 0) << outcome.text;
-        EXPECT_EQ(NorvexExport::Probe(File("slow.gif")).video.at(0).frameRate.numerator, rate);
-    }
-}
-
-TEST_F(ProgramTest, KnowsTheCodecsOfToday) {
-    Clip();
-    const struct {
-        const char *output, *options, *video, *audio;
-    } cases[] = {
-        {"out.webm", "--audio opus", "vp8 yuv420p", "opus"},
-        {"out.opus", "", "", "opus"},
-        {"out.mkv", "--video ffv1 --audio flac", "ffv1 yuv420p", "flac"},
-        {"out.jxl", "", "jpegxl rgb24", ""},
-        {"out.webp", "--quality 40", "webp yuv420p", ""},
-        {"out.mov", "--video dnxhd --profile dnxhd", "dnxhd yuv422p", "aac"},
-        {"out.mxf", "--video dnxhd --profile dnxhr_hqx", "dnxhd yuv422p10le", "pcm_s16le"},
-        {"out.mov", "--video cfhd --quality 1 --audio pcm_f32le", "cfhd yuv422p10le", "pcm_f32le"},
-        {"out.exr", "--codec-format float", "exr gbrpf32le", ""},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.output + std::string(" ") + c.options);
-        const Outcome outcome = Run(std::string("in.mkv ") + c.output + " --quiet " + c.options);
-        EXPECT_EQ(outcome.text, "");
-        const auto info = NorvexExport::Probe(File(c.output));
-        EXPECT_EQ(info.video.empty() ? "" : info.video[0].codecId + ' ' + info.video[0].pixelFormat, c.video);
-        EXPECT_EQ(info.audio.empty() ? "" : info.audio[0].codecId, c.audio);
-    }
-    EXPECT_THAT(Run("in.mkv out.webm --audio opus --classic --quiet").text,
-                HasSubstr("does not carry the codec 'opus'"));
-    EXPECT_THAT(Run("in.mkv out.opus --classic --quiet").text, HasSubstr("there is no format 'opus'"));
-    EXPECT_THAT(Run("in.mkv out.thd --classic --quiet").text, HasSubstr("there is no format 'thd'"));
-}
-
 TEST_F(ProgramTest, DryRunWritesNothing) {
     Clip();
-    const Outcome outcome = Run("in.mkv out.mp4 --dry-run --json");
+    const Outcome outcome = Run("in.mkv out.mp4 --dry-run --json --audio-bitrate 100000");
     ASSERT_EQ(outcome.status, 0) << outcome.text;
-    EXPECT_EQ(nlohmann::json::parse(outcome.text)["streams"].size(), 2U);
+    const auto plan = nlohmann::json::parse(outcome.text);
+    EXPECT_EQ(plan["streams"][1]["changes"][1]["to"], 96000);
+    EXPECT_EQ(plan["streams"][0]["settled"]["encode_options"]["use_hw_context"], true);
+    EXPECT_FALSE(plan.contains("result"));
     EXPECT_THAT(Run("in.mkv out.mp4 --dry-run").text, HasSubstr("Nothing was encoded"));
     EXPECT_EQ(FileCount(), 1U);
 }
@@ -135,14 +96,9 @@ TEST_F(ProgramTest, StartsFromAPresetThatItSavedAndExplainsItself) {
     Clip();
     EXPECT_THAT(Run("in.mkv out.avi --audio mp3 --size 160x120 --save-preset my.json --dry-run").text,
                 HasSubstr("Saved the preset to my.json.\n"));
-    ASSERT_EQ(Run("in.mkv out.avi --preset my.json --save-preset again.json --dry-run --quiet").status, 0);
-    EXPECT_EQ(Read("again.json"), Read("my.json"));
-    const Outcome outcome = Run("in.mkv out.avi --preset my.json --dry-run --explain");
+    EXPECT_THAT(Run("in.mkv out.avi --preset my.json --dry-run --explain").text,
+                HasSubstr("filter_resize/resize/width"));
     EXPECT_THAT(Run("in.mkv out.mp4 --audio-bitrate 100000 --dry-run --verbose").text, HasSubstr("100000   96000"));
-    EXPECT_THAT(outcome.text, HasSubstr("filter_resize/resize/width"));
-    EXPECT_EQ(Run("in.mkv out.mkv --preset none.json").text,
-              "norvex-export: there is no preset and no file 'none.json'\n");
-    EXPECT_EQ(Run("in.mkv out.mkv --preset .").text, "norvex-export: cannot read '.'\n");
 }
 
 TEST_F(ProgramTest, PresetsHaveNamesOfWhichTheUsersOwnComeFirst) {
@@ -159,31 +115,31 @@ TEST_F(ProgramTest, PresetsHaveNamesOfWhichTheUsersOwnComeFirst) {
     EXPECT_THAT(Run("in.mkv out.webp --preset gif --dry-run").text,
                 HasSubstr("The preset makes the output GIF (.gif)"));
     EXPECT_THAT(Run("in.mkv out.gif --preset ./gif").text, HasSubstr("cannot read './gif'"));
-    EXPECT_EQ(Run("in.mkv out.mp4 --preset web-1080").text,
-              "norvex-export: there is no preset and no file 'web-1080'; did you mean 'web-1080p'?\n");
 }
 
 TEST_F(ProgramTest, AFailureIsOnePlainLineAndLeavesTheOldOutput) {
     Clip();
-    std::ofstream(File("garbage.mkv")) << "this is no film";
-    std::ofstream(File("out.mp4")) << "old";
+    Write("garbage.mkv", "this is no film");
+    Write("out.mp4", "old");
     std::filesystem::create_hard_link(File("in.mkv"), File("hard"));
     std::filesystem::create_symlink("new.avi", File("link"));  // which is not there yet
     std::filesystem::create_symlink(".", File("here"));
-    std::ofstream(File("my.json")) << R"({"norvex-preset": 1, "preset": {}})";
+    Write("my.json", R"({"norvex-preset": 1, "preset": {}})");
     const std::string clip = Read("in.mkv");
-    struct Case {
-        const char* arguments;
-        int status;
-        const char* words;
-    };
-    const Case cases[] = {
+    const std::tuple<std::string, int, const char*> cases[] = {
         {"missing.mkv out.mp4", 1, "missing.mkv"},
         {"garbage.mkv out.mp4", 1, "garbage.mkv"},
         {". out.mp4", 1, "'.'"},
         {"in.mkv out.mp4 --no-video --no-audio", 1, "has no stream"},
+        {"in.mkv out.webm --audio opus --classic", 1, "does not carry the codec 'opus'"},
+        {"in.mkv out.opus --classic", 1, "there is no format 'opus'"},
+        {"in.mkv out.mp4 --preset none.json", 1, "there is no preset and no file 'none.json'\n"},
+        {"in.mkv out.mp4 --preset .", 1, "cannot read '.'\n"},
+        {"in.mkv out.mp4 --preset web-1080", 1, "and no file 'web-1080'; did you mean 'web-1080p'?\n"},
         {"in.mkv out.mp4 --size 161x120", 1, "--size: '161' is not legal here"},
         {"in.mkv nowhere/out.mp4", 1, "cannot write 'nowhere/out.mp4': there is no folder 'nowhere'"},
+        {"in.mkv here --format mp4", 1, "cannot write 'here': Is a directory"},
+        {"in.mkv /dev/null --format mp4", 1, "cannot write '/dev/null': it is not a regular file"},
         {"in.mkv here/in.mkv --dry-run", 1, "cannot write 'here/in.mkv': it is the input"},
         {"in.mkv out.mp4 --save-preset hard", 1, "cannot write 'hard': it is the input"},
         {"in.mkv new.avi --save-preset link", 1, "cannot write 'link': it is the output"},
@@ -201,17 +157,13 @@ TEST_F(ProgramTest, AFailureIsOnePlainLineAndLeavesTheOldOutput) {
         {"in.mkv out.mp4 --quality 52", 2, "--quality: '52' is not a whole number from 1 to 51"},
         {"in.mkv out.mp4 --quality 20 --video-bitrate 100000", 2, "excludes"},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.arguments);
-        const Outcome outcome = Run(std::string(c.arguments) + (c.status == 1 ? " --quiet" : ""));
-        EXPECT_EQ(outcome.status, c.status) << outcome.text;
-        EXPECT_THAT(outcome.text, AllOf(StartsWith("norvex-export: "), HasSubstr(c.words)));
-        if (c.status == 1) {
-            EXPECT_EQ(std::count(outcome.text.begin(), outcome.text.end(), '\n'), 1) << outcome.text;
-        }
-        std::string kept;
-        std::ifstream(File("out.mp4")) >> kept;
-        EXPECT_EQ(kept, "old");
+    for (const auto& [arguments, status, words] : cases) {
+        SCOPED_TRACE(arguments);
+        const Outcome outcome = Run(arguments + (status == 1 ? " --quiet" : ""));
+        EXPECT_EQ(outcome.status, status) << outcome.text;
+        EXPECT_THAT(outcome.text, AllOf(StartsWith("norvex-export: "), HasSubstr(words)));
+        EXPECT_TRUE(status == 2 || std::count(outcome.text.begin(), outcome.text.end(), '\n') == 1) << outcome.text;
+        EXPECT_EQ(Read("out.mp4"), "old");
         EXPECT_EQ(FileCount(), 7U);
     }
     EXPECT_EQ(Read("in.mkv"), clip);

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <nlohmann/json.hpp>
 #include <regex>
 
 #include "support/MadeClip.h"
@@ -40,21 +39,14 @@ std::size_t CountOf(const std::string& text, const std::string& part) {
 }
 
 TEST_F(RulesProgramTest, TellsEverythingAndTheSameEachTime) {
-    const struct {
-        const char *option, *containers, *video, *audio;
-        std::size_t helpers;
-    } sets[] = {{"", "(76)", "(46)", "(36)", 76 + 46 + 36}, {" --classic", "(64)", "(36)", "(26)", 64 + 36 + 26}};
-    for (const auto& set : sets) {
-        const std::string list = Say(std::string("list") + set.option);
-        EXPECT_THAT(list, AllOf(HasSubstr(std::string("Containers ") + set.containers),
-                                HasSubstr(std::string("\nVideo codecs ") + set.video),
-                                HasSubstr(std::string("\nAudio codecs ") + set.audio),
-                                HasSubstr("\nSubtitle codecs (14)\n"), HasSubstr("\nFilters (5)\n")));
-        EXPECT_EQ(CountOf(list, "\n"), set.helpers + 14 + 5 + 5 + 4);
-    }
-    const json book = json::parse(Say("json"));
     const std::string list = Say("list"), matrix = Say("matrix");
-    EXPECT_EQ(book["formats"].size() + book["videoCodecs"].size() + book["audioCodecs"].size(), sets[0].helpers);
+    EXPECT_THAT(list, AllOf(HasSubstr("Containers (76)\n"), HasSubstr("\nVideo codecs (46)\n"),
+                            HasSubstr("\nAudio codecs (36)\n"), HasSubstr("\nSubtitle codecs (14)\n"),
+                            HasSubstr("\nFilters (5)\n")));
+    EXPECT_EQ(CountOf(list, "\n"), 76U + 46 + 36 + 14 + 5 + 5 + 4);
+    EXPECT_EQ(CountOf(Say("list --classic"), "\n"), 64U + 36 + 26 + 14 + 5 + 5 + 4);
+    const json book = json::parse(Say("json"));
+    EXPECT_EQ(book["formats"].size() + book["videoCodecs"].size() + book["audioCodecs"].size(), 76U + 46 + 36);
     std::size_t defaults = 0, rows = 0;
     for (const json& format : book["formats"]) {
         EXPECT_THAT(list, HasSubstr("\n  " + format["id"].get<std::string>() + ' '));
@@ -122,57 +114,39 @@ TEST_F(RulesProgramTest, PutsTheWholeBookIntoOnePage) {
 }
 
 TEST_F(RulesProgramTest, ChecksAndMendsPresets) {
-    const std::string resample =
-        "\"filter_resample\": {\"sample_format\": \"s16\", \"resample\": "
-        "{\"sample_rate\": 48000, \"channel_layout\": \"stereo\"}}, ";
-    const auto aac = [](const std::string& values) {
-        return "\"audio_codec\": {\"codec_id\": \"aac\", " + values + "}";
-    };
+    const std::string aac = R"("audio_codec":{"bitrate":96000,"bitrate_mode":"cbr_auto","codec_id":"aac"})";
     const struct {
-        std::string sections;
-        int status;
-        std::vector<std::string> broken, mended;
+        std::string sections, broken, mended;
         std::size_t open;
     } cases[] = {
-        {"", 0, {}, {}, 0},
-        {aac("\"bitrate_mode\": \"cbr_auto\", \"bitrate\": 96000"), 0, {}, {}, 3},
-        {resample + aac("\"bitrate\": 100000"),
-         1,
-         {"Parameter audio_codec/bitrate is 100000 but must be one of 32000, ",
-          "Parameter filter_resample/sample_format is s16 but must be fltp"},
-         {"/preset/audio_codec/bitrate", "96000", "/preset/filter_resample/sample_format", "\"fltp\""},
-         0},
-        {"\"filter_resize\": {\"resize\": {\"width\": 641, \"height\": 16}}",
-         1,
-         {"Parameter filter_resize/resize/height is 16 but must be from 32 to 4320",
-          "Parameter filter_resize/resize/width is 641 but must be even"},
-         {"/preset/filter_resize/resize/height", "32", "/preset/filter_resize/resize/width", "640"},
-         0},
-        {aac("\"bitrate\": {\"$bytes\": \"ff\"}"),
-         1,
-         {"Parameter audio_codec/bitrate is \xEF\xBF\xBD, which is no value"},
-         {"/preset/audio_codec/bitrate", "256000"},
-         3},
-        {"\"video_codec\": {\"codec_id\": \"mpeg4\", \"encode_options\": {\"tune\": \"film\"}}",
-         1,
-         {"Parameter video_codec/encode_options/tune has no place: mpeg4 has none such"},
-         {"/preset/video_codec/encode_options", "{\"profile\": \"simple\"}"},
+        {"", "", "", 0},
+        {aac, "", aac, 3},
+        {R"("filter_resize": {"resize": {"width": 641, "height": 16}})",
+         "Parameter filter_resize/resize/height is 16 but must be from 32 to 4320\n"
+         "Parameter filter_resize/resize/width is 641 but must be even\n",
+         R"("filter_resize":{"resize":{"height":32,"width":640}})", 0},
+        {R"("audio_codec": {"codec_id": "aac", "bitrate": {"$bytes": "ff"}})",
+         "Parameter audio_codec/bitrate is \xEF\xBF\xBD, which is no value.*\n",
+         R"("audio_codec":{"bitrate":256000,"codec_id":"aac"})", 3},
+        {R"("video_codec": {"codec_id": "mpeg4", "encode_options": {"tune": "film"}})",
+         "Parameter video_codec/encode_options/tune has no place: mpeg4 has none such\n",
+         R"("video_codec":{"bitrate":2000000,"bitrate_mode":"cbr","codec_id":"mpeg4",)"
+         R"("encode_options":{"profile":"simple"},"global_header":true,"quality":12})",
          0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.sections);
         const Outcome outcome = Check(c.sections, "--json");
         const json judgement = json::parse(outcome.text);
-        EXPECT_EQ(outcome.status, c.status);
+        std::string broken;
+        for (const json& finding : judgement["broken"]) broken += finding["message"].get<std::string>() + '\n';
+        EXPECT_THAT(broken, testing::MatchesRegex(c.broken));
+        EXPECT_EQ(judgement["mended"]["preset"].dump(), '{' + c.mended + '}');
         EXPECT_EQ(judgement["open"].size(), c.open);
         EXPECT_TRUE(judgement["left"].empty());
-        EXPECT_EQ(judgement["broken"].size(), c.broken.size());
-        for (const std::string& words : c.broken) EXPECT_THAT(judgement["broken"].dump(), HasSubstr(words));
-        for (std::size_t i = 0; i < c.mended.size(); i += 2) {
-            EXPECT_EQ(judgement["mended"][json::json_pointer(c.mended[i])], json::parse(c.mended[i + 1]));
-        }
+        EXPECT_EQ(outcome.status, broken.empty() ? 0 : 1);
         EXPECT_THAT(Check(c.sections).text,
-                    HasSubstr(c.status == 0 ? "The preset keeps every rule.\n" : "Broken:\n  - "));
+                    HasSubstr(broken.empty() ? "The preset keeps every rule.\n" : "Broken:\n  - "));
         Write("mended.json", judgement["mended"].dump());
         EXPECT_EQ(Run("check mended.json").status, 0);
     }

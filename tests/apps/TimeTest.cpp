@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include <nlohmann/json.hpp>
-
 #include "support/ProgramFixture.h"
 
 namespace {
@@ -18,15 +16,7 @@ class TimeTest : public NorvexTest::ProgramFixture {
 protected:
     TimeTest() : ProgramFixture(NORVEX_EXPORT) {}
 
-    void Make(const std::string& arguments) const {
-        const Outcome outcome = RunOther("ffmpeg", "-nostdin -v error -y " + arguments);
-        ASSERT_EQ(outcome.status, 0) << outcome.text;
-    }
-
-    json StreamsOf(const std::string& name) const {
-        const Outcome probe = RunOther("ffprobe", "-v error -count_packets -show_streams -of json " + name);
-        return json::parse(probe.text, nullptr, false).value("streams", json::array());
-    }
+    json StreamsOf(const std::string& name) const { return Probed("-count_packets -show_streams", name)["streams"]; }
 
     /// The transport stream with one bit turned in the stamp of the packet in the middle of those of `pid`.
     std::string WithDamage(std::string stream, unsigned pid, std::size_t byte, unsigned bit) const {

@@ -1,23 +1,16 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <string>
 
+#include "support/Files.h"
 #include "support/TemporaryFolder.h"
 
 namespace NorvexTest {
-
-struct Outcome {
-    int status;
-    std::string text;  ///< standard output and standard error
-};
 
 /// Runs a program in a folder of the test's own.
 class ProgramFixture : public testing::Test {
@@ -25,34 +18,34 @@ protected:
     explicit ProgramFixture(const char* program) : m_program(program) {}
 
     std::string File(const std::string& name) const { return m_folder.File(name); }
-    void Write(const std::string& name, const std::string& text) const {
-        std::ofstream(File(name), std::ios::binary) << text;
-    }
-    std::string Read(const std::string& name) const {
-        std::ifstream file(File(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    }
+    void Write(const std::string& name, const std::string& text) const { WriteFile(File(name), text); }
+    std::string Read(const std::string& name) const { return ReadFile(File(name)); }
     std::size_t FileCount() const {
         namespace fs = std::filesystem;
         return static_cast<std::size_t>(
             std::distance(fs::directory_iterator(m_folder.Path()), fs::directory_iterator()));
     }
 
-    /// `before` is what the shell runs the program by, such as variables.
+    /// What it prints and complains of. `before` is what the shell runs the program by, such as variables.
     Outcome Run(const std::string& arguments, const std::string& before = {}) const {
         return RunOther(m_program, arguments, before);
     }
     Outcome RunOther(const std::string& program, const std::string& arguments, const std::string& before = {}) const {
-        const std::string command =
-            "cd '" + m_folder.Path().string() + "' && " + before + " '" + program + "' " + arguments + " 2>&1";
-        std::FILE* const pipe = popen(command.c_str(), "r");
-        Outcome outcome{};
-        std::array<char, 4096> part{};
-        for (std::size_t size; (size = std::fread(part.data(), 1, part.size(), pipe)) > 0;) {
-            outcome.text.append(part.data(), size);
-        }
-        outcome.status = WEXITSTATUS(pclose(pipe));
-        return outcome;
+        return RunCommand("cd '" + m_folder.Path().string() + "' && " + before + " '" + program + "' " + arguments +
+                          " 2>&1");
+    }
+
+    /// Makes files by the ffmpeg command.
+    void Make(const std::string& arguments) const {
+        const Outcome outcome = RunOther("ffmpeg", "-nostdin -v error -y " + arguments);
+        ASSERT_EQ(outcome.status, 0) << outcome.text;
+    }
+    /// What ffprobe tells of a file.
+    nlohmann::json Probed(const std::string& what, const std::string& name) const {
+        const Outcome probe = RunOther("ffprobe", "-v error -of json " + what + ' ' + name);
+        EXPECT_EQ(probe.status, 0) << probe.text;
+        const auto told = nlohmann::json::parse(probe.text, nullptr, false);
+        return told.is_object() ? told : nlohmann::json{{"streams", nlohmann::json::array()}};
     }
 
 private:
