@@ -33,7 +33,7 @@ SP<const IDataHelper> MakePlain() {
 }
 
 /// The words of the failure, or nothing.
-std::string FailureOf(const std::function<void()>& work) {
+std::string RefusalOf(const std::function<void()>& work) {
     try {
         work();
         return {};
@@ -44,7 +44,7 @@ std::string FailureOf(const std::function<void()>& work) {
 }
 
 std::string Register(const std::string& kind, const std::string& id, const DataHelperMaker& make = MakePlain) {
-    return FailureOf([&] { RegisterDataHelper(kind, id, make); });
+    return RefusalOf([&] { RegisterDataHelper(kind, id, make); });
 }
 
 void Ask(const std::string& kind) {
@@ -191,7 +191,7 @@ TEST(Registration, AFailedBuildLeavesTheNextOneToSucceed) {
     for (const char* const kind : {"audio_codec", "format"}) {
         attempt = 0;
         for (const char* const words : {g_within, g_within, g_null}) {
-            EXPECT_EQ(FailureOf([kind] { Ask(kind); }), words) << kind << ' ' << attempt;
+            EXPECT_EQ(RefusalOf([kind] { Ask(kind); }), words) << kind << ' ' << attempt;
         }
         EXPECT_THROW(Ask(kind), std::runtime_error);
         EXPECT_EQ(CreateDataHelper(kind, "host")->GetDefaults().GetName(), "host");
@@ -202,17 +202,17 @@ TEST(Registration, AFailedBuildLeavesTheNextOneToSucceed) {
 TEST(Registration, TheSecondSetLeavesTheHostsOwnAndMayComeTwice) {
     ASSERT_EQ(Register("audio_codec", "opus"), "");
     ASSERT_EQ(Register("format", "ogg"), "");
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(FailureOf(RegisterModernHelpers), "");
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(RefusalOf(RegisterModernHelpers), "");
     EXPECT_EQ(GetAvailableDataHelpers("audio_codec").size(), 36U);
     for (const auto& [kind, id] : {std::pair("audio_codec", "opus"), std::pair("format", "ogg")}) {
         EXPECT_EQ(CreateDataHelper(kind, id)->GetDefaults().GetName(), "host");
     }
-    EXPECT_EQ(FailureOf(RegisterModernHelpers), "");
+    EXPECT_EQ(RefusalOf(RegisterModernHelpers), "");
 }
 
 TEST(Registration, TheSecondSetIsTooLateAsAWhole) {
     Ask("audio_codec");
-    EXPECT_EQ(FailureOf(RegisterModernHelpers), g_tooLate);
+    EXPECT_EQ(RefusalOf(RegisterModernHelpers), g_tooLate);
     EXPECT_EQ(GetAvailableDataHelpers("format").size(), 64U);
 }
 

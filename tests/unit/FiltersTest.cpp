@@ -32,20 +32,23 @@ TEST(Resample, AppliesWhatIsNotLeftToTheSource) {
 }
 
 TEST(Filters, NeedTheChildrenThatTheyWrite) {
-    const auto missing = [](const SP<IDataHelper>& helper, const Property& preset, Property stream) {
-        return TagOf<TagDetails>(
-            CatchFrom<Core::PropertyException>([&] { helper->ApplyPresetSettings(preset, stream); }));
-    };
     const Property empty(std::string("s"));
-    const auto resample = DataHelperAudioResample::Create();
-    EXPECT_EQ(missing(resample, empty, empty), "resample");
-    EXPECT_EQ(missing(resample, ResamplePreset(8000, "unknown"), empty), A::TAG_SAMPLE_RATE);
-    EXPECT_EQ(missing(resample, ResamplePreset(-1, "mono"), empty), A::TAG_LAYOUT);
-    const auto frameRate = DataHelperVideoResample::Create();
-    EXPECT_EQ(missing(frameRate, empty, empty), V::TAG_FPS);
-    EXPECT_EQ(missing(frameRate, frameRate->GetDefaults(), empty), V::TAG_FPS);
-    EXPECT_EQ(missing(DataHelperVideoResize::Create(), DataHelperVideoResize::Create()->GetDefaults(), empty),
-              V::TAG_WIDTH);
+    const auto resample = DataHelperAudioResample::Create(), rate = DataHelperVideoResample::Create(),
+               resize = DataHelperVideoResize::Create();
+    const std::tuple<SP<IDataHelper>, Property, std::string> cases[] = {
+        {resample, empty, "resample"},
+        {resample, ResamplePreset(8000, "unknown"), A::TAG_SAMPLE_RATE},
+        {resample, ResamplePreset(-1, "mono"), A::TAG_LAYOUT},
+        {rate, empty, V::TAG_FPS},
+        {rate, rate->GetDefaults(), V::TAG_FPS},
+        {resize, resize->GetDefaults(), V::TAG_WIDTH},
+    };
+    for (const auto& [helper, preset, missing] : cases) {
+        EXPECT_THAT(FailureOf<Core::PropertyException>([&helper = helper, &preset = preset, stream = empty]() mutable {
+                        helper->ApplyPresetSettings(preset, stream);
+                    }),
+                    testing::StartsWith("There is no such child, details " + missing + ", node "));
+    }
 }
 
 TEST(FrameRate, OffersExactRatiosAndKeepsTheSourcesOnRequest) {
@@ -153,23 +156,20 @@ TEST(Resizer, SettingsSurviveTheirTree) {
 TEST(Resizer, RefusesSettingsThatNameNothing) {
     Property tree = Proc::IFilterResize::Settings2Property({});
     tree["resize/method"] = "magic";
-    EXPECT_EQ(
-        TagOf<TagDetails>(CatchFrom<Proc::SettingsException>([&] { Proc::IFilterResize::Property2Settings(tree); })),
-        "magic");
+    EXPECT_EQ(FailureOf<Proc::SettingsException>([&] { Proc::IFilterResize::Property2Settings(tree); }),
+              "Unknown value of method, details magic");
     for (const int number : {-1, 6}) {
         SettingsResizer settings;
         settings.mode = static_cast<SettingsResizer::CustomModes>(number);
-        EXPECT_EQ(TagOf<TagDetails>(
-                      CatchFrom<Proc::SettingsException>([&] { Proc::IFilterResize::Settings2Property(settings); })),
-                  std::to_string(number));
+        EXPECT_EQ(FailureOf<Proc::SettingsException>([&] { Proc::IFilterResize::Settings2Property(settings); }),
+                  "Unknown value of mode, details " + std::to_string(number));
     }
     const Property whole = Proc::IFilterResize::Settings2Property({});
     for (const Property& child : whole["resize"]) {
         Property broken = whole;
         broken["resize"].RemoveChild(child.GetName());
-        EXPECT_EQ(TagOf<TagDetails>(
-                      CatchFrom<Core::PropertyException>([&] { Proc::IFilterResize::Property2Settings(broken); })),
-                  child.GetName());
+        EXPECT_THAT(FailureOf<Core::PropertyException>([&] { Proc::IFilterResize::Property2Settings(broken); }),
+                    testing::HasSubstr("details " + child.GetName() + ", "));
     }
 }
 

@@ -4,9 +4,6 @@ namespace {
 
 using namespace NorvexTest;
 using testing::ElementsAre;
-using A = IFormatCodecAudio;
-using F = IFormatFile;
-using V = IFormatCodecVideo;
 
 /// A format that says what a case needs.
 class TestFormat final : public FormatHelper {
@@ -20,20 +17,13 @@ public:
     RuleList rules;
 };
 
-template <class Operation>
-auto DescriptionOf(const Operation& operation) {
-    const auto failure = CatchFrom<HelperException>(operation);
-    EXPECT_TRUE(TagOf<TagCallStack>(failure));
-    return TagOf<TagDescription>(failure);
-}
-
 TEST(FormatBase, RefusesListsThatCannotBe) {
     const auto set = [](const std::vector<std::string>& codecs, const std::string& defaultCodec) {
-        return DescriptionOf([&] { DataHelperFormatBase::SetCodecConstraint(codecs, defaultCodec); });
+        return FailureOf<HelperException>([&] { DataHelperFormatBase::SetCodecConstraint(codecs, defaultCodec); });
     };
-    EXPECT_EQ(set({}, ""), "List of available codecs is empty");
-    EXPECT_EQ(set({"a", "b"}, "A"), "Default codec A is not presented in list of avalible codecs");
-    EXPECT_EQ(set({"a", "b"}, ""), "Default codec  is not presented in list of avalible codecs");
+    EXPECT_EQ(set({}, ""), "List of available codecs is empty, stack");
+    EXPECT_EQ(set({"a", "b"}, "A"), "Default codec A is not presented in list of avalible codecs, stack");
+    EXPECT_EQ(set({"a", "b"}, ""), "Default codec  is not presented in list of avalible codecs, stack");
     EXPECT_THAT(CallsOf(*DataHelperFormatBase::SetCodecConstraint({"b", "a", "a"}, "a")),
                 ElementsAre("add b=b", "add a=a", "add a=a", "end"));
 }
@@ -41,10 +31,11 @@ TEST(FormatBase, RefusesListsThatCannotBe) {
 TEST(FormatBase, KnowsOnlyTheKindsThatItHas) {
     TestFormat format;
     format.AddRef();
-    EXPECT_EQ(DescriptionOf([&] { format.VideoCodecsConstraint(); }), "Video codecs constraint is not set");
-    EXPECT_EQ(DescriptionOf([&] { format.DefaultAudioCodec(); }), "Audio codecs constraint is not set");
-    EXPECT_EQ(DescriptionOf([&] { format.SubtitleTextCodecsConstraint(); }), "Subtitle codecs constraint is not set");
-    EXPECT_EQ(DescriptionOf([&] { format.DefaultSubtitleTextCodec(); }), "Subtitle codecs constraint is not set");
+    const std::string notSet = " codecs constraint is not set, stack";
+    EXPECT_EQ(FailureOf<HelperException>([&] { format.VideoCodecsConstraint(); }), "Video" + notSet);
+    EXPECT_EQ(FailureOf<HelperException>([&] { format.DefaultAudioCodec(); }), "Audio" + notSet);
+    EXPECT_EQ(FailureOf<HelperException>([&] { format.SubtitleTextCodecsConstraint(); }), "Subtitle" + notSet);
+    EXPECT_EQ(FailureOf<HelperException>([&] { format.DefaultSubtitleTextCodec(); }), "Subtitle" + notSet);
 
     format.SetAudioCodecs({"a", "b"}, "b");
     const auto former = format.AudioCodecsConstraint();
@@ -58,11 +49,6 @@ TEST(FormatBase, KnowsOnlyTheKindsThatItHas) {
     EXPECT_EQ(former->GetRefCount(), 1U) << "released";
 }
 
-const std::string g_fpsPath = "filter_rate/frame_rate";
-
-SP<IPropertyConstraint> Codecs(const std::string& id) {
-    return ConstraintCodecs::Create({{id, id}}, id);
-}
 template <class T>
 SP<IPropertyConstraint> Values(std::initializer_list<T> values) {
     PairList<T> list;
@@ -70,115 +56,89 @@ SP<IPropertyConstraint> Values(std::initializer_list<T> values) {
     return ConstraintSet::Create(list);
 }
 
-/// A stream's node with every value that correction reaches, and one that it does not.
-Property StreamNode(const std::string& name) {
-    return Tree(name +
-                "{codec_id: x, frame_rate: 7/1, cover: false, encode_options: {profile: p}, sample_rate: 7, "
-                "channel_layout: 5.1, bitrate: 7}");
+/// A rule on streams of one codec.
+std::pair<std::string, SP<IValidationRule>> When(const std::string& path, const std::string& codec,
+                                                 const std::string& second, const SP<IPropertyConstraint>& constraint) {
+    return {"/",
+            PairValidationRule::Create(path, ConstraintCodecs::Create({{codec, codec}}, codec), second, constraint)};
+}
+
+/// A stream's values, behind its kind, of which correction reaches all but the last.
+std::string Stream(const std::string& rate = "7/1", const std::string& cover = "false",
+                   const std::string& profile = "p", const std::string& sampleRate = "7",
+                   const std::string& layout = "5.1") {
+    return "{codec_id: x, frame_rate: " + rate + ", cover: " + cover + ", encode_options: {profile: " + profile +
+           "}, sample_rate: " + sampleRate + ", channel_layout: " + layout + ", bitrate: 7}";
+}
+
+/// What correction makes of a stream of that kind.
+std::string Corrected(const RuleList& rules, const std::string& kind, const std::string& stream = Stream()) {
+    TestFormat format;
+    format.AddRef();
+    format.rules = rules;
+    Property corrected = Tree("format_codec_" + kind + stream);
+    format.CorrectFormatCodec(corrected);
+    return PropertyValueToString(corrected);
 }
 
 TEST(FormatCorrection, ReachesFiveValuesByTheirRulesAndNothingElse) {
     const struct {
         std::string kind, second;
         SP<IPropertyConstraint> constraint;
-        const char* path;  ///< of what changes
-        Property corrected;
+        std::string corrected;
     } rows[] = {
-        {"video", g_fpsPath, Values<Core::Ratio>({{8, 1}}), "frame_rate", Property("", Core::Ratio(8, 1))},
-        {"video", "format/cover", Values<bool>({true}), "cover", Property("", true)},
-        {"video", "format/encode_options/profile", Values<std::string>({"q"}), "encode_options/profile",
-         Property("", "q")},
-        {"audio", "filter_resample/resample/sample_rate", Values<long long>({8}), "sample_rate", Property("", 8)},
+        {"video", "filter_rate/frame_rate", Values<Core::Ratio>({{8, 1}}), Stream("8/1")},
+        {"video", "format/cover", Values<bool>({true}), Stream("7/1", "true")},
+        {"video", "format/encode_options/profile", Values<std::string>({"q"}), Stream("7/1", "false", "q")},
+        {"audio", "filter_resample/resample/sample_rate", Values<long long>({8}), Stream("7/1", "false", "p", "8")},
         {"audio", "filter_resample/resample/channel_layout",
-         ConstraintChannelLayout::Create(std::vector<std::string>{"mono"}), "channel_layout", Property("", "mono")},
+         ConstraintChannelLayout::Create(std::vector<std::string>{"mono"}), Stream("7/1", "false", "p", "7", "mono")},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.second);
-        const std::string node = "format_codec_" + row.kind, first = row.kind + "_codec/codec_id";
-        TestFormat format;
-        format.AddRef();
-        format.rules = {{"/", PairValidationRule::Create(first, Codecs("x"), row.second, row.constraint)}};
-        for (const char* const each : {"format_codec_video", "format_codec_audio", "format_codec_subtitle"}) {
-            Property stream = StreamNode(each);
-            format.CorrectFormatCodec(stream);
-            Property expected = StreamNode(each);
-            if (each == node) expected[row.path].CopyDataFrom(row.corrected);
-            EXPECT_EQ(TreeDiff(expected, stream), "");
-        }
+    for (const auto& [kind, second, constraint, corrected] : rows) {
+        SCOPED_TRACE(second);
+        const std::string first = kind + "_codec/codec_id";
+        const RuleList rules = {When(first, "x", second, constraint)};
+        for (const std::string each : {"video", "audio", "subtitle"})
+            EXPECT_EQ(Corrected(rules, each), each == kind ? corrected : Stream());
         // Another codec, another codec path, another second path: not this rule's business.
-        for (const auto& other : {PairValidationRule::Create(first, Codecs("y"), row.second, row.constraint),
-                                  PairValidationRule::Create("x" + first, Codecs("x"), row.second, row.constraint),
-                                  PairValidationRule::Create(first, Codecs("x"), row.second + "x", row.constraint)}) {
-            format.rules = {{"/", other}};
-            Property stream = StreamNode(node);
-            format.CorrectFormatCodec(stream);
-            EXPECT_EQ(TreeDiff(StreamNode(node), stream), "");
-        }
+        EXPECT_EQ(Corrected({When(first, "y", second, constraint), When("x" + first, "x", second, constraint),
+                             When(first, "x", second + "x", constraint)},
+                            kind),
+                  Stream());
         // A node with the codec alone has nothing to correct.
-        Property bare = Tree(node + "{codec_id: x, encode_options: {}}");
-        format.CorrectFormatCodec(bare);
-        EXPECT_EQ(bare.Count(), 2U);
+        EXPECT_EQ(Corrected(rules, kind, "{codec_id: x, encode_options: {}}"), "{codec_id: x, encode_options: {}}");
     }
 }
 
-TEST(FormatCorrection, TheLaterRuleIsTestedOnWhatTheEarlierLeft) {
-    TestFormat format;
-    format.AddRef();
-    const auto rule = [](const SP<IPropertyConstraint>& second) {
-        return std::make_pair(std::string("/"),
-                              PairValidationRule::Create("video_codec/codec_id", Codecs("x"), g_fpsPath, second));
+TEST(FormatCorrection, TakesTheRulesInTurnAndPastItsOwnCorrectionASetOfOneBooleanAlone) {
+    const std::string codec = "video_codec/codec_id", rate = "filter_rate/frame_rate", cover = "format/cover",
+                      profile = "format/encode_options/profile";
+    const std::pair<RuleList, std::string> rows[] = {
+        {{When(codec, "x", rate, Values<Core::Ratio>({{10, 1}, {30, 1}})),
+          When(codec, "x", rate, Values<Core::Ratio>({{15, 1}, {9, 1}}))},
+         Stream("9/1")},
+        {{{"/", nullptr}, When(codec, "x", cover, Values<bool>({true}))}, Stream("7/1", "true")},
+        {{When(codec, "x", cover, Values<bool>({}))}, Stream()},
+        {{When(codec, "x", cover, ConstraintSet::Create(PairList<bool>{{"a", true}, {"b", true}}))}, Stream()},
+        {{When(codec, "x", cover, ConstraintMethod::Create([](const Property&) { return false; }, ""))}, Stream()},
+        {{When(codec, "x", profile, ConstraintCodecs::Create({{"q", "q"}}, ""))}, Stream()},
+        {{When(codec, "x", profile, SizeConstraints::Create({{8, 8}}))}, Stream()},
     };
-    format.rules = {rule(Values<Core::Ratio>({{10, 1}, {30, 1}})), rule(Values<Core::Ratio>({{15, 1}, {9, 1}}))};
-    Property stream = StreamNode("format_codec_video");
-    format.CorrectFormatCodec(stream);
-    EXPECT_EQ(stream[V::TAG_FPS].GetRatio(), Core::Ratio(9, 1));
-}
-
-TEST(FormatCorrection, OnlyASetOfOneBooleanIsTakenPastItsOwnCorrection) {
-    const Property no("", false);
-    const struct {
-        const char* path;
-        SP<IPropertyConstraint> constraint;
-        Property value, corrected;
-    } rows[] = {
-        {"format/cover", Values<bool>({true}), no, Property("", true)},
-        {"format/cover", Values<bool>({}), no, no},
-        {"format/cover", ConstraintSet::Create(PairList<bool>{{"a", true}, {"b", true}}), no, no},
-        {"format/cover", ConstraintMethod::Create([](const Property&) { return false; }, ""), no, no},
-        {"filter_rate/frame_rate", Values<Core::Ratio>({{8, 1}}), Property("", "7/1"), Property("", "7/1")},
-        {"format/encode_options/profile", ConstraintCodecs::Create({{"q", "q"}}, ""), Property("", "p"),
-         Property("", "p")},
-        {"format/encode_options/profile", SizeConstraints::Create({{8, 8}}), Property("", "p"), Property("", "p")},
-    };
-    for (const auto& row : rows) {
-        TestFormat format;
-        format.AddRef();
-        format.rules = {
-            {"/", nullptr},
-            {"/", PairValidationRule::Create("video_codec/codec_id", Codecs("x"), row.path, row.constraint)}};
-        const std::string tag = StreamPathOf(row.path);
-        Property stream = StreamNode("format_codec_video");
-        stream[tag].CopyDataFrom(row.value);
-        format.CorrectFormatCodec(stream);
-        EXPECT_EQ(stream[tag], row.corrected) << row.path;
-    }
+    for (const auto& [rules, corrected] : rows) EXPECT_EQ(Corrected(rules, "video"), corrected);
+    EXPECT_EQ(Corrected({When(codec, "x", rate, Values<Core::Ratio>({{8, 1}}))}, "video", Stream("soon")),
+              Stream("soon"));
 }
 
 TEST(FormatCorrection, NeedsACodecIdAndValuesOfTheRightType) {
     TestFormat format;
     format.AddRef();
-    Property empty(std::string("anything"));
-    EXPECT_EQ(TagOf<TagDetails>(CatchFrom<Core::PropertyException>([&] { format.CorrectFormatCodec(empty); })),
-              V::TAG_CODEC_ID);
-
-    format.rules = {
-        {"/",
-         PairValidationRule::Create("video_codec/codec_id", Codecs("x"), g_fpsPath, Values<Core::Ratio>({{8, 1}}))},
-        {"/", PairValidationRule::Create("video_codec/codec_id", Codecs("x"), "format/cover", Values<bool>({true}))}};
-    Property stream = StreamNode("format_codec_video");
-    stream[V::TAG_COVER_FLAG] = "yes";
+    Property empty(std::string("anything")), stream = Tree("format_codec_video" + Stream("7/1", "yes"));
+    EXPECT_THAT(FailureOf<Core::PropertyException>([&] { format.CorrectFormatCodec(empty); }),
+                testing::HasSubstr("details codec_id, "));
+    format.rules = {When("video_codec/codec_id", "x", "filter_rate/frame_rate", Values<Core::Ratio>({{8, 1}})),
+                    When("video_codec/codec_id", "x", "format/cover", Values<bool>({true}))};
     EXPECT_THROW(format.CorrectFormatCodec(stream), ConstraintIsNotApplicableForTypeException);
-    EXPECT_EQ(stream[V::TAG_FPS].GetRatio(), Core::Ratio(8, 1)) << "what was corrected before stays so";
+    EXPECT_EQ(PropertyValueToString(stream), Stream("8/1", "yes")) << "what was corrected before stays so";
 }
 
 }  // namespace
