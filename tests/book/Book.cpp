@@ -58,7 +58,9 @@ std::string Axis(const IDataHelper& helper, const std::string& stream, const std
 }
 
 const std::string g_sound = "s{sample_rate: 44100, sample_format: s16, channel_layout: stereo}";
-const Texts g_rates = Words("7 8000 11025 12000 16000 22050 24000 32000 44100 46050 48000 96000 200000");
+const Texts g_rates = Words(
+    "-9223372036854775807 7 8000 11025 12000 16000 22050 24000 32000 44100 46050 48000 96000 200000 "
+    "9223372036854775807");
 const Texts g_layouts = Words("mono stereo 2.1 4.0 5.0(side) 5.1(side) 6.1 7.1 hexadecagonal");
 
 /// The bitrate that a codec gives each sample rate and layout for one that is asked for. Rates that differ in nothing
@@ -197,8 +199,22 @@ void TellWithoutEncoders() {
     }
 }
 
+/// Vorbis is the one codec of which three values hang together: here its encoder leaves them to the search.
+void TellVorbis() {
+    std::vector<int> rates;
+    for (int rate = 11025; rate <= 100000; rate += 2575) rates.push_back(rate);
+    std::vector<AVChannelLayout> layouts;
+    for (int channels = 1; channels <= 16; ++channels) {
+        if (LayoutRecord::FindDefault(channels) != nullptr) layouts.push_back(UnorderedLayout(channels));
+    }
+    const FakeBuild build({{"vorbis", {{}, {}, rates, layouts}}});
+    std::cout << "\n== vorbis of an encoder that takes all\n"
+              << AudioCorrections(*DataHelperAudioCodecVorbis::Create());
+}
+
 /// Where every codec has an encoder that declares something of each kind.
 void TellWithEncoders() {
+    TellVorbis();
     std::map<std::string, FakeEncoder> encoders;
     for (const Texts& ids : {GetAllVideoCodecs(), GetAllAudioCodecs()}) {
         for (const std::string& id : ids) {

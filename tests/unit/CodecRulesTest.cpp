@@ -26,20 +26,6 @@ TEST(CodecRules, AppendAndShareTheirFirstConstraintWithinACall) {
     EXPECT_NE(rules[0].second->GetFirstConstraint(), rules[3].second->GetFirstConstraint());
 }
 
-TEST(CodecRules, FireForTheirOwnCodecOnly) {
-    const FakeBuild build(fullBuild);
-    const RuleList rules = CollectRules(TestCodec(MediaType::Audio, "aac"));
-    const auto keeps = [&](std::size_t rule, const std::string& codecId, const std::string& sampleRate) {
-        return rules[rule].second->IsValid(Tree("{audio_codec: {codec_id: " + codecId +
-                                                "}, filter_resample: {resample: {sample_rate: " + sampleRate + "}}}"));
-    };
-    EXPECT_TRUE(keeps(0, "aac", "44100"));
-    EXPECT_FALSE(keeps(0, "aac", "8000"));
-    for (std::size_t i = 0; i < rules.size(); ++i) EXPECT_TRUE(keeps(i, "mp3", "8000"));
-    // The tree lacks the sample format, which is only noticed where the rule has to look.
-    EXPECT_DEATH(keeps(1, "aac", "44100"), "");
-}
-
 TEST(CodecRules, ReplaceInTheCallersListsOnlyWhatIsTheirs) {
     const FakeBuild build(fullBuild);
     ConstraintMap constraints = {{V::TAG_FPS, nullptr}, {V::TAG_WIDTH, nullptr}};

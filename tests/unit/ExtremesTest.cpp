@@ -1,7 +1,6 @@
-// Trees that are wider and deeper than any preset, and numbers at the ends of their types.
+// Trees that are wider and deeper than any preset.
 
 #include <cmath>
-#include <limits>
 
 #include "support/TestHelpers.h"
 
@@ -63,19 +62,6 @@ TEST(Extremes, PresetsAndStreamsMayBeDeepAndWideToo) {
     deep.SetChildT("codec_id", "h264");
     // A helper that changes nothing, since each change is looked at in copies of its own.
     EXPECT_TRUE(CorrectWithReport(deep, {helpers.front()}).changes.empty());
-}
-
-TEST(Extremes, RatesAtTheEndsOfTheirTypeAreEstimatedToo) {
-    constexpr long long most = std::numeric_limits<long long>::max();
-    constexpr long long least = std::numeric_limits<long long>::min();
-    const auto alacBitrate = [](long long sampleRate) {
-        Property stream = Tree("s{sample_format: s16p, channel_layout: mono}");
-        stream.SetChildT("sample_rate", sampleRate);
-        CreateDataHelper("audio_codec", "alac")->CorrectFormatCodec(stream);
-        return stream["bitrate"].GetInt64();
-    };
-    EXPECT_EQ(alacBitrate(least), alacBitrate(8000));
-    EXPECT_EQ(alacBitrate(most), alacBitrate(96000));
 }
 
 }  // namespace

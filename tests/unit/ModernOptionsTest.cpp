@@ -23,19 +23,14 @@ TEST(ModernOptions, AreThoseThatTheEncoderTakes) {
 }
 
 TEST(ModernOptions, OpusHasTheLowRatesOfItsEncoderToo) {
-    const auto rates = [] {
-        const auto stream = [](long long rate) {
-            return Node("format_codec_audio",
-                        {Norvex::Core::Property("sample_rate", rate), Norvex::Core::Property("sample_format", "flt"),
-                         Norvex::Core::Property("channel_layout", "mono")});
-        };
-        auto low = stream(8000);
+    const auto corrected = [] {
+        Property low = Tree("format_codec_audio{sample_rate: 8000, sample_format: flt, channel_layout: mono}");
         DataHelperAudioCodecOpus::Create()->CorrectFormatCodec(low);
         return low["sample_rate"].GetInt64();
     };
-    EXPECT_EQ(rates(), 8000);
+    EXPECT_EQ(corrected(), 8000);
     const FakeBuild build({{"opus", {{}, {}, {48000}, {}}}});
-    EXPECT_EQ(rates(), 48000);
+    EXPECT_EQ(corrected(), 48000);
 }
 
 }  // namespace

@@ -33,20 +33,6 @@ TEST(PairValidationRule, AsksForTheSecondOnlyWhereTheFirstHolds) {
     EXPECT_TRUE(Rule("a/first", "")->IsValid(Tree(0, 0)));
 }
 
-TEST(PairValidationRule, SharesItsConstraintsAndMayLackTheFirstHalf) {
-    const auto first = Number(1);
-    const auto second = Number(2);
-    const auto rule = PairValidationRule::Create("a", first, "b", second);
-    EXPECT_EQ(rule->GetFirstPath(), "a");
-    EXPECT_EQ(rule->GetSecondPath(), "b");
-    EXPECT_EQ(rule->GetFirstConstraint(), first);
-    EXPECT_EQ(rule->GetSecondConstraint(), second);
-    const auto always = PairValidationRule::Create("", nullptr, "b", second);
-    EXPECT_EQ(always->GetFirstPath(), "");
-    EXPECT_EQ(always->GetFirstConstraint(), nullptr);
-    EXPECT_EQ(always->GetSecondConstraint(), second);
-}
-
 TEST(PairValidationRuleDeathTest, EndsTheProcessOnATreeThatItCannotRead) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     Property wrongType = Tree(1, 2);
