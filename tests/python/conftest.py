@@ -49,3 +49,7 @@ def run(script: str) -> str:
     ended = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, timeout=60)
     assert (ended.returncode, ended.stderr) == (0, ""), ended.stderr
     return ended.stdout
+
+
+def prints(script: str, text: str) -> None:
+    assert run(script) == text

@@ -1,6 +1,6 @@
 """Helpers and a census that are written in Python, each in a process whose book nobody has asked yet."""
 
-from conftest import run
+from conftest import prints, run
 
 TTA = """
     class Tta:
@@ -18,10 +18,9 @@ TTA = """
 
 
 def test_a_codec_written_in_python_stands_on_the_encoder_and_is_offered_like_any_other() -> None:
-    assert (
-        run(
-            TTA
-            + """
+    prints(
+        TTA
+        + """
     norvex.register("audio_codec", "tta", Tta)
     norvex.register("filter_host", "", lambda base: base)
     norvex.register_modern()
@@ -32,9 +31,8 @@ def test_a_codec_written_in_python_stands_on_the_encoder_and_is_offered_like_any
     print([finding.document_path for finding in norvex.check(
         {"audio_codec": {"codec_id": "tta"}, "filter_resample": {"resample": {"sample_rate": 8000}}})
         if finding.problem != "missing"])
-    """
-        )
-        == "True True {}\n"
+    """,
+        "True True {}\n"
         "True {'codec_id': 'tta', 'sample_rate': 44100, 'sample_format': 's32', 'channel_layout': 'stereo', "
         "'bitrate_mode': 'vbr'}\n"
         "['sample_rate', 'sample_format', 'bitrate_mode']\n"
@@ -43,9 +41,8 @@ def test_a_codec_written_in_python_stands_on_the_encoder_and_is_offered_like_any
 
 
 def test_what_a_helper_raises_comes_out_as_itself_or_stands_in_the_report() -> None:
-    assert (
-        run(
-            """
+    prints(
+        """
     boom = ValueError("boom")
     class Broken:
         raises = ()
@@ -82,9 +79,8 @@ def test_what_a_helper_raises_comes_out_as_itself_or_stands_in_the_report() -> N
     Broken.__getattr__ = lambda self, name: lambda *trees: 1
     print([type(caught(ask)).__name__ for ask in (
         lambda: helper.correct(stream), helper.defaults, helper.rules, helper.requires, helper.allowed)])
-    """
-        )
-        == "[True, True, True]\n"
+    """,
+        "[True, True, True]\n"
         "['srt', True]\n['srt', True]\n"
         "{'codec_id': 'x'} True True\n"
         "['KeyboardInterrupt', 'KeyboardInterrupt', 'KeyboardInterrupt']\n"
@@ -93,9 +89,14 @@ def test_what_a_helper_raises_comes_out_as_itself_or_stands_in_the_report() -> N
 
 
 def test_the_census_and_the_tables_are_made_once_and_again_after_a_failure() -> None:
-    assert (
-        run(
-            """
+    listing = """
+    print(norvex.helper("format", "avi").allowed()["streams_any_audio/audio_codec/codec_id"].words)
+    """
+    census = """
+    norvex.use_census(lambda codec: {"mp3": ["some"], "h264": ["some"]}.get(codec, []))
+    """
+    prints(
+        """
     import threading
     asked, made, outcomes = [], [], []
     def census(codec):
@@ -138,26 +139,19 @@ def test_the_census_and_the_tables_are_made_once_and_again_after_a_failure() -> 
     [thread.start() for thread in threads]
     [thread.join() for thread in threads]
     print(outcomes == [{"codec_id": "x"}] * 8, len(made), len(asked) == count, norvex.filters()[1])
-    print(norvex.helper("format", "avi").allowed()["streams_any_audio/audio_codec/codec_id"].words)
     """
-        )
-        == "OSError no census\n"
+        + listing,
+        "OSError no census\n"
         "The rule book is asked for while its census is taken.\n"
         "RegistrationError The function that makes the helper gave none: audio_codec x\n"
         "OSError no helper\n"
-        "True 3 True filter_host\n" + run(
-            """
-    norvex.use_census(lambda codec: {"mp3": ["some"], "h264": ["some"]}.get(codec, []))
-    print(norvex.helper("format", "avi").allowed()["streams_any_audio/audio_codec/codec_id"].words)
-    """
-        )
+        "True 3 True filter_host\n" + run(census + listing),
     )
 
 
 def test_helpers_go_with_the_interpreter_and_leave_the_library_behind() -> None:
-    assert (
-        run(
-            """
+    prints(
+        """
     import atexit
     def last():
         try:
@@ -174,9 +168,8 @@ def test_helpers_go_with_the_interpreter_and_leave_the_library_behind() -> None:
     norvex.register("audio_codec", "x", lambda base: Says())
     helper = norvex.helper("audio_codec", "x")
     atexit.register(lambda: print(helper.correct({})))
-    """
-        )
-        == "{'corrected': True}\ngone\n"
+    """,
+        "{'corrected': True}\ngone\n"
         "The interpreter of a helper that is written in Python has ended.\n"
     )
 
@@ -200,9 +193,8 @@ def test_a_thread_that_meets_the_end_of_the_interpreter_does_no_harm() -> None:
 
 
 def test_helpers_that_call_themselves_end_as_python_does() -> None:
-    assert (
-        run(
-            """
+    prints(
+        """
     class Endless:
         def correct(self, stream):
             return norvex.helper("audio_codec", "x").correct(stream)
@@ -211,7 +203,6 @@ def test_helpers_that_call_themselves_end_as_python_does() -> None:
         norvex.helper("audio_codec", "x").correct({})
     except RecursionError:
         print("deep")
-    """
-        )
-        == "deep\n"
+    """,
+        "deep\n"
     )

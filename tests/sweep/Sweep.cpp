@@ -290,28 +290,20 @@ std::string CarrierOf(const std::string& codec, const Kind& kind) {
     return carrier;
 }
 
-struct Value {
-    Property value;
-    bool isBeside;  ///< an edge, and not allowed
-};
-
 /// All that a constraint lists, or the edges of its range, and what lies beside them.
-std::vector<Value> ValuesToTry(const IPropertyConstraint& constraint) {
+std::vector<Property> ValuesToTry(const IPropertyConstraint& constraint) {
     const Allowed allowed = WhatIsAllowed(constraint);
-    std::vector<Value> values;
-    for (const Property& value : allowed.values) values.push_back({value, false});
-    std::vector<Property> edges;
-    if (allowed.min) edges.push_back(*allowed.min);
-    if (allowed.max) edges.push_back(*allowed.max);
-    for (const Property& edge : edges) values.push_back({edge, false});
-    for (const Property& value : allowed.values) {
-        if (value.GetType() == PT_INT64) edges.push_back(value);
+    std::vector<Property> values = allowed.values;
+    for (const auto& edge : {allowed.min, allowed.max}) {
+        if (edge) values.push_back(*edge);
     }
-    if (edges.empty()) return values;
-    const auto less = [](const Property& one, const Property& two) { return one.GetInt64() < two.GetInt64(); };
-    const auto [low, high] = std::minmax_element(edges.begin(), edges.end(), less);
-    values.push_back({Property("", low->GetInt64() - 1), true});
-    values.push_back({Property("", high->GetInt64() + 1), true});
+    std::set<long long> numbers;
+    for (const Property& value : values) {
+        if (value.GetType() == PT_INT64) numbers.insert(value.GetInt64());
+    }
+    if (numbers.empty()) return values;
+    values.emplace_back("", *numbers.begin() - 1);
+    values.emplace_back("", *numbers.rbegin() + 1);
     return values;
 }
 
@@ -360,7 +352,7 @@ void SweepValues(Sweep& sweep) {
             const Property defaults = helper->GetDefaults();
             std::set<std::string> tried;
             for (const Ruled& ruled : RuledBy(*helper, kind.key)) {
-                for (const auto& [value, isBeside] : ValuesToTry(*ruled.constraint)) {
+                for (const Property& value : ValuesToTry(*ruled.constraint)) {
                     if (value.GetType() == PT_NODE) continue;
                     std::string what = fmt::format("{} {}={}", codec, ruled.path, Core::PropertyValueToString(value));
                     for (const Choice& condition : ruled.conditions) {
@@ -385,7 +377,7 @@ void SweepValues(Sweep& sweep) {
                     if (value == Property("", V::TAG_BITRATE_MODE_VBR) && !defaults.ChildExists(V::TAG_QUALITY)) {
                         choices.push_back(Chosen(kind.key + "/quality", Property("", 10)));
                     }
-                    sweep.Try(what, carrier, choices, isBeside);
+                    sweep.Try(what, carrier, choices, !ruled.constraint->IsValid(value));
                 }
             }
         }
