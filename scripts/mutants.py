@@ -98,7 +98,9 @@ class Source:
             if child.extent.start.file is None or child.extent.start.file.name != self.path:
                 continue
             start, end = self.span(child)
-            quiet_child = quiet or child.kind in (K.ENUM_DECL, K.STATIC_ASSERT, K.TEMPLATE_NON_TYPE_PARAMETER)
+            # An atomic that is there before anything runs would be made too late.
+            quiet_child = quiet or child.kind in (K.ENUM_DECL, K.STATIC_ASSERT, K.TEMPLATE_NON_TYPE_PARAMETER) or \
+                child.kind == K.VAR_DECL and child.type.spelling.startswith("std::atomic")
             if child.kind == K.STATIC_ASSERT and cursor.kind in (K.NAMESPACE, K.TRANSLATION_UNIT):
                 self.edits[start, start + len("static_assert")] = \
                     f"[[maybe_unused]] static const bool norvexHeld{start} = NorvexFaults::Hold"
