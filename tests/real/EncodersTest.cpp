@@ -7,7 +7,9 @@ namespace {
 using namespace Norvex;
 
 TEST(Encoders, FindsFFmpegsDefaultEncoderOfACodec) {
-    EXPECT_EQ(Proc::FindEncoder("aac", Proc::ImplNames::FFMPEG).Get(), avcodec_find_encoder(AV_CODEC_ID_AAC));
+    for (const auto& [number, id] : GetFFCodecsMap()) {
+        EXPECT_EQ(Proc::FindEncoder(id, Proc::ImplNames::FFMPEG).Get(), avcodec_find_encoder(number)) << id;
+    }
     for (const auto& none : {Proc::FindEncoder("aac", Proc::ImplNames::DEFAULT),
                              Proc::FindEncoder("no such codec", Proc::ImplNames::FFMPEG), Proc::SafeEncoderCodec()}) {
         EXPECT_FALSE(none);

@@ -5,8 +5,11 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
-#include <boost/lexical_cast/try_lexical_convert.hpp>
+#include <algorithm>
+#include <charconv>
+#include <system_error>
 
+#include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Proc/FFmpegLayer.h"
 #include "norvex/interfaces/Proc/Settings.h"
 
@@ -60,11 +63,30 @@ const AVChannelLayout* ChannelLayouts(const AVCodec* c) {
 
 #endif
 
+/// What avcodec_find_encoder() gives, which goes through all that FFmpeg has: the first lookup of a helper asks sixty
+/// times.
+const AVCodec* DefaultEncoder(AVCodecID codec) {
+    static const std::vector<const AVCodec*>& encoders = Lasting([] {
+        std::vector<const AVCodec*> all;
+        void* position = nullptr;
+        while (const AVCodec* const entry = av_codec_iterate(&position)) {
+            if (av_codec_is_encoder(entry) != 0) all.push_back(entry);
+        }
+        std::stable_sort(all.begin(), all.end(), [](const AVCodec* one, const AVCodec* two) { return one->id < two->id; });
+        return all;
+    }());
+    const auto first = std::lower_bound(encoders.begin(), encoders.end(), codec,
+                                        [](const AVCodec* encoder, AVCodecID id) { return encoder->id < id; });
+    if (first == encoders.end() || (*first)->id != codec) return nullptr;
+    // FFmpeg prefers others to experimental ones.
+    return ((*first)->capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0 ? *first : avcodec_find_encoder(codec);
+}
+
 }  // namespace
 
 SafeEncoderCodec FindEncoder(const std::string& codecId, const std::string& implName) {
     if (implName != ImplNames::FFMPEG) return {};
-    return SafeEncoderCodec(avcodec_find_encoder(CodecIDFromTextID(codecId)));
+    return SafeEncoderCodec(DefaultEncoder(CodecIDFromTextID(codecId)));
 }
 
 std::vector<AVRational> SafeEncoderCodec::GetSupportedFrameRates() const {
@@ -102,7 +124,9 @@ bool SafeEncoderCodec::TakesOption(const std::string& option, const std::string&
         if (found == nullptr) continue;
         if (found->unit != nullptr && find(value, found->unit) != nullptr) return true;
         double number = 0;
-        const bool isNumber = boost::conversion::try_lexical_convert(value, number);
+        const char* const end = value.data() + value.size();
+        const auto [last, error] = std::from_chars(value.data(), end, number);
+        const bool isNumber = error == std::errc() && last == end;
         return isNumber ? found->min <= number && number <= found->max : found->type == AV_OPT_TYPE_STRING;
     }
     return false;

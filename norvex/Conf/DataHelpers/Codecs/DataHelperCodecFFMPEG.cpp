@@ -1,7 +1,7 @@
 #include "norvex/Conf/DataHelpers/Codecs/DataHelperCodecFFMPEG.h"
 
-#include <locale>
-#include <sstream>
+#include <array>
+#include <charconv>
 
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintRange.h"
 #include "norvex/Conf/DataHelpers/Constraints/ConstraintSampleFormat.h"
@@ -20,12 +20,13 @@ namespace {
 /// Lower rates are of use to few; a helper that wants them adds them by hand.
 constexpr int lowestSampleRate = 11025;  // Hz
 
+/// Five digits, as streams of the standard library write them.
 std::string FrameRateLabel(const AVRational& rate) {
-    std::ostringstream label;
-    label.imbue(std::locale::classic());
-    label.precision(5);
-    label << static_cast<double>(rate.num) / rate.den;
-    return label.str();
+    std::array<char, 32> label{};
+    const double value = static_cast<double>(rate.num) / rate.den;
+    return std::string(label.data(), std::to_chars(label.data(), label.data() + label.size(), value,
+                                                   std::chars_format::general, 5)
+                                         .ptr);
 }
 
 /// The record of a layout that an encoder declares, or null where the system has no name for it.
