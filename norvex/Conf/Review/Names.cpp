@@ -7,8 +7,6 @@ extern "C" {
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <iterator>
-#include <sstream>
 
 #include "norvex/Conf/DataHelpers/Queries/Muxers.h"
 #include "norvex/Conf/Review/NameTables.h"
@@ -230,8 +228,13 @@ std::vector<std::string> FileExtensions(const std::string& formatId) {
         list = muxer->extensions != nullptr ? muxer->extensions : "";
         std::replace(list.begin(), list.end(), ',', ' ');
     }
-    std::istringstream words(list);
-    return {std::istream_iterator<std::string>(words), {}};
+    std::vector<std::string> words;
+    for (std::size_t begin = 0; (begin = list.find_first_not_of(' ', begin)) != std::string::npos;) {
+        const std::size_t end = std::min(list.find(' ', begin), list.size());
+        words.push_back(list.substr(begin, end - begin));
+        begin = end;
+    }
+    return words;
 }
 
 std::string ParameterForPeople(const std::string& path) {

@@ -17,7 +17,7 @@ namespace {
 /// FFmpeg's name of a layout, or another where it has none.
 std::string NameOf(std::uint64_t mask, const char* otherwise) {
     // FFmpeg 5 names none of those below, and this runs while the library is loaded.
-    if (avutil_version() < AV_VERSION_INT(58, 0, 0)) return otherwise;
+    if (LIBAVUTIL_VERSION_MAJOR < 58) return otherwise;
     AVChannelLayout layout{};
     char name[64] = "";
     if (av_channel_layout_from_mask(&layout, mask) < 0) return otherwise;
