@@ -41,12 +41,20 @@ Measurement Of(double Load::*part) {
 /// The heap that the whole book takes, all that its helpers keep included. Nothing may have looked one up before.
 double BytesOfBook() {
     const auto inUse = [] { return static_cast<double>(mallinfo2().uordblks); };
+    Core::Property stream(IFormatCodecAudio::TAG_FORMAT_CODEC_AUDIO);
+    stream.SetChildT(IFormatCodecAudio::TAG_CODEC_ID, "aac");
+    stream.SetChildT(IFormatCodecAudio::TAG_SAMPLE_RATE, 44100);
+    stream.SetChildT(IFormatCodecAudio::TAG_SAMPLE_FORMAT, "s16");
+    stream.SetChildT(IFormatCodecAudio::TAG_LAYOUT, "stereo");
     const double before = inUse();
     FormatValidator::Instance().FillEncoders(Proc::FFmpegCodecFactory::Create());
     for (const std::string& kind :
          {IPreset::KEY_FORMAT, IPreset::KEY_FILTER_VIDEO_CODEC, IPreset::KEY_FILTER_AUDIO_CODEC}) {
         for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
-            CheckPreset(Core::Property("preset"), {{kind, id, helper}});  // keeps all that it reads
+            // Both keep all that they read. The stream lacks what codecs have defaults of.
+            CheckPreset(Core::Property("preset"), {{kind, id, helper}});
+            Core::Property corrected = stream;
+            helper->CorrectFormatCodec(corrected);
         }
     }
     return inUse() - before;

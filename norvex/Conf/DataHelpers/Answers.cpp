@@ -52,15 +52,19 @@ ResamplerConstraints ResamplerConstraintsOf(const RuleList& rules) {
 }
 
 Answers::Answers(const IDataHelper& helper, const RuleList& asked)
-    : defaults(helper.GetDefaults()),
-      constraints(ConstraintsOf(helper)),
+    : constraints(ConstraintsOf(helper)),
       rules(ReadRulesOf(asked)),
-      resampler(ResamplerConstraintsOf(asked)) {}
+      resampler(ResamplerConstraintsOf(asked)),
+      m_helper(helper) {}
+
+const Core::Property& Answers::Defaults() const {
+    return MadeOnce(m_defaults, [this] { return std::make_unique<const Core::Property>(m_helper.GetDefaults()); });
+}
 
 Reading::Reading(const IDataHelper& helper) : m_helper(helper), m_kept(KeptBy(helper)) {}
 
 const Core::Property& Reading::Defaults() {
-    if (m_kept != nullptr) return m_kept->defaults;
+    if (m_kept != nullptr) return m_kept->Defaults();
     if (!m_defaults) m_defaults = m_helper.GetDefaults();
     return *m_defaults;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <atomic>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -36,18 +38,37 @@ ReadRules ReadRulesOf(const RuleList& rules);
 using ResamplerConstraints = std::array<SP<const IPropertyConstraint>, 3>;
 ResamplerConstraints ResamplerConstraintsOf(const RuleList& rules);
 
-/// Everything that a helper answers, made once. It never changes, and callers are handed none of it.
+/// Everything that a helper answers, made once. It never changes, and callers are handed none of it. Refers to the
+/// helper.
 struct Answers {
     explicit Answers(const IDataHelper& helper) : Answers(helper, RulesOf(helper)) {}
+    ~Answers() { delete m_defaults.load(std::memory_order_acquire); }
 
-    const Core::Property defaults;
+    /// Made on the first call, whichever thread makes it: a container's are larger than all the rest, and its correction
+    /// needs none of them.
+    const Core::Property& Defaults() const;
+
     const ConstraintMap constraints;
     const ReadRules rules;
     const ResamplerConstraints resampler;
 
 private:
     Answers(const IDataHelper& helper, const RuleList& asked);
+
+    const IDataHelper& m_helper;
+    mutable std::atomic<const Core::Property*> m_defaults{nullptr};
 };
+
+/// What an atomic pointer leads to, made by the first who asks. Of several threads that make it at once the first one's
+/// stays.
+template <class T, class Make>
+const T& MadeOnce(std::atomic<const T*>& place, const Make& make) {
+    if (const T* const kept = place.load(std::memory_order_acquire)) return *kept;
+    std::unique_ptr<const T> made = make();
+    const T* kept = nullptr;
+    if (place.compare_exchange_strong(kept, made.get(), std::memory_order_acq_rel)) kept = made.release();
+    return *kept;
+}
 
 /// Reads what a helper answers: what it keeps, or else what it is asked for here, each once and only if it is wanted.
 /// Refers to the helper.

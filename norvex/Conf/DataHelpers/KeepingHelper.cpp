@@ -1,7 +1,5 @@
 #include "norvex/Conf/DataHelpers/KeepingHelper.h"
 
-#include <memory>
-
 #include "norvex/Conf/DataHelpers/Answers.h"
 
 namespace Norvex::Conf {
@@ -12,12 +10,7 @@ KeepingHelper::~KeepingHelper() {
 
 const Answers* KeepingHelper::GetKeptAnswers() const {
     if (!m_keeps) return nullptr;
-    if (const Answers* const kept = m_answers.load(std::memory_order_acquire)) return kept;
-    auto made = std::make_unique<const Answers>(*this);
-    // Of several threads that make them at once the first one's stay.
-    const Answers* kept = nullptr;
-    if (m_answers.compare_exchange_strong(kept, made.get(), std::memory_order_acq_rel)) return made.release();
-    return kept;
+    return &MadeOnce(m_answers, [this] { return std::make_unique<const Answers>(*this); });
 }
 
 void KeepingHelper::DropAnswers() noexcept {

@@ -28,12 +28,11 @@ SP<ICodecFactory> FFmpegCodecFactory::Create() {
 FFmpegCodecFactory::FFmpegCodecFactory()
     : m_encoders([] {
           auto encoders = std::make_unique<Encoders>();
-          const auto& names = GetFFCodecsMap();
           void* position = nullptr;
           while (const AVCodec* codec = av_codec_iterate(&position)) {
-              const auto name = names.find(codec->id);
-              if (!av_codec_is_encoder(codec) || name == names.end()) continue;
-              encoders->byCodec[name->second].push_back({codec->name,
+              const AVCodecDescriptor* const described = avcodec_descriptor_get(codec->id);
+              if (!av_codec_is_encoder(codec) || described == nullptr) continue;
+              encoders->byCodec[described->name].push_back({codec->name,
                                                          (codec->capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0,
                                                          (codec->capabilities & hardwareCapabilities) == 0});
           }

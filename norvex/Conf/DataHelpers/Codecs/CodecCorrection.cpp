@@ -27,13 +27,30 @@ bool HasBFrames(const std::string& codecId) {
                         [&codecId](const std::string& other) { return other == codecId; });
 }
 
-void AddDefault(Property& tree, const Property& defaults, const std::string& tag) {
-    if (!tree.ChildExists(tag) && defaults.ChildExists(tag)) tree.SetChild(tag, defaults[tag]);
-}
+/// The defaults of a helper. Those of one that keeps its answers are made when somebody first reads them.
+class Defaults {
+public:
+    Defaults(const IDataHelper& helper, const Answers* kept) : m_kept(kept) {
+        if (kept == nullptr) m_asked = helper.GetDefaults();
+    }
 
-void CorrectFrameSequences(Property& tree, const Property& defaults, bool hasBFrames) {
-    AddDefault(tree, defaults, V::TAG_MAX_B_FRAME_SEQUENCE);
-    AddDefault(tree, defaults, V::TAG_MAX_I_FRAME_INTERVAL);
+    void WriteTo(Property& tree, const std::string& tag) const {
+        const Property& defaults = m_kept != nullptr ? m_kept->Defaults() : m_asked;
+        if (defaults.ChildExists(tag)) tree.SetChild(tag, defaults[tag]);
+    }
+
+    void AddTo(Property& tree, const std::string& tag) const {
+        if (!tree.ChildExists(tag)) WriteTo(tree, tag);
+    }
+
+private:
+    const Answers* const m_kept;
+    Property m_asked;
+};
+
+void CorrectFrameSequences(Property& tree, const Defaults& defaults, bool hasBFrames) {
+    defaults.AddTo(tree, V::TAG_MAX_B_FRAME_SEQUENCE);
+    defaults.AddTo(tree, V::TAG_MAX_I_FRAME_INTERVAL);
     if (!hasBFrames) tree.RemoveChild(V::TAG_MAX_B_FRAME_SEQUENCE);
 }
 
@@ -47,11 +64,8 @@ void CorrectResampler(Property& tree, const ResamplerConstraints& constraints, c
     }
 }
 
-void CorrectRateControl(Property& tree, const Property& defaults, const ConstraintMap& constraints) {
+void CorrectRateControl(Property& tree, const Defaults& defaults, const ConstraintMap& constraints) {
     for (const std::string* tag : {&V::TAG_BITRATE_MODE, &V::TAG_BITRATE, &V::TAG_QUALITY}) {
-        const auto writeDefault = [&tree, &defaults, tag] {
-            if (defaults.ChildExists(*tag)) tree.SetChild(*tag, defaults[*tag]);
-        };
         // A value without a constraint does not count as legal.
         bool isLegal = false;
         try {
@@ -61,10 +75,10 @@ void CorrectRateControl(Property& tree, const Property& defaults, const Constrai
                 isLegal = constraint != constraints.end() && constraint->second && constraint->second->Fixup(*value);
             }
         } catch (...) {
-            writeDefault();
+            defaults.WriteTo(tree, *tag);
             throw;
         }
-        if (!isLegal) writeDefault();
+        if (!isLegal) defaults.WriteTo(tree, *tag);
     }
 }
 
@@ -72,14 +86,10 @@ void CorrectRateControl(Property& tree, const Property& defaults, const Constrai
 
 void DataHelperCodecFFMPEG::CorrectFormatCodec(Property& tree) const {
     switch (m_mediaType) {
-        case MediaType::Video: {
+        case MediaType::Video:
             CorrectBitrate(tree);
-            const bool hasBFrames = HasBFrames(m_codecId);
-            if (const Answers* const kept = GetKeptAnswers()) {
-                return CorrectFrameSequences(tree, kept->defaults, hasBFrames);
-            }
-            return CorrectFrameSequences(tree, GetDefaults(), hasBFrames);
-        }
+            CorrectFrameSequences(tree, Defaults(*this, GetKeptAnswers()), HasBFrames(m_codecId));
+            return;
         case MediaType::Audio:
             // A helper's bitrate rule may depend on rate and layout.
             CorrectAudioResamplerSettings(tree);
@@ -99,10 +109,9 @@ void DataHelperCodecFFMPEG::CorrectAudioResamplerSettings(Property& tree) const 
 }
 
 void DataHelperCodecFFMPEG::CorrectBitrate(Property& tree) const {
-    if (const Answers* const kept = GetKeptAnswers()) {
-        return CorrectRateControl(tree, kept->defaults, kept->constraints);
-    }
-    const Property defaults = GetDefaults();
+    const Answers* const kept = GetKeptAnswers();
+    const Defaults defaults(*this, kept);
+    if (kept != nullptr) return CorrectRateControl(tree, defaults, kept->constraints);
     ConstraintMap constraints;
     GetConstraints(constraints);
     CorrectRateControl(tree, defaults, constraints);

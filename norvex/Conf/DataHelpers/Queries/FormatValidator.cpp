@@ -5,13 +5,13 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <utility>
 
 #include "norvex/Conf/DataHelpers/Lookup/DataHelpers.h"
 #include "norvex/Conf/DataHelpers/Queries/Census.h"
 #include "norvex/Conf/DataHelpers/Queries/Muxers.h"
 #include "norvex/foundation/Lasting.h"
 #include "norvex/interfaces/Conf/IPreset.h"
-#include "norvex/interfaces/Proc/FFmpegLayer.h"
 
 namespace Norvex::Conf {
 
@@ -27,10 +27,10 @@ bool Contains(const std::vector<std::string>& names, const std::string& name) {
     return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-const std::string& TextId(AVCodecID id) {
-    static const std::string& none = Lasting(std::string());
-    const auto codec = GetFFCodecsMap().find(id);
-    return codec != GetFFCodecsMap().end() ? codec->second : none;
+/// Asked of FFmpeg, and not of GetFFCodecsMap, which would be made for this alone.
+std::string TextId(AVCodecID id) {
+    const AVCodecDescriptor* const codec = avcodec_descriptor_get(id);
+    return codec != nullptr ? codec->name : std::string();
 }
 
 template <class Predicate>
@@ -48,7 +48,7 @@ std::vector<std::string> AskFFmpeg(const AVOutputFormat* muxer, AVMediaType type
     for (const AVCodecID id : ids) {
         // A negative answer says that the muxer does not know, which is no yes.
         if (avcodec_get_type(id) != type || avformat_query_codec(muxer, id, 0) != 1) continue;
-        if (const std::string& name = TextId(id); !name.empty()) names.push_back(name);
+        if (std::string name = TextId(id); !name.empty()) names.push_back(std::move(name));
     }
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
