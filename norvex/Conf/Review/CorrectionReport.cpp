@@ -195,7 +195,7 @@ public:
         Collect(changes);
         for (const Said& said : m_said) {
             CorrectedValue& told = said.told;
-            if (told.before) told.broken = WhatBroke(said);
+            if (told.before) TellWhatBroke(said);
             if (told.broken) {
                 told.reason = CorrectedValue::Reason::Broken;
             } else if (const Property* const standard = m_paths.Find(m_defaults, told.path);
@@ -266,24 +266,22 @@ private:
     }
 
     /// What the former value would break if all others stood as they stand now.
-    std::optional<Finding> WhatBroke(const Said& said) {
-        if (said.constraints.empty() && said.rules.empty()) return std::nullopt;
+    void TellWhatBroke(const Said& said) {
+        if (said.constraints.empty() && said.rules.empty()) return;
         const auto put = [&said](const Property& value) {
             for (Property* const place : said.places) {
                 if (place != nullptr) place->CopyDataFrom(value);
             }
         };
         put(*said.told.before);
-        m_found.clear();
+        std::optional<Finding>& broken = said.told.broken;
         for (const auto& [constraint, value, way] : said.constraints) {
-            if (m_found.empty()) ExplainConstraint(m_named, constraint, value, way, Wanted::Violations, m_found);
+            if (!broken) ExplainConstraint(m_named, constraint, value, way, Wanted::Violations, broken);
         }
         for (const ReadRule* const rule : said.rules) {
-            if (m_found.empty()) ExplainRule(m_preset, m_named, *rule, Wanted::Violations, m_found);
+            if (!broken) ExplainRule(m_preset, m_named, *rule, Wanted::Violations, broken);
         }
         put(*said.told.after);
-        if (m_found.empty()) return std::nullopt;
-        return std::move(m_found.front());
     }
 
     const NamedHelper& m_named;
@@ -296,8 +294,7 @@ private:
     Paths m_paths{m_memory};
     std::pmr::vector<Said> m_said{&m_memory};
     std::pmr::unordered_map<std::string_view, Said*> m_about{&m_memory};  ///< by the paths in the preset
-    std::vector<Finding> m_found;                                         ///< kept for its memory
-    std::string m_path;                                                   ///< likewise
+    std::string m_path;                                                   ///< kept for its memory
 };
 
 }  // namespace

@@ -96,13 +96,17 @@ void VisitValues(const SectionOfPreset& place, const std::string& key, const See
     if (value != nullptr) see(*value, Way(stream->below));
 }
 
-/// Appends what comes of the constraint and one value that it is about.
-void ExplainConstraint(const NamedHelper& named, const ConstraintMap::value_type& constraint,
-                       const Core::Property& value, const Way& way, Wanted wanted, std::vector<Finding>& findings);
+// `Findings` is a list, or room for the one that is wanted: findings are large, and are made in their place.
 
-/// Appends what comes of the rule.
+/// Adds what comes of the constraint and one value that it is about.
+template <class Findings>
+void ExplainConstraint(const NamedHelper& named, const ConstraintMap::value_type& constraint,
+                       const Core::Property& value, const Way& way, Wanted wanted, Findings& findings);
+
+/// Adds what comes of the rule.
+template <class Findings>
 void ExplainRule(const Core::Property& preset, const NamedHelper& named, const ReadRule& rule, Wanted wanted,
-                 std::vector<Finding>& findings);
+                 Findings& findings);
 
 /// Appends what comes of everything that the helper says. Passes null helpers over, and throws what helpers throw.
 void ExplainHelper(const Core::Property& preset, const NamedHelper& named, Wanted wanted,

@@ -120,9 +120,17 @@ Problem Judge(const IPropertyConstraint& constraint, const Property& value) {
     }
 }
 
-Finding& Begin(const NamedHelper& named, Finding::Source source, const std::string& key,
-               std::vector<Finding>& findings) {
-    Finding& finding = findings.emplace_back();
+Finding& Add(std::vector<Finding>& findings) {
+    return findings.emplace_back();
+}
+
+Finding& Add(std::optional<Finding>& finding) {
+    return finding.emplace();
+}
+
+template <class Findings>
+Finding& Begin(const NamedHelper& named, Finding::Source source, const std::string& key, Findings& findings) {
+    Finding& finding = Add(findings);
     finding.helperKind = named.kind;
     finding.helperId = named.id;
     finding.source = source;
@@ -311,8 +319,9 @@ const std::string& SectionOf(const std::string& kind) {
     return alias != aliases.end() ? alias->second : kind;
 }
 
+template <class Findings>
 void ExplainConstraint(const NamedHelper& named, const ConstraintMap::value_type& constraint, const Property& value,
-                       const Way& way, Wanted wanted, std::vector<Finding>& findings) {
+                       const Way& way, Wanted wanted, Findings& findings) {
     const auto& [key, allowing] = constraint;
     const Problem problem = allowing ? Judge(*allowing, value) : Problem::None;
     if (problem == Problem::None && wanted == Wanted::Violations) return;
@@ -323,17 +332,23 @@ void ExplainConstraint(const NamedHelper& named, const ConstraintMap::value_type
     Conclude(finding, problem);
 }
 
+template void ExplainConstraint(const NamedHelper& named, const ConstraintMap::value_type& constraint,
+                                const Property& value, const Way& way, Wanted wanted,
+                                std::optional<Finding>& findings);
+
+template <class Findings>
 void ExplainRule(const Property& preset, const NamedHelper& named, const ReadRule& rule, Wanted wanted,
-                 std::vector<Finding>& findings) {
+                 Findings& findings) {
     const Property* const condition = rule.first ? preset.FindByPath(rule.rule->GetFirstPath()) : nullptr;
     const bool applies = !rule.first || (condition != nullptr && IsLegal(*condition, *rule.first));
     if (!applies && wanted == Wanted::Violations) return;
-    const Property* const value = preset.FindByPath(rule.rule->GetSecondPath());
+    const std::string& path = rule.rule->GetSecondPath();
+    const Property* const value = preset.FindByPath(path);
     Problem problem = Problem::None;
     if (applies && rule.second) problem = value != nullptr ? Judge(*rule.second, *value) : Problem::Missing;
     if (problem == Problem::None && wanted == Wanted::Violations) return;
     Finding& finding = Begin(named, Finding::Source::Rule, rule.key, findings);
-    finding.path = rule.rule->GetSecondPath();
+    finding.path = path;
     if (value != nullptr) finding.value = *value;
     finding.constraint = rule.second;
     if (rule.first) finding.conditionPath = rule.rule->GetFirstPath();
@@ -341,6 +356,9 @@ void ExplainRule(const Property& preset, const NamedHelper& named, const ReadRul
     Conclude(finding, problem);
     if (!applies) finding.verdict = Verdict::DoesNotApply;
 }
+
+template void ExplainRule(const Property& preset, const NamedHelper& named, const ReadRule& rule, Wanted wanted,
+                          std::optional<Finding>& findings);
 
 void ExplainHelper(const Property& preset, const NamedHelper& named, Wanted wanted, std::vector<Finding>& findings) {
     if (!named.helper) return;
