@@ -85,6 +85,7 @@ Property::Property(std::string name) : m_name(std::move(name)), m_value(Node{}) 
 // own of what is still to be done.
 
 Property::Property(std::string name, const Property& data) : m_name(std::move(name)), m_value(data.m_value) {
+    if (data.m_children.empty()) return;
     std::vector<std::pair<const Property*, Property*>> open;
     const auto copyChildren = [&open](const Property& source, Property& target) {
         for (const Property& child : source.m_children) {

@@ -218,10 +218,9 @@ private:
     /// What the helper says about one changed value of the stream.
     struct Said {
         Said(CorrectedValue& changed, std::pmr::memory_resource& memory)
-            : told(changed), path(&memory), constraints(&memory), rules(&memory) {}
+            : told(changed), constraints(&memory), rules(&memory) {}
 
         CorrectedValue& told;
-        std::pmr::string path;                 ///< in the preset's section of the codec
         std::array<Property*, 2> places = {};  ///< where it stands in the preset, or null
         std::pmr::vector<SaidOfValue> constraints;
         std::pmr::vector<const ReadRule*> rules;
@@ -240,13 +239,13 @@ private:
         const SectionOfPreset place(m_preset, SectionOf(m_named.kind));
         for (const auto& constraint : m_helper.Constraints()) {
             VisitValues(place, constraint.first, [&](const Property& value, const Way& way) {
-                const auto said = m_about.find(way.PathIn(m_path));
-                if (said != m_about.end()) said->second->constraints.push_back({constraint, value, way});
+                if (Said* const said = About(&value)) said->constraints.push_back({constraint, value, way});
             });
         }
         for (const ReadRule& rule : m_helper.Rules()) {
-            const auto said = m_about.find(rule.rule->GetSecondPath());
-            if (said != m_about.end()) said->second->rules.push_back(&rule);
+            if (Said* const said = About(m_paths.Find(m_preset, rule.rule->GetSecondPath()))) {
+                said->rules.push_back(&rule);
+            }
         }
     }
 
@@ -254,15 +253,23 @@ private:
         Said& said = m_said.emplace_back(told, m_memory);
         const std::string* const section = CodecSectionOf(m_stream.GetName());
         if (section == nullptr) return;
-        ((said.path += *section) += Property::SEPARATOR) += told.path;
-        AddPlace(said, 0, said.path);
+        ((m_path = *section) += Property::SEPARATOR) += told.path;
+        AddPlace(said, 0, m_path);
         const std::string* const other = OtherPlaceOf(m_stream.GetName(), told.path);
         if (other != nullptr) AddPlace(said, 1, *other);
     }
 
     void AddPlace(Said& said, std::size_t index, std::string_view path) {
-        m_about.emplace(path, &said);
-        said.places[index] = const_cast<Property*>(m_paths.Find(m_preset, path));  // the preset is ours
+        const Property* const place = m_paths.Find(m_preset, path);
+        if (place == nullptr) return;
+        m_about.emplace(place, &said);
+        said.places[index] = const_cast<Property*>(place);  // the preset is ours
+    }
+
+    /// Null where the value in the preset, which may not be there, did not change.
+    Said* About(const Property* value) const {
+        const auto said = m_about.find(value);
+        return said != m_about.end() ? said->second : nullptr;
     }
 
     /// What the former value would break if all others stood as they stand now.
@@ -293,8 +300,8 @@ private:
     std::pmr::monotonic_buffer_resource m_memory{m_first.data(), m_first.size()};
     Paths m_paths{m_memory};
     std::pmr::vector<Said> m_said{&m_memory};
-    std::pmr::unordered_map<std::string_view, Said*> m_about{&m_memory};  ///< by the paths in the preset
-    std::string m_path;                                                   ///< kept for its memory
+    std::pmr::unordered_map<const Property*, Said*> m_about{&m_memory};  ///< by the places in the preset
+    std::string m_path;                                                  ///< kept for its memory
 };
 
 }  // namespace

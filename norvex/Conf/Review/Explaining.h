@@ -24,8 +24,6 @@ public:
     explicit Way(const Parts&... parts) : m_parts{std::string_view(parts)...}, m_count(sizeof...(parts)) {}
 
     std::string Path() const;
-    /// The same, in the memory that a text has already.
-    const std::string& PathIn(std::string& path) const;
     bool operator==(std::string_view path) const noexcept;
 
 private:

@@ -85,7 +85,8 @@ std::string WordsFor(const Allowed& allowed, const IPropertyConstraint& constrai
                                                    [&](const Property& before) { return nameOf(before) == name; });
             seen |= mark;
             if (!isNew) continue;
-            (list += list.empty() ? "" : ", ") += name;
+            if (!list.empty()) list.append(", ", 2);
+            list += name;
             ++count;
         }
         return count == 1 ? list : Say(oneOfMessage, {list});
@@ -269,18 +270,13 @@ std::vector<Finding> Explain(const Property& preset, const std::vector<NamedHelp
 
 }  // namespace
 
-const std::string& Way::PathIn(std::string& path) const {
-    path = m_parts[0];
-    for (std::size_t i = 1; i < m_count; ++i) (path += Property::SEPARATOR) += m_parts[i];
-    return path;
-}
-
 std::string Way::Path() const {
     std::string path;
     std::size_t size = m_count;
     for (std::size_t i = 0; i < m_count; ++i) size += m_parts[i].size();
     path.reserve(size);
-    PathIn(path);
+    path = m_parts[0];
+    for (std::size_t i = 1; i < m_count; ++i) (path += Property::SEPARATOR) += m_parts[i];
     return path;
 }
 
