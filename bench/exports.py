@@ -22,7 +22,7 @@ ROWS = [
      ["-c:v", "libx264", "-preset", "faster", "-profile:v", "main", "-tune", "film", "-crf", "14", "-pix_fmt", "yuv420p",
       "-c:a", "aac", "-b:a", "256k", "-movflags", "+faststart"], []),
     ("export.mpeg2", "MPEG-2 and MP2 in a transport stream, 12 s of 720p", 1.0, "film.mp4", "o.ts",
-     ["-c:v", "mpeg2video", "-b:v", "8M", "-bf", "2", "-c:a", "mp2", "-b:a", "192k"],
+     ["-c:v", "mpeg2video", "-b:v", "8M", "-g", "15", "-bf", "2", "-c:a", "mp2", "-b:a", "256k"],
      ["--video", "mpeg2", "--video-bitrate", "8M", "--audio", "mp2"]),
     ("export.prores", "ProRes and PCM in QuickTime, 12 s of 720p", 1.0, "film.mp4", "o.mov",
      ["-c:v", "prores", "-profile:v", "2", "-c:a", "pcm_s16le"], ["--video", "prores", "--audio", "pcm_s16le"]),

@@ -30,13 +30,13 @@ public:
 private:
     bool IsSingle() const override { return false; }
 
-    Owned<AVBufferSrcParameters> Describe(AVFrame& frame) const override {
+    FrameKind Describe(AVFrame& frame) const override {
         return DescribeFrame(frame, AVRational{0, 1}, av_get_time_base_q());
     }
 
-    std::unique_ptr<FilterGraph> MakeGraph(AVBufferSrcParameters& source) const override {
-        auto graph =
-            std::make_unique<FilterGraph>(AVMEDIA_TYPE_AUDIO, source, AudioSteps(source, EncoderContext(), NextPts()));
+    std::unique_ptr<FilterGraph> MakeGraph(const FrameKind& frames) const override {
+        auto graph = std::make_unique<FilterGraph>(AVMEDIA_TYPE_AUDIO, *frames.source,
+                                                   AudioSteps(*frames.source, EncoderContext(), NextPts()));
         graph->SetFrameSize(EncoderFrameSize());
         return graph;
     }

@@ -67,7 +67,7 @@ std::string CentredOffset(int outer, int inner) {
 
 }  // namespace
 
-Owned<AVBufferSrcParameters> DescribeFrame(const AVFrame& frame, AVRational sampleAspect, AVRational timeBase) {
+FrameKind DescribeFrame(const AVFrame& frame, AVRational sampleAspect, AVRational timeBase) {
     Owned<AVBufferSrcParameters> source = Own(av_buffersrc_parameters_alloc());
     source->format = frame.format;
     source->time_base = timeBase;
@@ -80,15 +80,19 @@ Owned<AVBufferSrcParameters> DescribeFrame(const AVFrame& frame, AVRational samp
     source->color_range = frame.color_range;
 #endif
     Check(av_channel_layout_copy(&source->ch_layout, &frame.ch_layout), "cannot copy a channel layout");
-    return source;
+    const bool isFullRange =
+        frame.color_range == AVCOL_RANGE_JPEG || IsFullRangeYuv(static_cast<AVPixelFormat>(frame.format));
+    return {std::move(source), isFullRange};
 }
 
-bool IsSame(const AVBufferSrcParameters& left, const AVBufferSrcParameters& right) {
+bool IsSame(const FrameKind& one, const FrameKind& other) {
+    const AVBufferSrcParameters& left = *one.source;
+    const AVBufferSrcParameters& right = *other.source;
 #if LIBAVFILTER_VERSION_INT >= AV_VERSION_INT(9, 16, 100)
     if (left.color_space != right.color_space || left.color_range != right.color_range) return false;
 #endif
-    return left.format == right.format && left.width == right.width && left.height == right.height &&
-           av_cmp_q(left.sample_aspect_ratio, right.sample_aspect_ratio) == 0 &&
+    return one.isFullRange == other.isFullRange && left.format == right.format && left.width == right.width &&
+           left.height == right.height && av_cmp_q(left.sample_aspect_ratio, right.sample_aspect_ratio) == 0 &&
            left.sample_rate == right.sample_rate && av_channel_layout_compare(&left.ch_layout, &right.ch_layout) == 0;
 }
 
@@ -135,8 +139,9 @@ bool IsSingle(const VideoJob& job) {
     return job.isCover || job.isStill;
 }
 
-std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParameters& source, AVColorSpace matrix,
+std::vector<FilterStep> VideoSteps(const VideoJob& job, const FrameKind& frames, AVColorSpace matrix,
                                    const AVCodecContext& encoder, bool isFirst) {
+    const AVBufferSrcParameters& source = *frames.source;
     const Size size = ScaledSize(job, source);
     const Conversion colours = ConversionFor(static_cast<AVPixelFormat>(source.format), matrix, source.height, encoder);
     const auto number = [](int value) { return std::to_string(value); };
@@ -148,8 +153,12 @@ std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParamet
 
     FilterStep scale{"scale", {{"w", number(size.width)}, {"h", number(size.height)}}};
     scale.options.emplace_back("flags", job.scaler.empty() ? "bicubic" : job.scaler);
-    if (encoder.color_range == AVCOL_RANGE_JPEG) scale.options.emplace_back("out_range", "pc");
-    if (encoder.color_range == AVCOL_RANGE_MPEG) scale.options.emplace_back("out_range", "tv");
+    // The scaler copies every picture that it is told anything of, though it has the range already.
+    const bool wantsFullRange = encoder.color_range == AVCOL_RANGE_JPEG;
+    const bool hasRange = source.format == encoder.pix_fmt && frames.isFullRange == wantsFullRange;
+    if (encoder.color_range != AVCOL_RANGE_UNSPECIFIED && !hasRange) {
+        scale.options.emplace_back("out_range", wantsFullRange ? "pc" : "tv");
+    }
     if (colours.from != nullptr) scale.options.emplace_back("in_color_matrix", colours.from);
     if (colours.to != nullptr) scale.options.emplace_back("out_color_matrix", colours.to);
 

@@ -20,10 +20,15 @@ struct FilterStep {
     Options options;
 };
 
-/// What `frame` is, as the source of a filter graph takes it.
-Owned<AVBufferSrcParameters> DescribeFrame(const AVFrame& frame, AVRational sampleAspect, AVRational timeBase);
+/// What frames are that a filter graph takes.
+struct FrameKind {
+    Owned<AVBufferSrcParameters> source;  ///< for the source of the graph
+    bool isFullRange = false;             ///< which `source` tells in newer versions alone
+};
 
-bool IsSame(const AVBufferSrcParameters& left, const AVBufferSrcParameters& right);
+FrameKind DescribeFrame(const AVFrame& frame, AVRational sampleAspect, AVRational timeBase);
+
+bool IsSame(const FrameKind& one, const FrameKind& other);
 
 /// A chain of filters from one source to one sink.
 class FilterGraph {
@@ -59,7 +64,7 @@ private:
 bool IsSingle(const VideoJob& job);
 
 /// `matrix` is the source's; `isFirst` tells the graph at the beginning from one after a change of the source.
-std::vector<FilterStep> VideoSteps(const VideoJob& job, const AVBufferSrcParameters& source, AVColorSpace matrix,
+std::vector<FilterStep> VideoSteps(const VideoJob& job, const FrameKind& frames, AVColorSpace matrix,
                                    const AVCodecContext& encoder, bool isFirst);
 
 /// `firstSample` is the sample of the output at which the graph begins.

@@ -15,12 +15,6 @@ namespace NorvexExport::Media {
 
 namespace {
 
-/// Pixel formats that say full range by themselves: yuvj420p and its kin.
-bool IsFullRangeYuv(AVPixelFormat format) {
-    const char* const name = av_get_pix_fmt_name(format);
-    return name != nullptr && std::string_view(name).substr(0, 4) == "yuvj";
-}
-
 /// Codecs whose pictures are of full range; players expect the limited one of all others.
 bool IsFullRangeCodec(AVCodecID codec) {
     return codec == AV_CODEC_ID_MJPEG;
@@ -102,6 +96,11 @@ std::vector<std::string> LossesBetween(const AVPixFmtDescriptor& source, const A
 }
 
 }  // namespace
+
+bool IsFullRangeYuv(AVPixelFormat format) {
+    const char* const name = av_get_pix_fmt_name(format);
+    return name != nullptr && std::string_view(name).substr(0, 4) == "yuvj";
+}
 
 AVPixelFormat ChoosePixelFormat(const AVCodec& codec, const VideoJob& job, AVPixelFormat source) {
     std::vector<AVPixelFormat> formats = SuitablePixelFormats(codec, job.keepsAlpha);

@@ -9,6 +9,9 @@ extern "C" {
 
 namespace NorvexExport::Media {
 
+/// Pixel formats that say full range by themselves: yuvj420p and its kin.
+bool IsFullRangeYuv(AVPixelFormat format);
+
 /// Of the formats that will do for the job, the one nearest to the source's, which may be unknown.
 AVPixelFormat ChoosePixelFormat(const AVCodec& codec, const VideoJob& job, AVPixelFormat source);
 

@@ -53,19 +53,19 @@ void TranscodedStream::Place(AVFrame& frame) {
 
 void TranscodedStream::Filter(AVFrame& frame, std::int64_t time) {
     frame.pts = time;
-    Owned<AVBufferSrcParameters> source = Describe(frame);
-    if (!HasGraph() || !IsSame(*m_source, *source)) ChangeGraph(std::move(source), time);
+    FrameKind kind = Describe(frame);
+    if (!HasGraph() || !IsSame(m_filterable, kind)) ChangeGraph(std::move(kind), time);
     m_graph->Push(frame);
     EncodeFiltered();
 }
 
-void TranscodedStream::ChangeGraph(Owned<AVBufferSrcParameters> source, std::int64_t time) {
+void TranscodedStream::ChangeGraph(FrameKind frames, std::int64_t time) {
     if (HasGraph()) {
         EndGraph(*m_graph, time);
         EncodeFiltered();
     }
-    m_graph = MakeGraph(*source);
-    m_source = std::move(source);
+    m_graph = MakeGraph(frames);
+    m_filterable = std::move(frames);
 }
 
 void TranscodedStream::EncodeFiltered() {

@@ -54,9 +54,9 @@ protected:
     virtual bool IsSingle() const = 0;
     /// Filters a decoded frame, that is shown or heard at that time in the film.
     virtual void TakeFrame(AVFrame& frame, std::int64_t time) = 0;
-    /// What a decoded frame is, as the source of a graph takes it.
-    virtual Owned<AVBufferSrcParameters> Describe(AVFrame& frame) const = 0;
-    virtual std::unique_ptr<FilterGraph> MakeGraph(AVBufferSrcParameters& source) const = 0;
+    /// What a decoded frame is for a graph.
+    virtual FrameKind Describe(AVFrame& frame) const = 0;
+    virtual std::unique_ptr<FilterGraph> MakeGraph(const FrameKind& frames) const = 0;
     /// How long a decoded frame lasts.
     virtual std::int64_t DurationOf(const AVFrame& frame) const = 0;
     /// The same of a frame for the encoder, in its time base.
@@ -74,7 +74,7 @@ private:
     void Place(AVFrame& frame);
 
     /// Size, shape or format may change within one stream.
-    void ChangeGraph(Owned<AVBufferSrcParameters> source, std::int64_t time);
+    void ChangeGraph(FrameKind frames, std::int64_t time);
 
     void EncodeFiltered();
 
@@ -88,8 +88,8 @@ private:
     Encoder m_encoder;
     Muxer& m_muxer;
     int m_outputIndex;
-    Owned<AVBufferSrcParameters> m_source;  // what m_graph was made for
-    std::unique_ptr<FilterGraph> m_graph;   // null before the first frame
+    FrameKind m_filterable;                // what m_graph was made for
+    std::unique_ptr<FilterGraph> m_graph;  // null before the first frame
     Owned<AVFrame> m_filtered;
     std::int64_t m_nextTime = 0;  // end of the frames decoded so far, in the film
     std::int64_t m_begin = 0;

@@ -30,14 +30,14 @@ public:
 private:
     bool IsSingle() const override { return Media::IsSingle(m_job); }
 
-    Owned<AVBufferSrcParameters> Describe(AVFrame& frame) const override {
+    FrameKind Describe(AVFrame& frame) const override {
         return DescribeFrame(frame, Source().SampleAspect(SourceStream(), &frame), av_get_time_base_q());
     }
 
-    std::unique_ptr<FilterGraph> MakeGraph(AVBufferSrcParameters& source) const override {
+    std::unique_ptr<FilterGraph> MakeGraph(const FrameKind& frames) const override {
         const AVColorSpace matrix = SourceStream().codecpar->color_space;
-        const std::vector<FilterStep> steps = VideoSteps(m_job, source, matrix, EncoderContext(), !HasGraph());
-        return std::make_unique<FilterGraph>(AVMEDIA_TYPE_VIDEO, source, steps);
+        const std::vector<FilterStep> steps = VideoSteps(m_job, frames, matrix, EncoderContext(), !HasGraph());
+        return std::make_unique<FilterGraph>(AVMEDIA_TYPE_VIDEO, *frames.source, steps);
     }
 
     std::int64_t DurationOf(const AVFrame& frame) const override {
