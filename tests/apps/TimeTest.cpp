@@ -106,7 +106,7 @@ TEST_F(TimeTest, FlashesAndBeepsOfJoinedPartsStayTogether) {
         "-f lavfi -i \"aevalsrc='0.9*sin(2000*PI*t)*lt(mod(t,1),0.2)*gte(t,0.12)':s=48000:d=2\" "
         "-c:v libx264 -bf 2 -g 12 -c:a mp2 half.ts");
     Write("joined.ts", Read("half.ts") + Read("half.ts"));
-    for (const char* const output : {"o.mp4", "o.mkv --copy", "o.ts", "o.avi"}) {
+    for (const char* const output : {"o.mp4", "o.mkv --copy", "o.ts", "o.mxf", "o.avi", "o.avi --video mpeg4"}) {
         EXPECT_EQ(Run(std::string("joined.ts ") + output).status, 0);
         const std::string name = std::string(output).substr(0, 5);
         const auto ends = [&](const char* filter, const std::string& word) {

@@ -46,8 +46,8 @@ private:
     }
 
     void TakeFrame(AVFrame& frame, std::int64_t time) override {
-        if (!m_pictureDelay) m_pictureDelay = PictureDelay();
-        time += *m_pictureDelay;
+        if (!m_delay) m_delay = SoundDelay();
+        time += *m_delay;
         const int rate = RateOf(frame);
         const std::int64_t next = m_rate > 0 ? Heard() : 0;
         if (m_rate == 0 || IsOff(time - next) || HasJumped(time, time - next)) {
@@ -129,7 +129,7 @@ private:
     bool Prepare(AVFrame& frame) override {
         frame.pts = std::max(frame.pts, NextPts());
         if (Source().FilmEnd() != Span::endless) {
-            const std::int64_t end = av_rescale_q(Source().FilmEnd() + m_pictureDelay.value_or(0), av_get_time_base_q(),
+            const std::int64_t end = av_rescale_q(Source().FilmEnd() + m_delay.value_or(0), av_get_time_base_q(),
                                                   EncoderContext().time_base);
             frame.nb_samples = static_cast<int>(std::min<std::int64_t>(frame.nb_samples, end - frame.pts));
             if (frame.nb_samples <= 0) End();
@@ -141,13 +141,13 @@ private:
 
     static constexpr std::int64_t bearable = std::int64_t{8} * AV_TIME_BASE / 1000;
 
-    std::int64_t m_anchor = 0;                   // where in the film the samples were last set to their time
-    std::int64_t m_samplesHeard = 0;             // since then
-    int m_rate = 0;                              // of them, 0 before the first
-    double m_drift = 0;                          // of the stamps from what the samples tell, smoothed
-    long long m_jumps = 0;                       // of the input, that the sound has heard of
-    std::optional<std::int64_t> m_jumpedAt;      // the last of them, while the sound may still have to follow
-    std::optional<std::int64_t> m_pictureDelay;  // of the container, that the sound keeps to
+    std::int64_t m_anchor = 0;               // where in the film the samples were last set to their time
+    std::int64_t m_samplesHeard = 0;         // since then
+    int m_rate = 0;                          // of them, 0 before the first
+    double m_drift = 0;                      // of the stamps from what the samples tell, smoothed
+    long long m_jumps = 0;                   // of the input, that the sound has heard of
+    std::optional<std::int64_t> m_jumpedAt;  // the last of them, while the sound may still have to follow
+    std::optional<std::int64_t> m_delay;     // that the container asks of the sound
     long long m_samples = 0;
 };
 

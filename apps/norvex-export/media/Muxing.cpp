@@ -15,6 +15,25 @@ extern "C" {
 
 namespace NorvexExport::Media {
 
+namespace {
+
+bool IsPicture(const AVStream& stream) {
+    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO && stream.avg_frame_rate.num > 0;
+}
+
+/// How much later than they are decoded pictures are shown that stand in another order; in AV_TIME_BASE units.
+std::int64_t ReorderingDelay(const AVStream& pictures) {
+    return av_rescale_q(pictures.codecpar->video_delay, av_inv_q(pictures.avg_frame_rate), av_get_time_base_q());
+}
+
+/// The silence that an encoder begins with, in AV_TIME_BASE units.
+std::int64_t Padding(const AVStream& stream) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    return av_rescale(parameters.initial_padding, AV_TIME_BASE, std::max(parameters.sample_rate, 1));
+}
+
+}  // namespace
+
 Muxer::Muxer(const std::string& container, const Options& options, const PendingFile& file)
     : Muxer(container, file.QuotedName(), FileUrl(file.Path())) {
     Open(options);
@@ -56,19 +75,24 @@ int Muxer::AddStream(const AVCodecContext& encoder, const AVStream& source) {
     return stream->index;
 }
 
-std::int64_t Muxer::PictureDelay(int soundStream) const {
-    if (TellsTimes()) return 0;
-    std::int64_t delay = 0;
+std::int64_t Muxer::SoundDelay(int stream) const {
+    if (!IsAvi()) return 0;
+    std::int64_t shown = 0;
     for (unsigned i = 0; i < m_context->nb_streams; ++i) {
-        const AVStream& stream = *m_context->streams[i];
-        const AVRational rate = stream.avg_frame_rate;
-        if (stream.codecpar->codec_type != AVMEDIA_TYPE_VIDEO || rate.num <= 0) continue;
-        delay = std::max(delay, av_rescale_q(stream.codecpar->video_delay, av_inv_q(rate), av_get_time_base_q()));
+        const AVStream& other = *m_context->streams[i];
+        if (IsPicture(other)) shown = std::max(shown, Wait(other) + ReorderingDelay(other));
     }
-    // The encoder's own silence is played as well.
-    const AVCodecParameters& sound = *m_context->streams[soundStream]->codecpar;
-    const std::int64_t padding = av_rescale(sound.initial_padding, AV_TIME_BASE, std::max(sound.sample_rate, 1));
-    return std::max<std::int64_t>(delay - padding, 0);
+    return std::max<std::int64_t>(shown - Padding(*m_context->streams[stream]), 0);
+}
+
+std::int64_t Muxer::Wait(const AVStream& stream) const {
+    if (!IsAvi()) return 0;
+    if (!IsPicture(stream)) return Padding(stream);
+    std::int64_t longest = 0;
+    for (unsigned i = 0; i < m_context->nb_streams; ++i) longest = std::max(longest, Padding(*m_context->streams[i]));
+    const std::int64_t wait = std::max<std::int64_t>(longest - ReorderingDelay(stream), 0);
+    const AVRational unit = av_get_time_base_q(), picture = av_inv_q(stream.avg_frame_rate);
+    return av_rescale_q(av_rescale_q_rnd(wait, unit, picture, AV_ROUND_UP), picture, unit);
 }
 
 int Muxer::AddAttachedCover(const AVStream& source) {
@@ -107,6 +131,7 @@ int Muxer::AddCopy(const AVStream& source, const AVCodecParameters& sourceParame
     // What one container says of the size of these packets is wrong in another.
     const bool isOfBlocks = parameters.codec_id != AV_CODEC_ID_MP3 && parameters.codec_id != AV_CODEC_ID_AC3;
     if (!isOfBlocks) parameters.block_align = 0;
+    if (IsAvi()) parameters.initial_padding = 0;  // its times count it already
     CopySideData(source, *stream);
     CopyStreamTags(source, *stream, *m_context->oformat);
     // Muxers refuse a stream of which the container and the codec say different shapes, as DV's and H.263's may.
@@ -159,7 +184,7 @@ void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase, std::int64_
     packet.pos = -1;
     const AVRational clock = m_context->streams[stream]->time_base;
     av_packet_rescale_ts(&packet, timeBase, clock);
-    const std::int64_t later = av_rescale_q(begin, av_get_time_base_q(), clock);
+    const std::int64_t later = av_rescale_q(begin + Wait(*m_context->streams[stream]), av_get_time_base_q(), clock);
     if (packet.pts != AV_NOPTS_VALUE) packet.pts += later;
     if (packet.dts != AV_NOPTS_VALUE) packet.dts += later;
     CheckWriting(av_interleaved_write_frame(m_context.get(), &packet));

@@ -66,9 +66,10 @@ public:
     /// Whether the container tells when pictures are shown, rather than only in which order they are decoded.
     bool TellsTimes() const { return (m_context->oformat->flags & AVFMT_NOTIMESTAMPS) == 0 && !IsAvi(); }
 
-    /// How much later the sound of a stream has to come for the container's readers to play it with the pictures, in
-    /// AV_TIME_BASE units. Where times are not told, they show a picture when those are decoded that it is made from.
-    std::int64_t PictureDelay(int soundStream) const;
+    /// How much later what a stream of encoded sound tells has to come for the container's readers to play it with the
+    /// pictures, in AV_TIME_BASE units. Those of AVI show a picture when those are decoded that it is made from, and
+    /// play the silence that the encoder begins with.
+    std::int64_t SoundDelay(int stream) const;
 
     /// Whether the streams of a container may begin apart, and their pictures stand at any time. In others all begin
     /// together, and the pictures follow each other at their rate.
@@ -96,6 +97,10 @@ private:
     static void CopySideData(const AVStream& source, AVStream& stream);
     static void CopySideData(const AVCodecContext& encoder, AVStream& stream);
     static void CopySideData(const AVPacketSideData& data, AVStream& stream);
+
+    /// How much later than they say the packets of a stream stand, in AV_TIME_BASE units: in AVI, those before the
+    /// beginning would have the muxer move the pictures. These wait for whole pictures.
+    std::int64_t Wait(const AVStream& stream) const;
 
     bool IsAvi() const { return std::string_view(m_context->oformat->name) == "avi"; }
 

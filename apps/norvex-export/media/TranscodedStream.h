@@ -40,7 +40,7 @@ protected:
     void MarkCover() const { m_muxer.MarkCover(m_outputIndex); }
     /// Where the next frame of the output belongs, in the time base of the encoder.
     std::int64_t NextPts() const { return m_nextPts; }
-    std::int64_t PictureDelay() const { return m_muxer.PictureDelay(m_outputIndex); }
+    std::int64_t SoundDelay() const { return m_muxer.SoundDelay(m_outputIndex); }
 
     /// When in the film the first frame of the output is shown, in AV_TIME_BASE units as all times here.
     std::int64_t BeganAt() const { return m_begin; }
