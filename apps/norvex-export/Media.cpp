@@ -156,15 +156,6 @@ std::string WhyNotWritable(Input& input, const ExportJob& job) {
     }
 }
 
-/// Seconds, 0 where unknown.
-double DurationOf(const Span& span, const Input& input) {
-    const double whole = input.Duration() * AV_TIME_BASE;
-    const auto begin = static_cast<double>(span.begin);
-    if (span.end == Span::endless) return std::max(0.0, whole - begin) / AV_TIME_BASE;
-    const auto end = static_cast<double>(span.end);
-    return std::max(0.0, (whole > 0 ? std::min(whole, end) : end) - begin) / AV_TIME_BASE;
-}
-
 ExportResult RunPasses(const ExportJob& job, const PendingFile& file, const ProgressMeter::Callback& onProgress) {
     Input input(job.inputPath);
     PassRecords records;
@@ -175,7 +166,7 @@ ExportResult RunPasses(const ExportJob& job, const PendingFile& file, const Prog
     // Pictures alone are done long before the input ends.
     const bool isPicture = std::all_of(job.video.begin(), job.video.end(), IsSingle) && job.audio.empty() &&
                            job.subtitles.empty() && job.copies.empty();
-    ProgressMeter progress(onProgress, file, isPicture ? 0 : DurationOf(job.span, input), passes);
+    ProgressMeter progress(onProgress, file, isPicture ? 0 : job.span.LengthOf(input.Duration()), passes);
     if (passes == 2) RunFirstPass(job, records, progress);
     ExportResult result;
     {
@@ -216,12 +207,21 @@ bool HasContent(const ExportJob& job) {
 
 }  // namespace
 
+double Span::LengthOf(double duration) const {
+    const double whole = duration * AV_TIME_BASE;
+    const auto from = static_cast<double>(begin);
+    if (end == endless) return std::max(0.0, whole - from) / AV_TIME_BASE;
+    const auto until = static_cast<double>(end);
+    return std::max(0.0, (whole > 0 ? std::min(whole, until) : until) - from) / AV_TIME_BASE;
+}
+
 InputInfo Probe(const std::string& path) {
     const Input input(path);
     InputInfo info;
     info.path = path;
     info.container = input.Container();
     info.duration = input.Duration();
+    info.isDurationGuessed = !input.StatesDuration();
     DescribeStreams(input, info);
     const auto isDecodable = [](const StreamSource& stream) { return stream.isDecodable; };
     const auto hasAny = [&](const auto& list) { return std::any_of(list.begin(), list.end(), isDecodable); };

@@ -83,6 +83,8 @@ struct InputInfo {
     std::string path;
     std::string container;  ///< FFmpeg's name of the demuxer
     double duration = 0;    ///< seconds, 0 where unknown
+    /// FFmpeg has it from the first and the last stamps, or from the size: where parts were joined, another comes out.
+    bool isDurationGuessed = false;
     std::vector<VideoSource> video;
     std::vector<AudioSource> audio;
     std::vector<SubtitleSource> subtitles;
@@ -160,6 +162,9 @@ struct Span {
 
     std::int64_t begin = 0;
     std::int64_t end = endless;
+
+    /// Seconds of an input that lasts so many, 0 where unknown.
+    double LengthOf(double duration) const;
 };
 
 struct ExportJob {

@@ -237,9 +237,12 @@ std::size_t ColumnsOf(int file) {
 
 std::string PlanText(const Plan& plan, bool colours) {
     const Style& style = colours ? g_coloured : g_plain;
+    const double seconds = plan.job.span.LengthOf(plan.input.duration);
+    const char* const about = plan.input.isDurationGuessed ? "about " : "";
+    const std::string lasting = seconds > 0 ? fmt::format(", {}{:.2f} s", about, seconds) : std::string();
     std::string text =
-        fmt::format("{}{}{} -> {}{}{}  {}{}, {:.2f} s{}\n", style.bold, plan.request.input, style.reset, style.bold,
-                    plan.request.output, style.reset, style.dim, plan.formatId, plan.input.duration, style.reset);
+        fmt::format("{}{}{} -> {}{}{}  {}{}{}{}\n", style.bold, plan.request.input, style.reset, style.bold,
+                    plan.request.output, style.reset, style.dim, plan.formatId, lasting, style.reset);
     if (plan.request.verbose || plan.request.explain) {
         for (const StreamPlan& stream : plan.streams) text += StreamText(stream, plan.request.explain, style);
     } else {

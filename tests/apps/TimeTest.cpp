@@ -58,6 +58,7 @@ TEST_F(TimeTest, GoesOnWhereTheInputJumpsAndStaysInStep) {
         {"joined.ts o.mp4", 100, 4, jumps},
         {"joined.ts o.mp4 --copy", 100, 4, jumps},
         {"jump.ts o.mkv", 100, 4, jumps},
+        {"jump.ts o.mp4 --start 1 --duration 2", 50, 2, "mp4, about 2.00 s"},
         {"joined.vob o.mp4 --two-pass --video-bitrate 200k", 100, 4, jumps},
         {"joined.vob o.mkv --copy", 100, 4, jumps},
         {"early.ts o.mp4", 50, 2, damage},

@@ -161,6 +161,14 @@ double Input::Duration() const {
     return longest;
 }
 
+bool Input::StatesDuration() const {
+    // What else there is was guessed from the stamps themselves, or from the size of the file: also by the demuxers of
+    // Ogg, whose stamps may jump, and of FLV, which read the last of them.
+    const AVInputFormat& format = *m_context->iformat;
+    const bool isRead = (format.flags & AVFMT_TS_DISCONT) != 0 || std::string_view(format.name) == "flv";
+    return m_context->duration_estimation_method == AVFMT_DURATION_FROM_STREAM && !isRead;
+}
+
 const AVStream* Input::BestStream(AVMediaType type, int related) const {
     const int best = av_find_best_stream(m_context.get(), type, -1, related, nullptr, 0);
     if (best >= 0) {
@@ -339,12 +347,7 @@ void Input::ReadBeginnings() {
 }
 
 std::int64_t Input::StatedEnd() const {
-    // What else there is was guessed from the stamps themselves, or from the size of the file: also by the demuxers of
-    // Ogg, whose stamps may jump, and of FLV, which read the last of them.
-    const AVInputFormat& format = *m_context->iformat;
-    const bool isRead = (format.flags & AVFMT_TS_DISCONT) != 0 || std::string_view(format.name) == "flv";
-    const bool isStated = m_context->duration_estimation_method == AVFMT_DURATION_FROM_STREAM && !isRead;
-    if (!isStated || m_context->duration <= 0) return AV_NOPTS_VALUE;
+    if (!StatesDuration() || m_context->duration <= 0) return AV_NOPTS_VALUE;
     return StartTime() + m_context->duration + AV_TIME_BASE;
 }
 

@@ -38,6 +38,8 @@ public:
 
     /// Seconds, 0 where unknown.
     double Duration() const;
+    /// Whether the header says how long the input lasts.
+    bool StatesDuration() const;
 
     /// The stream a player would take, or null. `related` is a stream whose programme it should belong to, or -1.
     const AVStream* BestStream(AVMediaType type, int related) const;
