@@ -167,13 +167,17 @@ private:
     using Children = std::pmr::unordered_map<std::string_view, const Property*>;
 
     const Property* Child(const Property& node, std::string_view name) {
+        if (name.empty()) return nullptr;
         constexpr std::size_t few = 16;
-        if (node.Count() <= few) return node.FindByPath(name);
+        if (node.Count() <= few) {
+            const auto child = node.FindChild(name);
+            return child != node.end() ? &*child : nullptr;
+        }
         Children& children = m_children[&node];
         if (children.empty()) {
             for (const Property& child : node) children.emplace(child.GetName(), &child);
         }
-        const auto child = name.empty() ? children.end() : children.find(name);
+        const auto child = children.find(name);
         return child != children.end() ? child->second : nullptr;
     }
 
