@@ -238,7 +238,12 @@ void Property::RemoveChild(std::string_view name) {
 }
 
 bool Property::operator==(const Property& other) const {
-    if (m_children.empty() || other.m_children.empty()) return Count() == other.Count() && m_value == other.m_value;
+    if (m_children.empty() || other.m_children.empty()) {
+        // Most values that lists are searched for are integers, and comparing variants takes a call.
+        const auto* const one = std::get_if<long long>(&m_value);
+        const auto* const two = std::get_if<long long>(&other.m_value);
+        return Count() == other.Count() && (one != nullptr && two != nullptr ? *one == *two : m_value == other.m_value);
+    }
     std::vector<std::pair<const Property*, const Property*>> open;
     const auto isSame = [&open](const Property& one, const Property& two) {
         if (!(one.m_value == two.m_value) || one.Count() != two.Count()) return false;
