@@ -42,7 +42,8 @@ bool HasRules(const std::string& codecId) {
 std::optional<PairFault> FaultOf(const std::string& formatId, const std::string& codecId) {
     const AVOutputFormat* const muxer = av_guess_format(MuxerOf(formatId).c_str(), nullptr, nullptr);
     if (muxer == nullptr) return PairFault{"has no muxer", "FFmpeg", "it writes no such container"};
-    if (!HasRules(codecId)) return PairFault{"there are no rules", "system", "the container lists a codec that has no helper"};
+    if (!HasRules(codecId))
+        return PairFault{"there are no rules", "system", "the container lists a codec that has no helper"};
     for (const Row& row : g_rows) {
         if (row.format == formatId && row.codec == codecId) return row.fault;
     }

@@ -74,7 +74,9 @@ Value CarriedJson(const std::string& id, const IDataHelper& format, const std::s
         ids.push_back(PlainFormOf(codec));
         if (codecKey == P::KEY_FILTER_SUBTITLE_CODEC) continue;
         if (const auto fault = NorvexApps::FaultOf(id, codec.GetString())) {
-            faults.push_back({codec.GetString(), std::string(fault->whose == std::string("FFmpeg") ? "FFmpeg: " : "the book: ") + fault->why});
+            faults.push_back(
+                {codec.GetString(),
+                 std::string(fault->whose == std::string("FFmpeg") ? "FFmpeg: " : "the book: ") + fault->why});
         }
     }
     return {{"default", PlainFormOf(fallback)}, {"codecs", ids}, {"faults", std::move(faults)}};

@@ -62,7 +62,8 @@ private:
             const std::string name = !isFlag ? one["name"].GetText() : one["value"].GetBool() ? "true" : "false";
             if (names.insert(name).second) list += (list.empty() ? "" : ", ") + name;
         }
-        if (names.size() > 1) list = m_oneOf.substr(0, m_oneOf.find('%')) + list + m_oneOf.substr(m_oneOf.find('%') + 2);
+        if (names.size() > 1)
+            list = m_oneOf.substr(0, m_oneOf.find('%')) + list + m_oneOf.substr(m_oneOf.find('%') + 2);
         return list == words->GetText();
     }
 

@@ -44,8 +44,8 @@ struct Answers {
     explicit Answers(const IDataHelper& helper) : Answers(helper, RulesOf(helper)) {}
     ~Answers() { delete m_defaults.load(std::memory_order_acquire); }
 
-    /// Made on the first call, whichever thread makes it: a container's are larger than all the rest, and its correction
-    /// needs none of them.
+    /// Made on the first call, whichever thread makes it: a container's are larger than all the rest, and its
+    /// correction needs none of them.
     const Core::Property& Defaults() const;
 
     const ConstraintMap constraints;

@@ -31,8 +31,8 @@ NORVEX_API std::vector<std::string> FileExtensions(const std::string& formatId);
 /// "bitrate", "frame rate", "audio codec": what the last tag of a path is called. Of a section, what it is about.
 NORVEX_API std::string ParameterForPeople(const std::string& path);
 
-/// What the numbers of the parameter at a path are counted in, for the field of a dialog: "bit/s", "Hz", "pixels". Empty
-/// for what has no unit.
+/// What the numbers of the parameter at a path are counted in, for the field of a dialog: "bit/s", "Hz", "pixels".
+/// Empty for what has no unit.
 NORVEX_API std::string UnitForPeople(const std::string& path);
 
 /// A value of the parameter at a path, which goes by its last tag, in its unit: "9.8 Mbit/s", "44.1 kHz",

@@ -329,8 +329,7 @@ void ExplainConstraint(const NamedHelper& named, const ConstraintMap::value_type
 }
 
 template void ExplainConstraint(const NamedHelper& named, const ConstraintMap::value_type& constraint,
-                                const Property& value, const Way& way, Wanted wanted,
-                                std::optional<Finding>& findings);
+                                const Property& value, const Way& way, Wanted wanted, std::optional<Finding>& findings);
 
 template <class Findings>
 void ExplainRule(const Property& preset, const NamedHelper& named, const ReadRule& rule, Wanted wanted,

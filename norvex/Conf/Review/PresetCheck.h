@@ -90,8 +90,8 @@ NORVEX_API std::vector<Finding> ExplainPreset(const Core::Property& preset, cons
 NORVEX_API std::vector<Finding> CheckPreset(const Core::Property& preset, const std::vector<NamedHelper>& helpers);
 
 /// The sentences of findings by name, translated, for programs that judge by the data of the book: the marks stand for
-/// %1 the path, %2 the value, %3 what is allowed, %4 the path of the condition and %5 its value; of sentences about what
-/// has no place %2 is who says so, %3 the kind of stream, and %4 how many there may be.
+/// %1 the path, %2 the value, %3 what is allowed, %4 the path of the condition and %5 its value; of sentences about
+/// what has no place %2 is who says so, %3 the kind of stream, and %4 how many there may be.
 NORVEX_API std::map<std::string, std::string> FindingSentences();
 
 /// Leaves out each violation that says of a value what one before it says, as a rule often repeats a constraint.

@@ -76,7 +76,25 @@ std::string TextOf(const std::optional<Property>& value) {
 
 std::map<std::string, std::string> FindingSentences() {
     std::map<std::string, std::string> sentences;
-    for (const auto& [name, message] : std::initializer_list<std::pair<const char*, const char*>>{{"notAllowed", notAllowedMessage}, {"notAllowedWhen", notAllowedWhenMessage}, {"missing", missingMessage}, {"missingWhen", missingWhenMessage}, {"wrongType", wrongTypeMessage}, {"wrongTypeWhen", wrongTypeWhenMessage}, {"section", sectionMessage}, {"stream", streamMessage}, {"surplus", surplusMessage}, {"otherKind", otherKindMessage}, {"video", videoWord}, {"audio", audioWord}, {"subtitles", subtitlesWord}, {"otherTypes", otherWord}, {"oneOf", oneOfMessage}, {"other", otherMessage}, {"foreign", foreignMessage}, {"size", sizeMessage}}) {
+    for (const auto& [name, message] :
+         std::initializer_list<std::pair<const char*, const char*>>{{"notAllowed", notAllowedMessage},
+                                                                    {"notAllowedWhen", notAllowedWhenMessage},
+                                                                    {"missing", missingMessage},
+                                                                    {"missingWhen", missingWhenMessage},
+                                                                    {"wrongType", wrongTypeMessage},
+                                                                    {"wrongTypeWhen", wrongTypeWhenMessage},
+                                                                    {"section", sectionMessage},
+                                                                    {"stream", streamMessage},
+                                                                    {"surplus", surplusMessage},
+                                                                    {"otherKind", otherKindMessage},
+                                                                    {"video", videoWord},
+                                                                    {"audio", audioWord},
+                                                                    {"subtitles", subtitlesWord},
+                                                                    {"otherTypes", otherWord},
+                                                                    {"oneOf", oneOfMessage},
+                                                                    {"other", otherMessage},
+                                                                    {"foreign", foreignMessage},
+                                                                    {"size", sizeMessage}}) {
         sentences.emplace(name, Translate(message));
     }
     return sentences;

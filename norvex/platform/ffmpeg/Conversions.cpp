@@ -11,8 +11,8 @@ namespace Norvex {
 
 namespace {
 
-/// The codecs that have helpers. Their numbers are here for the first lookup: FFmpeg's own names lie all over its pages,
-/// most of which nothing else reads.
+/// The codecs that have helpers. Their numbers are here for the first lookup: FFmpeg's own names lie all over its
+/// pages, most of which nothing else reads.
 // clang-format off
 constexpr struct {
     char name[12];

@@ -72,7 +72,8 @@ const AVCodec* DefaultEncoder(AVCodecID codec) {
         while (const AVCodec* const entry = av_codec_iterate(&position)) {
             if (av_codec_is_encoder(entry) != 0) all.push_back(entry);
         }
-        std::stable_sort(all.begin(), all.end(), [](const AVCodec* one, const AVCodec* two) { return one->id < two->id; });
+        std::stable_sort(all.begin(), all.end(),
+                         [](const AVCodec* one, const AVCodec* two) { return one->id < two->id; });
         return all;
     }());
     const auto first = std::lower_bound(encoders.begin(), encoders.end(), codec,

@@ -33,8 +33,8 @@ FFmpegCodecFactory::FFmpegCodecFactory()
               const AVCodecDescriptor* const described = avcodec_descriptor_get(codec->id);
               if (!av_codec_is_encoder(codec) || described == nullptr) continue;
               encoders->byCodec[described->name].push_back({codec->name,
-                                                         (codec->capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0,
-                                                         (codec->capabilities & hardwareCapabilities) == 0});
+                                                            (codec->capabilities & AV_CODEC_CAP_EXPERIMENTAL) == 0,
+                                                            (codec->capabilities & hardwareCapabilities) == 0});
           }
           return encoders;
       }()) {}

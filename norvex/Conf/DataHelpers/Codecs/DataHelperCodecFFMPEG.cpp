@@ -24,9 +24,9 @@ constexpr int lowestSampleRate = 11025;  // Hz
 std::string FrameRateLabel(const AVRational& rate) {
     std::array<char, 32> label{};
     const double value = static_cast<double>(rate.num) / rate.den;
-    return std::string(label.data(), std::to_chars(label.data(), label.data() + label.size(), value,
-                                                   std::chars_format::general, 5)
-                                         .ptr);
+    return std::string(
+        label.data(),
+        std::to_chars(label.data(), label.data() + label.size(), value, std::chars_format::general, 5).ptr);
 }
 
 /// The record of a layout that an encoder declares, or null where the system has no name for it.

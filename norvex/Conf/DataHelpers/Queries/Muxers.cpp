@@ -48,8 +48,9 @@ std::vector<Row> AllMuxers() {
 const AVOutputFormat* FindMuxer(const std::string& name) {
     // av_guess_format() compares with every name of every muxer.
     static const std::vector<Row>& rows = Lasting(AllMuxers());
-    const auto row = std::lower_bound(rows.begin(), rows.end(), name,
-                                      [](const Row& one, const std::string& text) { return IsBefore(one.first, text); });
+    const auto row = std::lower_bound(rows.begin(), rows.end(), name, [](const Row& one, const std::string& text) {
+        return IsBefore(one.first, text);
+    });
     if (row != rows.end() && !IsBefore(name, row->first)) return row->second;
     // A device that the host has registered with FFmpeg meanwhile. FFmpeg would read a name with a NUL in it up to
     // there.
