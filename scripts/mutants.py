@@ -197,6 +197,8 @@ class Source:
                 self.mark(span, "?", self.new(span[0], f"entry lost: {texts[i]}"), typed[i - 1], element)
             elif texts[i] != texts[i + 1]:
                 self.mark(span, "?", self.new(span[0], f"entry lost: {texts[i]}"), typed[i + 1], element)
+                if re.match("AV_(CODEC_ID|PIX_FMT)_", texts[i]):
+                    continue  # of FFmpeg's numbers there are sets alone
                 number = self.new(span[0], f"entry swapped with the next: {texts[i]}")
                 self.mark(span, "?", number, typed[i + 1], element)
                 self.mark(spans[i + 1], "?", number, typed[i], element)

@@ -21,7 +21,10 @@ TEST(Encoders, FindsFFmpegsDefaultEncoderOfACodec) {
 }
 
 TEST(Encoders, HaveFactsBesideTheRules) {
-    const auto factsOf = [](const char* id) { return Proc::FactsOf(Proc::FindEncoder(id, Proc::ImplNames::FFMPEG)); };
+    const auto factsOf = [](const char* id) {  // of a codec's encoder, or of one by its own name
+        const auto encoder = Proc::FindEncoder(id, Proc::ImplNames::FFMPEG);
+        return Proc::FactsOf(encoder ? encoder : Proc::SafeEncoderCodec(avcodec_find_encoder_by_name(id)));
+    };
     const auto formatOf = [&](const char* id, const std::string& name) {
         for (const Proc::PixelFormatFacts& f : factsOf(id).pixelFormats) {
             if (f.name == name) {
@@ -45,6 +48,8 @@ TEST(Encoders, HaveFactsBesideTheRules) {
         {"ffv1", "yuv411p", "4:1:1 8"},
         {"ffv1", "yuv410p", "4:1:0 8"},
         {"exr", "gbrapf32le", "RGB 32 alpha float"},
+        {"libopenjpeg", "xyz12le", "XYZ 12"},
+        {"h264_vaapi", "vaapi", "hardware 0"},
         {"mpeg2video", "rgb24", "none"},
         {"aac", "yuv420p", "none"},
         {"no such codec", "rgb24", "none"},
@@ -54,6 +59,10 @@ TEST(Encoders, HaveFactsBesideTheRules) {
     EXPECT_TRUE(factsOf("mpeg2video").isLossy && !factsOf("mpeg2video").isIntraOnly);
     EXPECT_TRUE(factsOf("mpeg2video").threadsSlices && !factsOf("mpeg2video").isHardware);
     EXPECT_TRUE(factsOf("dts").isExperimental && factsOf("truehd").isExperimental);
+    EXPECT_TRUE(factsOf("h264").threadsItself && factsOf("h264_vaapi").isHardware);
+    const Proc::EncoderFacts none = factsOf("no such codec");
+    EXPECT_FALSE(none.isHardware || none.isExperimental || none.threadsFrames || none.threadsSlices ||
+                 none.threadsItself || none.isLossless || none.isLossy || none.isIntraOnly);
 }
 
 TEST(Encoders, TakeTheValuesThatTheirOptionsAllow) {

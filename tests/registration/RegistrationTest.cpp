@@ -69,6 +69,8 @@ TEST(Registration, IsFoundLikeAnyOther) {
     };
     for (const auto& [kind, id] : rows) ASSERT_EQ(Register(kind, id), "");
     ASSERT_EQ(Register("audio_codec", "tta", MakeCodec), "");
+    ASSERT_EQ(Register("audio_codec", "of both kinds"), "");
+    ASSERT_EQ(Register("video_codec", "of both kinds", MakeCodec), "");
     FormatValidator::Instance().FillEncoders(Proc::FFmpegCodecFactory::Create());
 
     for (const auto& [kind, id] : rows) {
@@ -77,7 +79,7 @@ TEST(Registration, IsFoundLikeAnyOther) {
     }
     EXPECT_EQ(CreateDataHelper("format_codec_audio", "aac"), CreateDataHelper("audio_codec", "aac"));
     EXPECT_EQ(GetAvailableDataHelpers("format").size(), 65U);
-    EXPECT_EQ(GetAvailableDataHelpers("audio_codec").size(), 27U);
+    EXPECT_EQ(GetAvailableDataHelpers("audio_codec").size(), 28U);
     EXPECT_EQ(HelpersOf(Node("preset", {Node("format", {Property("container", "host")}),
                                         Node("audio_codec", {Property("codec_id", "tta")}), Property("filter_host")}))
                   .size(),
@@ -91,7 +93,7 @@ TEST(Registration, IsFoundLikeAnyOther) {
     };
     EXPECT_TRUE(carries("matroska"));
     EXPECT_FALSE(carries("qfx"));
-    EXPECT_TRUE(CodecHasGlobalHeader("tta"));
+    EXPECT_TRUE(CodecHasGlobalHeader("tta") && CodecHasGlobalHeader("of both kinds"));
     EXPECT_FALSE(IsAudioCodec("tta"));
     EXPECT_THAT(GetAllAudioCodecs(), Not(Contains("tta")));
 }

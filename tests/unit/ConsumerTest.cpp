@@ -45,6 +45,8 @@ TEST(FakeConstraintConsumer, PutsTheMiddleOfARangeOnTheGrid) {
                 {-7, 7, 3, -1},
                 {0, 10, -3, 3},
                 {0, 5, 100, 0},
+                {0, 11, 2, 4},
+                {0, 11, -2, 4},
                 {10, 0, 0, 5},
                 {99, 101, 100, 199},
                 {largest - 1, largest, 0, largest - 1},

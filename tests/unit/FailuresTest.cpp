@@ -1,5 +1,6 @@
 #include <functional>
 
+#include "norvex/foundation/Excerpt.h"
 #include "support/TestHelpers.h"
 
 namespace {
@@ -36,6 +37,27 @@ void ExpectStackBehindMessage() {
 
 TEST(AddStack, PutsTheStackBehindTheMessageOfAStandardException) {
     ExpectStackBehindMessage<std::logic_error, std::out_of_range, std::runtime_error, std::overflow_error>();
+}
+
+TEST(Excerpt, IsOneLineWithoutWhatWouldChangeHowItIsShown) {
+    const std::string plain(100, 'x'), umlauts = [] {
+        std::string text;
+        while (text.size() < 202) text += "\u00FC";
+        return text;
+    }();
+    const std::pair<std::string, std::string> rows[] = {
+        {"a\nb\rc\td \x1F\x7F~", "a b c d ~"},
+        {"\xC2\x80\xC2\x9F\u00A0", "\u00A0"},
+        {"\u200D\u200E\u200F\u2010", "\u200D\u2010"},
+        {"\u2027\u2028\u202E\u202F", "\u2027\u202F"},
+        {"\u2065\u2066\u2069\u206A", "\u2065\u206A"},
+        {"\xFF\xC3", "\uFFFD\uFFFD"},
+        {plain, plain},
+        {plain + "x", plain + "\u2026"},
+        {umlauts, umlauts.substr(0, 200) + "\u2026"},
+        {umlauts.substr(2), umlauts.substr(2)},
+    };
+    for (const auto& [text, shown] : rows) EXPECT_EQ(Core::Excerpt(text), shown);
 }
 
 TEST(Failures, SayWhereTheyWereThrown) {

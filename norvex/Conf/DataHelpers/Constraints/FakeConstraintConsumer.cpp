@@ -36,7 +36,7 @@ Core::Property RangeTree(T min, T mid, T max) {
 }  // namespace
 
 struct FakeConstraintConsumer::Impl {
-    boost::any min;
+    boost::any min;  ///< nothing where it was not set, which reading it tells
     boost::any max;
     long long step = 0;
     Core::Property values{std::string()};
@@ -47,17 +47,14 @@ SP<IConstraintConsumer> FakeConstraintConsumer::Create() {
     return SP<IConstraintConsumer>(new FakeConstraintConsumer);
 }
 
-FakeConstraintConsumer::FakeConstraintConsumer() : m_impl(std::make_unique<Impl>()) {
-    Reset();
-}
+FakeConstraintConsumer::FakeConstraintConsumer() : m_impl(std::make_unique<Impl>()) {}
 
 FakeConstraintConsumer::~FakeConstraintConsumer() = default;
 
 void FakeConstraintConsumer::Reset() {
     m_impl->values.RemoveAll();
-    // An int on purpose: no range reads it, so that a bound that was not set again is noticed.
-    m_impl->min = 0;
-    m_impl->max = 0;
+    m_impl->min.clear();
+    m_impl->max.clear();
 }
 
 void FakeConstraintConsumer::AddValue(const std::string& name, const Core::Property& value) {
