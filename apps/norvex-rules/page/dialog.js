@@ -1,9 +1,9 @@
 // ---------------------------------------------------------------- try it
-/// Made on first use: it copies nothing, but most readers look things up and choose nothing.
+/// Made on first use: most readers look things up and choose nothing.
 let judgeOfBook = null;
 const theJudge = () => (judgeOfBook ??= makeJudge(book));
-const trySections = [["format", "formats"], ["video_codec", "videoCodecs"], ["audio_codec", "audioCodecs"], ...book.filters.map((filter) => [filter.id, "filters"])];
-const trySection = new Map(trySections);
+const idTags = {format: "container", video_codec: "codec_id", audio_codec: "codec_id"};
+const trySections = [...Object.keys(idTags), ...book.filters.map((filter) => filter.id)];
 let preset = null;
 /// What each control is about, by the value's path in the preset: its row, and how it shows the value and the faults.
 let controls = new Map();
@@ -24,9 +24,8 @@ function startSection(kind, id) {
   if (!helper && !id) { remove(preset, kind); return; }
   const section = setChild(preset, kind, helper ? defaultsOf(helper) : undefined);
   remove(section, "streams");
-  if (kind !== "filter" && !find(section, idTags[kind] ?? "-") && idTags[kind]) setChild(section, idTags[kind], leaf("", "text", id));
+  if (idTags[kind] && !find(section, idTags[kind])) setChild(section, idTags[kind], leaf("", "text", id));
 }
-const idTags = {format: "container", video_codec: "codec_id", audio_codec: "codec_id"};
 const idOf = (kind) => (idTags[kind] ? valueAt(`${kind}/${idTags[kind]}`)?.value ?? "" : valueAt(kind) ? kind : "");
 
 /// What judges a value now, of those who list or bound it: the section's own constraint first.
@@ -188,8 +187,8 @@ function drawChoosers() {
   for (const kind of ["video_codec", "audio_codec"]) $(`try-${kind}`).querySelector(".chooser").replaceChildren(...codecOptions(kind));
 }
 function makeSections() {
-  for (const [kind, list] of trySections) {
-    const isFilter = list === "filters";
+  for (const kind of trySections) {
+    const isFilter = !idTags[kind];
     const id = `try-${kind}-chooser`;
     const chooser = isFilter ? make("input", {type: "checkbox", role: "switch", id, class: "chooser"}) : make("select", {id, class: "chooser"});
     if (kind === "format") chooser.append(...[...book.formats].sort((a, b) => a.name.localeCompare(b.name)).map((format) => make("option", {value: format.id}, formatName(format))));
@@ -204,7 +203,7 @@ function makeSections() {
 function drawDialog() {
   if (!$("trySections").firstChild) makeSections();
   drawChoosers();
-  for (const [kind] of trySections) drawSection(kind);
+  for (const kind of trySections) drawSection(kind);
   refresh();
 }
 
@@ -285,7 +284,7 @@ function openDialog(choices) {
   for (const choice of choices.split("&").filter(Boolean)) {
     const [path, text] = choice.split("=").map(decodeURIComponent);
     const [kind, ...below] = path.replace(/^-/, "").split("/");
-    if (!trySection.has(kind)) continue;
+    if (!trySections.includes(kind)) continue;
     if (below.length === 0) { startSection(kind, text); continue; }
     const parameter = parametersOf(kind, idOf(kind))[below.join("/")];
     if (!parameter || !valueAt(kind)) continue;
