@@ -1,4 +1,5 @@
 #include "norvex/document/PresetDocument.h"
+#include "norvex/document/TreeForm.h"
 #include "support/TestHelpers.h"
 
 #include <sstream>
@@ -87,7 +88,10 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
         {h264("\"$text\": \"1/2\""), "line 5: '$text' stands beside other members"},
         {h264("\"fps\": {\"$text\": 5}"), "line 5: '$text' does not hold what it should"},
         {h264("\"fps\": {\"$double\": \"infinite\"}"), "line 5: '$double' does not hold what it should"},
+        {h264("\"fps\": {\"$double\": 5}"), "line 5: '$double' does not hold what it should"},
         {h264("\"fps\": {\"$none\": false}"), "line 5: '$none' does not hold what it should"},
+        {h264("\"fps\": {\"$none\": \"nan\"}"), "line 5: '$none' does not hold what it should"},
+        {h264("\"fps\": {\"$bytes\": 5}"), "line 5: '$bytes' does not hold what it should"},
         {h264("\"fps\": {\"$more\": 5}"), "line 5: '$more' does not hold what it should"},
         {h264("\"fps\": {\"$bytes\": \"abc\"}"), "line 5: 'abc' is no hexadecimal text"},
         {h264("\"fps\": {\"$bytes\":\n\"AB\"}"), "line 6: 'AB' is no hexadecimal text"},
@@ -133,6 +137,19 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
                 0U);
         }
     }
+}
+
+TEST(PresetDocument, IsAsDeepAsItsReadersBear) {
+    const auto deep = [](int levels) {
+        Value value = 1LL;
+        while (levels-- > 0) value = Value{{"a", value}};
+        return value;
+    };
+    const Property deepest = TreeOf("t", deep(100)), deeper = Node("t", {deepest});
+    EXPECT_EQ(Dump(TreeOf("t", FormOf(deepest))), Dump(TreeOf("t", PlainFormOf(deepest))));
+    EXPECT_THROW(TreeOf("t", deep(101)), DocumentException);
+    EXPECT_THROW(FormOf(deeper), DocumentException);
+    EXPECT_THROW(PlainFormOf(deeper), DocumentException);
 }
 
 TEST(PresetDocument, SaysWhatItIsToPeopleAndTakesOlderForms) {
