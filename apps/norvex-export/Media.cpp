@@ -253,11 +253,11 @@ ExportResult RunExport(const ExportJob& job, const std::function<void(const Prog
     const auto begin = std::chrono::steady_clock::now();
     RequireComplete(job);
     RequireWritable(job.outputPath, {{job.inputPath, "the input"}});
-    PendingFile file(job.outputPath);
     ExportJob possible = job;
     std::vector<StreamFailure> leftOut;
     for (;;) {
         try {
+            PendingFile file(job.outputPath);
             ExportResult result = RunPasses(possible, file, onProgress);
             file.Commit();
             result.leftOut = std::move(leftOut);

@@ -59,7 +59,13 @@ void Muxer::Open(const Options& options) {
     if ((m_context->oformat->flags & AVFMT_NOFILE) != 0) {
         throw MediaError("the container " + Quoted(container) + " is not written to a file");
     }
-    CheckWriting(avio_open(&m_context->pb, m_context->url, AVIO_FLAG_WRITE));
+    // The file is new and empty. One that was cut to nothing is brought to the disk when it is closed, as some file
+    // systems have it.
+    AVDictionary* asItIs = nullptr;
+    Check(av_dict_set(&asItIs, "truncate", "0", 0), "cannot set up the container");
+    const int result = avio_open2(&m_context->pb, m_context->url, AVIO_FLAG_WRITE, nullptr, &asItIs);
+    av_dict_free(&asItIs);
+    CheckWriting(result);
 }
 
 int Muxer::AddStream(const AVCodecContext& encoder, const AVStream& source) {
