@@ -29,8 +29,8 @@ TREE = BUILD / "tree"
 CORES = len(os.sched_getaffinity(0))
 FILTER = "--gtest_filter="
 # By the beginning of a path: what is built for it, and the tests that may see it.
-TESTS = {"norvex/": (["unit", "real", "modern", "registration", "book", "fuzzers"],
-                     r"^(unit|real|modern|registration|book|fuzz)\."),
+TESTS = {"norvex/": (["unit", "real", "modern", "registration", "book", "names", "fuzzers"],
+                     r"^(unit|real|modern|registration|book|names|fuzz)\."),
          "apps/": (["apps", "fuzzers"], r"^(apps|fuzz)\.")}
 TURNED = {"==": "!=", "!=": "==", "<": "<=", "<=": "<", ">": ">=", ">=": ">", "&&": "||", "||": "&&"}
 PER_FILE = 4096

@@ -56,6 +56,7 @@ TEST(Encoders, HaveFactsBesideTheRules) {
     };
     for (const auto& f : formats) EXPECT_EQ(formatOf(f.id, f.format), f.facts) << f.id << ' ' << f.format;
     EXPECT_TRUE(factsOf("huffyuv").isLossless && factsOf("huffyuv").isIntraOnly && !factsOf("huffyuv").isLossy);
+    EXPECT_TRUE(factsOf("huffyuv").threadsFrames && !factsOf("huffyuv").threadsSlices);
     EXPECT_TRUE(factsOf("mpeg2video").isLossy && !factsOf("mpeg2video").isIntraOnly);
     EXPECT_TRUE(factsOf("mpeg2video").threadsSlices && !factsOf("mpeg2video").isHardware);
     EXPECT_TRUE(factsOf("dts").isExperimental && factsOf("truehd").isExperimental);
@@ -72,6 +73,7 @@ TEST(Encoders, TakeTheValuesThatTheirOptionsAllow) {
                                         {"slicecrc", "1"},
                                         {"slicecrc", "9"},
                                         {"slicecrc", "-2"},
+                                        {"slicecrc", "1x"},
                                         {"slicecrc", "on"},
                                         {"coder", "rice"},
                                         {"coder", "no coder"},
@@ -79,7 +81,7 @@ TEST(Encoders, TakeTheValuesThatTheirOptionsAllow) {
                                         {"rc_eq", "words"},
                                         {"no option", "1"}})
         taken += ffv1.TakesOption(option, value) ? '+' : '-';
-    EXPECT_EQ(taken, "++---+-+--");
+    EXPECT_EQ(taken, "++----+-+--");
 }
 
 }  // namespace

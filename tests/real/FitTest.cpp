@@ -96,6 +96,7 @@ TEST_F(Fit, AnswersEachStreamWithAReason) {
     for (const auto& [format, stream, told, reason] : rows) {
         const StreamFit fit = FitInto(format, {stream}).streams.at(0);
         EXPECT_EQ(Told(fit), told) << format << ": " << fit.reason;
+        EXPECT_EQ(fit.codecId, stream->GetProperty()["codec_id"].GetString());
         EXPECT_THAT(fit.reason, HasSubstr(reason)) << format;
     }
 }
@@ -193,7 +194,10 @@ TEST_F(Fit, NeverThrowsForWhatAStreamHolds) {
 TEST_F(Fit, FindsTheContainersThatHoldAllOfSomeCodecs) {
     const auto ids = [](const WantedCodecs& wanted, bool isEncodable) {
         std::vector<std::string> found;
-        for (const HoldingFormat& format : ContainersFor(wanted)) {
+        const auto holding = ContainersFor(wanted);
+        const auto goes = [](const HoldingFormat& format) { return format.isEncodable; };
+        EXPECT_TRUE(std::is_partitioned(holding.begin(), holding.end(), goes));
+        for (const HoldingFormat& format : holding) {
             if (format.isEncodable == isEncodable) found.push_back(format.formatId);
         }
         return found;

@@ -150,12 +150,22 @@ TEST(PresetDocument, IsAsDeepAsItsReadersBear) {
     EXPECT_THROW(TreeOf("t", deep(101)), DocumentException);
     EXPECT_THROW(FormOf(deeper), DocumentException);
     EXPECT_THROW(PlainFormOf(deeper), DocumentException);
+    // Children that share a name take three levels; what is written can be read.
+    Property twins = Node("t", {});
+    for (int i = 0; i < 33; ++i) {
+        twins = Node("t", {Property("t", i), twins});
+        EXPECT_EQ(Dump(TreeOf("t", FormOf(twins))), Dump(twins));
+    }
+    EXPECT_THROW(FormOf(Node("t", {Property("t", 0), twins})), DocumentException);
 }
 
 TEST(PresetDocument, SaysWhatItIsToPeopleAndTakesOlderForms) {
     const Property tree = Node("preset", {Node("a", {Property("b", 5)})});
     const PresetAbout about = {"Web", "For \"everyone\".", "web"};
-    const PresetDocument read = ParsePreset(WritePreset(tree, about));
+    const std::string written = WritePreset(tree, about);
+    EXPECT_LT(written.find("\"name\""), written.find("\"description\""));
+    EXPECT_LT(written.find("\"description\""), written.find("\"purpose\""));
+    const PresetDocument read = ParsePreset(written);
     EXPECT_TRUE(read.about == about);
     EXPECT_EQ(read.LineOf("a/b"), 10);
     const PresetDocument older = ParsePreset(R"({"norvex-preset": 1, "preset": {"a": {"b": 5}}})");

@@ -69,16 +69,19 @@ TEST_F(PresetMending, MakesEachContainersPresetLegalInEachOther) {
 }
 
 TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
-    const auto mend = [](const std::string& sections) {
+    const auto read = [](const std::string& sections) {
         const std::string text = R"({"norvex-preset": 1, "preset": {)" + sections + "}}";
-        const MendedPreset mended = MendPreset(Document::ReadPreset(text, Document::Foreign::Left).preset);
+        return Document::ReadPreset(text, Document::Foreign::Left).preset;
+    };
+    const auto mend = [&read](const std::string& sections) {
+        const MendedPreset mended = MendPreset(read(sections));
         EXPECT_THAT(Messages(mended.left), IsEmpty());
         std::vector<std::string> told;
         for (const MendedValue& value : mended.values) told.push_back(value.message);
         return std::pair(told, PropertyValueToString(mended.preset));
     };
     const std::string h264 = R"("video_codec": {"codec_id": "h264", "bitrate_mode": "cbr", "bitrate": 3000000)";
-    const std::string dv = R"("video_codec": {"codec_id": "dvvideo", "bitrate_mode": "cbr", "bitrate": 2000000})";
+    const std::string dv = R"("video_codec": {"codec_id": "dvvideo", "bitrate_mode": "cbr", "bitrate": 2000000)";
     const std::string surround = R"x("filter_resample": {"resample": {"channel_layout": "5.1(side)"}})x";
     const auto options = [](const std::string& values) { return R"(, "encode_options": {)" + values + "}}"; };
     const struct {
@@ -124,12 +127,17 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
           "Parameter filter_resize/resize/width is 640 now; it was 641"},
          "{filter_resize: {resize: {width: 640, height: 32}}, filter_rate: {frame_rate: 1/1}}"},
         // Sizes that a codec offers, which its rule does not look at.
-        {dv + R"(, "filter_resize": {"resize": {"frame_size_mode": "original", "width": 800, "height": 600}})",
+        {dv + R"(}, "filter_resize": {"resize": {"frame_size_mode": "original", "width": 800, "height": 600}})",
          {"Parameter filter_resize/resize/width is 720 now; it was 800",
           "Parameter filter_resize/resize/height is 576 now; it was 600",
           "Parameter filter_resize/resize/frame_size_mode is custom now, the default of filter_resize"},
          "{video_codec: {codec_id: dvvideo, bitrate_mode: cbr, bitrate: 2000000}, filter_resize: {resize: "
          "{frame_size_mode: custom, width: 720, height: 576}}}"},
+        // A mode that the codec has not, and what the other one needs.
+        {R"("video_codec": {"codec_id": "dvvideo", "bitrate_mode": "vbr"})",
+         {"Parameter video_codec/bitrate_mode is cbr now, the default of dvvideo",
+          "Parameter video_codec/bitrate is 2000000 now, the default of dvvideo"},
+         "{video_codec: {codec_id: dvvideo, bitrate_mode: cbr, bitrate: 2000000}}"},
         // No value at all.
         {R"("audio_codec": {"codec_id": "aac", "bitrate": {"$bytes": "ff"}}, "filter_volume": {"volume": "loud"})",
          {"Parameter audio_codec/bitrate is 256000 now, the default of aac",
@@ -151,6 +159,11 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
         EXPECT_EQ(told, c.told);
         EXPECT_EQ(mended, c.mended);
     }
+    const std::string size = R"(}, "filter_resize": {"resize": {"width": 800, "height": 600}})";
+    EXPECT_THAT(Messages(JudgePreset(read(h264 + size))), IsEmpty());
+    EXPECT_THAT(Messages(JudgePreset(read(dv + size))),
+                ElementsAre("Section filter_resize/resize makes pictures of 800 x 600, but those of dvvideo must be "
+                            "one of 720 x 480, 720 x 576"));
 }
 
 }  // namespace

@@ -291,8 +291,8 @@ TEST(CorrectionReport, TellsWhatChangedAndWhy) {
         {"format_codec_audio{codec_id: flac, sample_rate: 48000, sample_format: s16, channel_layout: stereo}",
          {Audio(DataHelperAudioCodecFlac::Create(), "flac")},
          {"flac bitrate_mode: - > vbr default", "flac bitrate: - > 991999 helper"}},
-        {"format_codec_video{codec_id: mjpeg, max_b_frames: 2, key_frame_interval: 9, bitrate_mode: vbr, bitrate: 0, "
-         "quality: 3, cover: false}",
+        {"format_codec_video{codec_id: mjpeg, key_frame_interval: 9, bitrate_mode: vbr, bitrate: 0, quality: 3, "
+         "cover: false, max_b_frames: 2}",
          {{"format", "m4a", m4a}, Video(DataHelperVideoCodecMjpeg::Create(), "mjpeg")},
          {"m4a cover: false > true broken" + video +
               "cover is false but must be true when video_codec/codec_id is mjpeg",
