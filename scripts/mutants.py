@@ -76,8 +76,7 @@ class Source:
         self.faults = {}
         self.marks = collections.defaultdict(list)  # by extent: what to do there, innermost last
         self.edits = {}  # words that are replaced as they are
-        self.unit = cindex.Index.create().parse(path, args=arguments)
-        self.look(self.unit.cursor)
+        self.look(cindex.Index.create().parse(path, args=arguments).cursor)
 
     def span(self, cursor):
         return cursor.extent.start.offset, cursor.extent.end.offset

@@ -184,6 +184,8 @@ TEST(Names, OfValuesHaveUnits) {
         {"background_color", {"", 4278190080LL}, "black"},
         {"background_color", {"", 0x80204060LL}, "#204060, 50 % opaque"},
         {"fourcc", {"", 0x31637661}, "avc1"},
+        {"fourcc", {"", 0x01637661}, "23295585"},
+        {"fourcc", {"", 0x7f637661}, "2137224801"},
         {"cover", {"", true}, "yes"},
         {"our_own", {"", "a_value"}, "a value"},
     };

@@ -68,6 +68,7 @@ TEST_F(Fit, AnswersEachStreamWithAReason) {
         {"mov",      Picture("vp9"),          "encoded to h264, width 641>640", "says that mov carries vp9, and does not write"},
         {"swf",      Sound("mp3"),            "encoded to mp3, sample_rate 48000>44100", "at 44100, 22050, 11025 Hz alone"},
         {"swf",      Sound("mp3", 44100),     "as_it_is", ""},
+        {"mpeg2ts",  Picture("mpeg4"),        "encoded to h264, width 641>640", "players cannot tell what it is"},
         {"vcd",      Picture("h264"),         "encoded to mpeg2video, width 641>640", "vcd does not carry h264"},
         {"webm",     Picture("theora"),       "encoded to vp8, width 641>640", ""},
         {"3gp",      Picture("vp9"),          "encoded to h263, width 641>704, height 480>576", ""},

@@ -95,6 +95,7 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
         {h264("\"fps\": {\"$more\": 5}"), "line 5: '$more' does not hold what it should"},
         {h264("\"fps\": {\"$bytes\": \"abc\"}"), "line 5: 'abc' is no hexadecimal text"},
         {h264("\"fps\": {\"$bytes\":\n\"AB\"}"), "line 6: 'AB' is no hexadecimal text"},
+        {h264("\"fps\": {\"$children\": 5}"), "line 5: '$children' does not hold what it should"},
         {h264("\"fps\": {\"$children\": [\n5]}"), "line 6: this is no named value"},
         {h264("\"fps\": {\"$children\": [[5,\n5]]}"), "line 5: this is no name"},
         {document("{\n\"filters\": {}}"), "line 3: there is no section 'filters'"},
@@ -122,6 +123,10 @@ TEST(PresetDocument, SaysInWhichLineItFails) {
         {stream("{\"type\": \"audio\",\n\"video_codec\": {}}"),
          "line 5: there is no parameter 'format/streams/0/video_codec'"},
         {stream("{\"type\": \"audio\", \"audio_codec\": {\"codec_id\":\n\"x\"}}"), "line 5: there is no codec 'x'"},
+        {stream("{\"type\": \"video\",\n\"video_codec\": 5}"),
+         "line 5: 'format/streams/0/video_codec' must be a section"},
+        {stream("{\"type\": \"video\", \"filter_resize\": {\n\"x\": 5}}"),
+         "line 5: there is no parameter 'format/streams/0/filter_resize/x'"},
         {stream("{\"type\": \"audio\", \"audio_codec\": {\"codec_id\": \"aac\",\n\"x\": 5}}"),
          "line 5: there is no parameter 'format/streams/0/audio_codec/x'"},
     };
@@ -201,12 +206,17 @@ TEST(PresetDocument, TakesValuesAsTheToolsPrintThem) {
         {"filter_resize", R"("resize": {"scale": 1})", "resize/scale: double 1"},
         {"filter_resize", R"("resize": {"frame_size_mode": "720 x 480"})",
          "resize/frame_size_mode: string custom\nresize/width: int 720\nresize/height: int 480"},
+        {"filter_resize", R"("resize": {"frame_size_mode": "0 x 480"})", "resize/frame_size_mode: string 0 x 480"},
+        {"filter_resize", R"("resize": {"frame_size_mode": "720 x 0"})", "resize/frame_size_mode: string 720 x 0"},
         {"video_codec", R"("codec_id": "mpeg1video", "frame_rate": "Auto", "cover": "true")",
          "codec_id: string mpeg1video\nframe_rate: ratio 0/1\ncover: bool true"},
         {"audio_codec", R"("codec_id": "aac", "bitrate": "96000", "bitrate_mode": "auto")",
          "codec_id: string aac\nbitrate: int 96000\nbitrate_mode: string cbr_auto"},
         {"format", R"("container": "dvd", "disk_size": "double layer")",
          "container: string dvd\ndisk_size: int 8543666176"},
+        {"format",
+         R"("container": "matroska", "streams": {"0": {"type": "audio", "audio_codec": {"codec_id": "tta"}}})",
+         "container: string matroska\nstreams/0/type: string audio\nstreams/0/audio_codec/codec_id: string tta"},
     };
     for (const auto& [section, written, read] : cases) {
         const std::string text =

@@ -138,6 +138,12 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
          {"Parameter video_codec/bitrate_mode is cbr now, the default of dvvideo",
           "Parameter video_codec/bitrate is 2000000 now, the default of dvvideo"},
          "{video_codec: {codec_id: dvvideo, bitrate_mode: cbr, bitrate: 2000000}}"},
+        // No stream that the container has room for.
+        {R"("format": {"container": "aiff", "limits": {"other": 17}, "streams": {"0": {"type": "video", "video_codec": {"codec_id": "h264"}}}})",
+         {"Parameter format/streams/0 is {type: audio, audio_codec: {codec_id: pcm_s16le}} now, the default of aiff",
+          "Parameter format/limits/other is 16 now, the default of aiff"},
+         "{format: {container: aiff, limits: {other: 16}, streams: {0: {type: audio, audio_codec: {codec_id: "
+         "pcm_s16le}}}}}"},
         // No value at all.
         {R"("audio_codec": {"codec_id": "aac", "bitrate": {"$bytes": "ff"}}, "filter_volume": {"volume": "loud"})",
          {"Parameter audio_codec/bitrate is 256000 now, the default of aac",
@@ -159,11 +165,21 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
         EXPECT_EQ(told, c.told);
         EXPECT_EQ(mended, c.mended);
     }
+    const auto judged = [&read](const std::string& sections) {
+        std::vector<std::string> told;
+        for (const Finding& finding : JudgePreset(read(sections))) {
+            const bool isThere = finding.problem != Finding::Problem::Missing;
+            if (isThere) told.push_back(finding.path + ' ' + finding.documentPath + ": " + finding.message);
+        }
+        return told;
+    };
     const std::string size = R"(}, "filter_resize": {"resize": {"width": 800, "height": 600}})";
-    EXPECT_THAT(Messages(JudgePreset(read(h264 + size))), IsEmpty());
-    EXPECT_THAT(Messages(JudgePreset(read(dv + size))),
-                ElementsAre("Section filter_resize/resize makes pictures of 800 x 600, but those of dvvideo must be "
-                            "one of 720 x 480, 720 x 576"));
+    EXPECT_THAT(judged(h264 + size), IsEmpty());
+    EXPECT_THAT(judged(dv + R"(, "encode_options": {"tune": "film"})" + size),
+                ElementsAre("video_codec/encode_options/tune video_codec/encode_options/tune: Parameter "
+                            "video_codec/encode_options/tune has no place: dvvideo has none such",
+                            "filter_resize/resize filter_resize/resize: Section filter_resize/resize makes pictures of "
+                            "800 x 600, but those of dvvideo must be one of 720 x 480, 720 x 576"));
 }
 
 }  // namespace
