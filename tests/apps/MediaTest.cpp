@@ -12,14 +12,12 @@
 #include <cstring>
 #include <filesystem>
 #include <nlohmann/json.hpp>
-#include <numeric>
 #include <random>
 #include <regex>
 #include <set>
 #include <sstream>
 #include <thread>
 
-#include "media/Worker.h"
 #include "support/Files.h"
 #include "support/MadeClip.h"
 #include "support/TemporaryFolder.h"
@@ -876,31 +874,6 @@ TEST_F(MediaFailure, AFullDiskIsReported) {
             message = FailureOf(job);
         }
         EXPECT_THAT(message, AllOf(HasSubstr("cannot write '" + job.outputPath + "'"), HasSubstr("File too large")));
-    }
-}
-
-TEST(Worker, DoesInTurnWhatItIsGivenUntilSomethingFails) {
-    for (const int failing : {0, 700, 2000}) {
-        std::vector<int> done, expected(static_cast<std::size_t>(failing));
-        std::iota(expected.begin(), expected.end(), 0);
-        NorvexExport::Media::Worker worker;
-        const auto work = [&] {
-            for (int i = 0; i < 2000; ++i) {
-                worker.Do(100000, [&done, failing, i] {
-                    if (i == failing) throw MediaError("no room");
-                    done.push_back(i);
-                });
-            }
-            worker.Finish();
-        };
-        if (failing < 2000) {
-            EXPECT_THROW(work(), MediaError);
-            EXPECT_THROW(worker.Finish(), MediaError);
-        } else {
-            work();
-        }
-        worker.Stop();
-        EXPECT_EQ(done, expected);
     }
 }
 

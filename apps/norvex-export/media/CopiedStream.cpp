@@ -106,7 +106,7 @@ private:
             packet.pts = packet.dts = 0;
             av_packet_rescale_ts(&packet, m_stream.time_base, m_muxer.TimeBase(m_outputIndex));
             ++m_packets;
-            m_muxer.WriteInTurn(packet, m_outputIndex, m_muxer.TimeBase(m_outputIndex));
+            m_muxer.Write(packet, m_outputIndex, m_muxer.TimeBase(m_outputIndex));
             return;
         }
         SetTimes(packet);
@@ -114,7 +114,7 @@ private:
         m_nextTime = packet.dts + packet.duration;
         Rescale(packet);
         ++m_packets;
-        m_muxer.WriteInTurn(packet, m_outputIndex, m_muxer.TimeBase(m_outputIndex));
+        m_muxer.Write(packet, m_outputIndex, m_muxer.TimeBase(m_outputIndex));
     }
 
     /// Whether only to decode the pictures would tell when they are shown, where packets do not: H.264 in AVI is such.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <new>
 #include <string_view>
 
@@ -184,12 +183,6 @@ bool Muxer::PlacesStreams(const std::string& container) {
     return std::find(without.begin(), without.end(), container) == without.end();
 }
 
-void Muxer::WriteInTurn(AVPacket& packet, int stream, AVRational timeBase) {
-    const std::shared_ptr<AVPacket> kept = Own(av_packet_alloc());
-    av_packet_move_ref(kept.get(), &packet);
-    DoInTurn(static_cast<std::size_t>(kept->size), [=] { Write(*kept, stream, timeBase); });
-}
-
 void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase, std::int64_t begin) {
     if (m_isOnePicture && m_packets > 0) FailAsOnePicture();
     ++m_packets;
@@ -204,7 +197,6 @@ void Muxer::Write(AVPacket& packet, int stream, AVRational timeBase, std::int64_
 }
 
 void Muxer::Finish() {
-    m_worker->Finish();
     CheckWriting(av_write_trailer(m_context.get()));
     if (m_context->pb == nullptr) return;
     avio_flush(m_context->pb);

@@ -1,12 +1,10 @@
 /// The container of the output.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -16,12 +14,9 @@ extern "C" {
 #include "Basics.h"
 #include "Files.h"
 #include "Tags.h"
-#include "Worker.h"
 
 namespace NorvexExport::Media {
 
-/// What is written, and the work that makes it, is done in a thread of its own, in the order in which it is given: the
-/// reading and decoding go on meanwhile. A failure of it is thrown by what is given next, or by Finish().
 class Muxer {
 public:
     /// Writes the container to `file`.
@@ -86,21 +81,11 @@ public:
     /// The clock of a stream, known after Begin().
     AVRational TimeBase(int stream) const { return m_context->streams[stream]->time_base; }
 
-    /// Takes the packet's content, leaves it empty, and writes it in turn.
-    void WriteInTurn(AVPacket& packet, int stream, AVRational timeBase);
-
-    /// Does work in turn, which may write. `bytes` says how much memory it holds.
-    void DoInTurn(std::size_t bytes, Worker::Work work) { m_worker->Do(bytes, std::move(work)); }
-
-    /// Writes a packet at once, which is for work in turn alone. Takes the packet's content, and leaves it empty. Its
-    /// times count from `begin`, in AV_TIME_BASE units.
+    /// Takes the packet's content, and leaves it empty. Its times count from `begin`, in AV_TIME_BASE units.
     void Write(AVPacket& packet, int stream, AVRational timeBase, std::int64_t begin = 0);
 
-    /// Does all that was given, and completes the file. Only then is it known that all of it was written.
+    /// Completes the file. Only then is it known that all of it was written.
     void Finish();
-
-    /// Drops what was given and not done. For whoever goes that this needs.
-    void Stop() noexcept { m_worker->Stop(); }
 
 private:
     Muxer(const std::string& container, const std::string& quotedName, const std::string& url);
@@ -134,7 +119,6 @@ private:
     bool m_isOnePicture;
     long long m_packets = 0;
     std::unique_ptr<AVFormatContext, CloseOutput> m_context;
-    std::unique_ptr<Worker> m_worker = std::make_unique<Worker>();  // the last, which uses all others
 };
 
 }  // namespace NorvexExport::Media

@@ -102,7 +102,7 @@ private:
         packet->pts = packet->dts = begin;
         packet->duration = end - begin;
         packet->flags |= AV_PKT_FLAG_KEY;
-        m_muxer.WriteInTurn(*packet, m_outputIndex, av_get_time_base_q());
+        m_muxer.Write(*packet, m_outputIndex, av_get_time_base_q());
         m_begin = begin;
         m_end = std::max(m_end, end);
         ++m_events;

@@ -1,8 +1,6 @@
 #include "TranscodedStream.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -11,19 +9,6 @@ extern "C" {
 }
 
 namespace NorvexExport::Media {
-
-namespace {
-
-/// The memory that a frame holds, which may be null.
-std::size_t SizeOf(const AVFrame* frame) {
-    std::size_t size = 0;
-    if (frame == nullptr) return size;
-    for (const AVBufferRef* const buffer : frame->buf) size += buffer != nullptr ? buffer->size : 0;
-    for (int i = 0; i < frame->nb_extended_buf; ++i) size += frame->extended_buf[i]->size;
-    return size;
-}
-
-}  // namespace
 
 TranscodedStream::TranscodedStream(const Input& input, const AVStream& stream, Encoder encoder, Muxer& muxer)
     : m_input(input),
@@ -94,17 +79,9 @@ void TranscodedStream::EncodeFiltered() {
     }
 }
 
-void TranscodedStream::Encode(AVFrame* frame) {
-    std::shared_ptr<AVFrame> kept;
-    if (frame != nullptr) {
-        kept = Own(av_frame_alloc());
-        av_frame_move_ref(kept.get(), frame);
-    }
-    m_muxer.DoInTurn(SizeOf(kept.get()), [this, kept, begin = m_begin] {
-        m_encoder.Encode(kept.get(), [&](AVPacket& packet) {
-            m_muxer.Write(packet, m_outputIndex, m_encoder.Context().time_base, begin);
-        });
-    });
+void TranscodedStream::Encode(const AVFrame* frame) {
+    m_encoder.Encode(
+        frame, [&](AVPacket& packet) { m_muxer.Write(packet, m_outputIndex, m_encoder.Context().time_base, m_begin); });
 }
 
 void TranscodedStream::RequireFrames() const {

@@ -16,8 +16,6 @@ namespace NorvexExport::Media {
 /// A stream that is decoded, filtered and encoded.
 class TranscodedStream : public OutputStream {
 public:
-    ~TranscodedStream() override { m_muxer.Stop(); }  // its work uses the encoder
-
     int SourceIndex() const override { return m_stream.index; }
 
     void Take(const AVPacket& packet) override;
@@ -36,7 +34,6 @@ protected:
 
     const Input& Source() const { return m_input; }
     const AVStream& SourceStream() const { return m_stream; }
-    /// What the encoder was opened with: what it does is not to be looked at while it works.
     const AVCodecContext& EncoderContext() const { return m_encoder.Context(); }
     int EncoderFrameSize() const { return m_encoder.FrameSize(); }
     bool HasGraph() const { return m_graph != nullptr; }
@@ -81,8 +78,7 @@ private:
 
     void EncodeFiltered();
 
-    /// Takes the frame's content, and leaves it empty; null stands for the end.
-    void Encode(AVFrame* frame);
+    void Encode(const AVFrame* frame);
 
     void RequireFrames() const;
 
