@@ -206,7 +206,11 @@ TEST_F(Fit, FindsTheContainersThatHoldAllOfSomeCodecs) {
     EXPECT_THAT(ids({{"hevc"}, {"flac"}, {"subrip"}}, true), testing::ElementsAre("matroska"));
     EXPECT_THAT(ids({{"hevc", "hevc"}, {"aac"}, {}}, true),
                 testing::AllOf(testing::Contains("mp4"), testing::Not(testing::Contains("mov"))));
-    EXPECT_THAT(ids({{}, {}, {"srt"}}, true), testing::Contains("matroska"));
+    EXPECT_THAT(ids({{}, {"aac", "aac"}, {}}, true),
+                testing::AllOf(testing::Contains("mp4"), testing::Not(testing::Contains("flv"))));
+    for (const char* const text : {"srt", "subrip", "ssa", "ass"}) {
+        EXPECT_THAT(ids({{}, {}, {text}}, true), testing::Contains("matroska")) << text;
+    }
     EXPECT_THAT(ids({{"h264"}, {"aac"}, {}}, false), testing::ElementsAre("qfx"));
     EXPECT_TRUE(ContainersFor({{"no codec"}, {}, {}}).empty());
 }
