@@ -182,6 +182,7 @@ TEST(Names, OfValuesHaveUnits) {
         {"frame_duration", {"", "2.5"}, "2.5 ms"},
         {"scale", {"", 0.5}, "50 %"},
         {"background_color", {"", 4278190080LL}, "black"},
+        {"background_color", {"", 0xFFFFFFFFLL}, "white"},
         {"background_color", {"", 0xFE204060LL}, "#204060, 99 % opaque"},
         {"fourcc", {"", 0x317e7661}, "av~1"},
         {"fourcc", {"", 0x01637661}, "23295585"},

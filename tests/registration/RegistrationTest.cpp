@@ -98,6 +98,22 @@ TEST(Registration, IsFoundLikeAnyOther) {
     EXPECT_THAT(GetAllAudioCodecs(), Not(Contains("tta")));
 }
 
+TEST(Registration, MendingLeavesOutWhatNoValueMends) {
+    const auto make = [] {
+        SP<TestCodec> codec(new TestCodec(MediaType::Audio, "tta"));
+        codec->defaults = Node("audio_codec", {Property("codec_id", "tta"), Property("quality", 5)});
+        codec->constraints["quality"] = ConstraintSet::Create(PairList<long long>());
+        return SP<const IDataHelper>(codec);
+    };
+    ASSERT_EQ(Register("audio_codec", "tta", make), "");
+    const MendedPreset mended =
+        MendPreset(Node("preset", {Node("audio_codec", {Property("codec_id", "tta"), Property("quality", 5)})}));
+    EXPECT_EQ(PropertyValueToString(mended.preset), "{audio_codec: {codec_id: tta}}");
+    ASSERT_EQ(mended.values.size(), 1U);
+    EXPECT_EQ(mended.values.front().message, "audio_codec/quality is left out");
+    EXPECT_TRUE(mended.left.empty());
+}
+
 TEST(Registration, FunctionsRunOnceCodecsFirst) {
     static std::vector<std::string> made;
     static std::vector<std::string> asked;

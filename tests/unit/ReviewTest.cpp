@@ -1,5 +1,7 @@
 #include <cmath>
 #include <functional>
+#include <map>
+#include <set>
 
 #include "support/FakeBuild.h"
 #include "support/TestHelpers.h"
@@ -220,6 +222,22 @@ TEST(PresetCheck, TellsAFaultOnce) {
                                                           "Parameter audio_codec/c is 3 but must be one of 1, 2"));
 }
 
+TEST(PresetCheck, GivesItsSentencesAndLeadsBackToTheStream) {
+    std::set<std::string> different;
+    for (const auto& [name, sentence] : FindingSentences()) different.insert(sentence);
+    EXPECT_EQ(FindingSentences().size(), 18U);
+    EXPECT_EQ(different.size(), 18U);
+    for (const auto& [path, tag] :
+         std::map<std::string, std::string>{{"video_codec/bitrate", "bitrate"},
+                                            {"audio_codec/encode_options/x", "encode_options/x"},
+                                            {"filter_rate/frame_rate", "frame_rate"},
+                                            {"filter_resample/resample/sample_rate", "sample_rate"},
+                                            {"audio_codecs/bitrate", "audio_codecs/bitrate"},
+                                            {"format/container", "format/container"}}) {
+        EXPECT_EQ(StreamPathOf(path), tag);
+    }
+}
+
 TEST(PresetCheck, TakesAutomaticHelpers) {
     const Property preset =
         Preset({"filter_resample{resample: {sample_rate: -1}}", "audio_codec{codec_id: mp3, bitrate_mode: cbr_auto}"});
@@ -397,6 +415,8 @@ TEST(CorrectionReport, TellsApartValuesThatShareAPath) {
     EXPECT_THAT(changes([](Property&) {}), IsEmpty());
     EXPECT_THAT(changes([](Property& tree) { tree[1] = 7, tree[3]["a"] = 8; }),
                 ElementsAre("test a: 2 > 7 helper", "test /a: 3 > 8 helper"));
+    EXPECT_THAT(changes([](Property& tree) { tree["full"].CopyDataFrom(Tree("x{y: 1}")); }),
+                ElementsAre("test full/y: - > 1 helper", "test full: 5 > - helper"));
     EXPECT_THAT(changes([](Property& tree) {
                     tree["empty"].SetChildT("y", 1), tree["emptied"].RemoveAll(), tree["full"] = 5.0, tree[7] = 3;
                 }),
