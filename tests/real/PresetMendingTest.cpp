@@ -90,10 +90,10 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
         std::string mended;
     } cases[] = {
         // Legal as it is: nothing is touched, be it narrower than the container or beyond a dialog's list.
-        {R"("format": {"container": "mp4", "limits": {"audio": 1}}, )" + surround +
+        {R"("format": {"container": "mp4", "limits": {"audio": 1, "other": 0}}, )" + surround +
              R"(, "audio_codec": {"codec_id": "aac", "bitrate": 96000})",
          {},
-         "{format: {container: mp4, limits: {audio: 1}}, filter_resample: {resample: {channel_layout: "
+         "{format: {container: mp4, limits: {audio: 1, other: 0}}, filter_resample: {resample: {channel_layout: "
          "5.1(side)}}, audio_codec: {codec_id: aac, bitrate: 96000}}"},
         // A codec that the container does not carry.
         {R"("format": {"container": "webm"}, )" + h264 + options(R"("tune": "film")"),
@@ -138,6 +138,13 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
          {"Parameter video_codec/bitrate_mode is cbr now, the default of dvvideo",
           "Parameter video_codec/bitrate is 2000000 now, the default of dvvideo"},
          "{video_codec: {codec_id: dvvideo, bitrate_mode: cbr, bitrate: 2000000}}"},
+        {R"("audio_codec": {"codec_id": "mp3", "bitrate_mode": "x"}, "video_codec": {"codec_id": "h264", "bitrate_mode": "x"})",
+         {"Parameter video_codec/bitrate_mode is vbr now, the default of h264",
+          "Parameter audio_codec/bitrate_mode is cbr now, the default of mp3",
+          "Parameter video_codec/quality is 14 now, the default of h264",
+          "Parameter audio_codec/bitrate is 256000 now, the default of mp3"},
+         "{audio_codec: {codec_id: mp3, bitrate_mode: cbr, bitrate: 256000}, video_codec: {codec_id: h264, "
+         "bitrate_mode: vbr, quality: 14}}"},
         // No stream that the container has room for.
         {R"("format": {"container": "aiff", "limits": {"other": 17}, "streams": {"0": {"type": "video", "video_codec": {"codec_id": "h264"}}}})",
          {"Parameter format/streams/0 is {type: audio, audio_codec: {codec_id: pcm_s16le}} now, the default of aiff",

@@ -196,7 +196,13 @@ TEST(PresetCheck, TellsWhatAContainerHasNoRoomFor) {
     };
     for (const auto& c : cases) {
         const Property preset = Preset(c.sections);
-        EXPECT_EQ(Messages(CheckPreset(preset, {HelpersOf(preset).front()})), c.messages) << Dump(preset);
+        const std::vector<Finding> findings = CheckPreset(preset, {HelpersOf(preset).front()});
+        EXPECT_EQ(Messages(findings), c.messages) << Dump(preset);
+        for (const Finding& finding : findings) {
+            const bool isSurplus = finding.message.find("one too many") != std::string::npos;
+            EXPECT_EQ(finding.problem, isSurplus ? Finding::Problem::TooMany : Finding::Problem::NoPlace);
+            EXPECT_EQ(finding.documentPath, finding.path);
+        }
     }
     int closed = 0;
     for (const auto& [id, helper] : GetAvailableDataHelpers("format")) {
@@ -222,19 +228,40 @@ TEST(PresetCheck, TellsAFaultOnce) {
                                                           "Parameter audio_codec/c is 3 but must be one of 1, 2"));
 }
 
-TEST(PresetCheck, GivesItsSentencesAndLeadsBackToTheStream) {
+TEST(PresetCheck, GivesAllItsSentences) {
     std::set<std::string> different;
     for (const auto& [name, sentence] : FindingSentences()) different.insert(sentence);
     EXPECT_EQ(FindingSentences().size(), 18U);
     EXPECT_EQ(different.size(), 18U);
-    for (const auto& [path, tag] :
-         std::map<std::string, std::string>{{"video_codec/bitrate", "bitrate"},
-                                            {"audio_codec/encode_options/x", "encode_options/x"},
-                                            {"filter_rate/frame_rate", "frame_rate"},
-                                            {"filter_resample/resample/sample_rate", "sample_rate"},
-                                            {"audio_codecs/bitrate", "audio_codecs/bitrate"},
-                                            {"format/container", "format/container"}}) {
-        EXPECT_EQ(StreamPathOf(path), tag);
+}
+
+TEST(PresetAssembly, PutsAStreamWhereRulesLookAndFindsTheWayBack) {
+    const struct {
+        const char* stream;
+        const char* preset;
+        std::map<std::string, std::string> ways;
+    } cases[] = {
+        {"format_codec_video{width: 720, height: 480, frame_rate: 25/1, cover: true}",
+         "{video_codec: {width: 720, height: 480, frame_rate: 25/1, cover: true}, filter_resize: {resize: {width: "
+         "720, height: 480}}, filter_rate: {frame_rate: 25/1}, format: {cover: true}}",
+         {{"filter_resize/resize/width", "width"},
+          {"filter_resize/resize/height", "height"},
+          {"filter_rate/frame_rate", "frame_rate"},
+          {"format/cover", "cover"},
+          {"video_codec/encode_options/tune", "encode_options/tune"},
+          {"video_codecs/bitrate", "video_codecs/bitrate"}}},
+        {"format_codec_audio{sample_rate: 8000, sample_format: s16, channel_layout: mono}",
+         "{audio_codec: {sample_rate: 8000, sample_format: s16, channel_layout: mono}, filter_resample: {resample: "
+         "{sample_rate: 8000, sample_format: s16, channel_layout: mono}}}",
+         {{"filter_resample/resample/sample_rate", "sample_rate"},
+          {"filter_resample/resample/sample_format", "sample_format"},
+          {"filter_resample/resample/channel_layout", "channel_layout"},
+          {"audio_codec/bitrate", "bitrate"},
+          {"format/container", "format/container"}}},
+    };
+    for (const auto& [stream, preset, ways] : cases) {
+        EXPECT_EQ(Core::PropertyValueToString(Preset({stream})), preset);
+        for (const auto& [path, tag] : ways) EXPECT_EQ(StreamPathOf(path), tag);
     }
 }
 
