@@ -156,9 +156,9 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
          {"Parameter audio_codec/bitrate is 256000 now, the default of aac",
           "Parameter filter_volume/volume is 100 now, the default of filter_volume"},
          "{audio_codec: {codec_id: aac, bitrate: 256000}, filter_volume: {volume: 100}}"},
-        // A container's tags, facts and streams.
+        // A container's tags, facts and streams, which are named by their places where one of them has no number.
         {R"("format": {"container": "wav", "global_header": true, "disk_size": 1, "limits": {"video": 9, "audio": 1, "subtitle": -1}, "streams": {
-            "0": {"type": "video", "video_codec": {"codec_id": "mpeg2video"}}, "1": {"type": "audio", "audio_codec": {"codec_id": "pcm_s16le"}},
+            "0": {"type": "video", "video_codec": {"codec_id": "mpeg2video"}}, "x": {"type": "audio", "audio_codec": {"codec_id": "pcm_s16le"}},
             "2": {"type": "audio", "audio_codec": {"codec_id": "pcm_s16le"}}}})",
          {"format/streams/0 is left out", "format/streams/2 is left out",
           "Parameter format/global_header is false now, the default of wav",
