@@ -194,6 +194,7 @@ TEST(PresetDocument, TakesValuesAsTheToolsPrintThem) {
         {"filter_rate", R"("frame_rate": 25)", "frame_rate: ratio 25/1"},
         {"filter_rate", R"("frame_rate": "25")", "frame_rate: ratio 25/1"},
         {"filter_rate", R"("frame_rate": "12.5")", "frame_rate: ratio 25/2"},
+        {"filter_rate", R"("frame_rate": 0.1)", "frame_rate: ratio 1/10"},
         {"filter_rate", R"("frame_rate": 29.97)", "frame_rate: ratio 30000/1001"},
         {"filter_rate", R"("frame_rate": "23.976")", "frame_rate: ratio 24000/1001"},
         {"filter_rate", R"("frame_rate": "23.98")", "frame_rate: ratio 24000/1001"},
