@@ -922,7 +922,9 @@ void DamagePictures(const std::string& path, const std::function<bool(int)>& isH
 }
 
 TEST_F(MediaFailure, DamagedPacketsArePassedOverAndACutFileGoesAsFarAsItGoes) {
-    ExportJob toJpegs = VideoJobFor(Clip(), "mjpeg", "matroska");
+    ExportJob toJpegs = JobFor(Clip());
+    toJpegs.muxer = "matroska";
+    toJpegs.video.at(0).codecId = "mjpeg", toJpegs.video.at(0).options.clear();
     toJpegs.outputPath = Path("jpegs.mkv");
     RunExport(toJpegs, Ignore);
     const ExportJob job = VideoJobFor(toJpegs.outputPath, "h264", "mp4");
@@ -932,7 +934,19 @@ TEST_F(MediaFailure, DamagedPacketsArePassedOverAndACutFileGoesAsFarAsItGoes) {
     EXPECT_NEAR(ReadContent(job.outputPath).PictureMark(), 0.4, 0.041);
     fs::copy_file(Path("whole"), job.inputPath, fs::copy_options::overwrite_existing);
     DamagePictures(job.inputPath, [](int) { return true; });
-    EXPECT_THAT(FailureOf(job), testing::ContainsRegex("video.*jpegs.mkv'.*could be decoded.*Invalid data"));
+    const auto isReason = testing::ContainsRegex("video.*jpegs.mkv'.*could be decoded.*Invalid data");
+    EXPECT_THAT(FailureOf(job), isReason);
+    // Beside sound they are left out, and nothing of the attempt with them stays in the file.
+    ExportJob film = JobFor(job.inputPath);
+    film.muxer = "avi", film.audio.at(0).codecId = "mp3", film.span.end = 50000;  // whose header is the most of it
+    const ExportResult result = RunExport(film, Ignore);
+    ASSERT_EQ(result.leftOut.size(), 1u);
+    EXPECT_EQ(result.leftOut[0].streamIndex, 0);
+    EXPECT_THAT(result.leftOut[0].reason, isReason);
+    const std::string sound = ReadFile(film.outputPath);
+    film.video.clear();
+    EXPECT_TRUE(RunExport(film, Ignore).leftOut.empty());
+    EXPECT_TRUE(ReadFile(film.outputPath) == sound);
     fs::rename(Path("whole"), job.inputPath);
     fs::resize_file(job.inputPath, fs::file_size(job.inputPath) / 2);
     EXPECT_NEAR(static_cast<double>(RunExport(job, Ignore).videoFrames), 10, 5);

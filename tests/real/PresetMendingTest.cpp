@@ -165,8 +165,7 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
           "Parameter format/limits/video is 0 now, the default of wav",
           "Parameter format/limits/subtitle is 0 now, the default of wav", "format/disk_size is left out"},
          "{format: {container: wav, global_header: false, limits: {video: 0, audio: 1, subtitle: 0}, streams: {1: "
-         "{type: "
-         "audio, audio_codec: {codec_id: pcm_s16le}}}}}"},
+         "{type: audio, audio_codec: {codec_id: pcm_s16le}}}}}"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.sections);
