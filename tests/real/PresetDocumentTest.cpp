@@ -234,6 +234,16 @@ TEST(PresetDocument, TakesValuesAsTheToolsPrintThem) {
     }
 }
 
+TEST(PresetDocument, KnowsTheParametersOfASectionAlone) {
+    for (const auto& [kind, id] : {std::pair("format", "mp4"), {"audio_codec", "aac"}}) {
+        for (const auto& [path, parameter] : ParametersOf(kind, id)) {
+            EXPECT_TRUE(path.rfind("streams_", 0) != 0 && path.rfind("filter_", 0) != 0) << path;
+        }
+    }
+    EXPECT_EQ(ParametersOf("audio_codec", "aac").at("codec_id").automatic, Property("", "auto"));
+    EXPECT_FALSE(ParametersOf("video_codec", "h264").at("codec_id").automatic);
+}
+
 /// The value at a path that may have to be made.
 Property& Make(Property& root, const std::string& path) {
     Property* node = &root;
