@@ -147,6 +147,12 @@ TEST_F(Fit, KeepsToTheLimitsAndPutsTheBestFirst) {
     const std::vector<FormatFit> fits = FitIntoAll(streams);
     EXPECT_EQ(fits.size(), GetAvailableDataHelpers(IPreset::KEY_FORMAT).size());
     EXPECT_EQ(fits[0].formatId, "mp4");
+    for (const auto& [id, limits, isEncodable] : ContainersFor({})) {
+        const Property stated = CreateDataHelper("format", id)->GetDefaults()["limits"];
+        const std::pair<const char*, int> read[] = {
+            {"video", limits.video}, {"audio", limits.audio}, {"subtitle", limits.subtitle}, {"other", limits.other}};
+        for (const auto& [kind, limit] : read) EXPECT_EQ(stated[kind].GetInt64(), limit) << id << ' ' << kind;
+    }
     const auto rank = [](const FormatFit& fit) {
         return std::tuple(fit.CountLost(), fit.CountEncoded(), fit.CountChanges());
     };

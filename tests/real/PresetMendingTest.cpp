@@ -177,6 +177,7 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
         std::vector<std::string> told;
         for (const Finding& finding : JudgePreset(read(sections))) {
             const bool isThere = finding.problem != Finding::Problem::Missing;
+            EXPECT_EQ(finding.source == Finding::Source::Rule, !isThere || finding.path == "filter_resize/resize");
             if (isThere) told.push_back(finding.path + ' ' + finding.documentPath + ": " + finding.message);
         }
         return told;
