@@ -90,10 +90,10 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
         std::string mended;
     } cases[] = {
         // Legal as it is: nothing is touched, be it narrower than the container or beyond a dialog's list.
-        {R"("format": {"container": "mp4", "limits": {"audio": 1, "other": 0}}, )" + surround +
+        {R"("format": {"container": "mp4", "limits": {"audio": 1}}, )" + surround +
              R"(, "audio_codec": {"codec_id": "aac", "bitrate": 96000})",
          {},
-         "{format: {container: mp4, limits: {audio: 1, other: 0}}, filter_resample: {resample: {channel_layout: "
+         "{format: {container: mp4, limits: {audio: 1}}, filter_resample: {resample: {channel_layout: "
          "5.1(side)}}, audio_codec: {codec_id: aac, bitrate: 96000}}"},
         // A codec that the container does not carry.
         {R"("format": {"container": "webm"}, )" + h264 + options(R"("tune": "film")"),
@@ -146,10 +146,10 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
          "{audio_codec: {codec_id: mp3, bitrate_mode: cbr, bitrate: 256000}, video_codec: {codec_id: h264, "
          "bitrate_mode: vbr, quality: 14}}"},
         // No stream that the container has room for.
-        {R"("format": {"container": "aiff", "limits": {"other": 17}, "streams": {"0": {"type": "video", "video_codec": {"codec_id": "h264"}}}})",
+        {R"("format": {"container": "aiff", "limits": {"other": 17, "audio": 0}, "streams": {"0": {"type": "video", "video_codec": {"codec_id": "h264"}}}})",
          {"Parameter format/streams/0 is {type: audio, audio_codec: {codec_id: pcm_s16le}} now, the default of aiff",
           "Parameter format/limits/other is 16 now, the default of aiff"},
-         "{format: {container: aiff, limits: {other: 16}, streams: {0: {type: audio, audio_codec: {codec_id: "
+         "{format: {container: aiff, limits: {other: 16, audio: 0}, streams: {0: {type: audio, audio_codec: {codec_id: "
          "pcm_s16le}}}}}"},
         // No value at all.
         {R"("audio_codec": {"codec_id": "aac", "bitrate": {"$bytes": "ff"}}, "filter_volume": {"volume": "loud"})",
