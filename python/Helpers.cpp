@@ -32,7 +32,7 @@ Helper Find(const std::string& kind, const std::string& id, bool automatic) {
     return {{kind, id, automatic ? CreateDataHelperAuto(kind, id) : CreateDataHelper(kind, id)}};
 }
 
-py::object Correct(const Helper& helper, const py::object& stream) {
+py::object CorrectByHelper(const Helper& helper, const py::object& stream) {
     Property tree = SectionFrom(stream, StreamName(helper.named.kind, stream));
     helper.named.helper->CorrectFormatCodec(tree);
     return ObjectFrom(tree);
@@ -104,7 +104,7 @@ void BindHelpers(py::module_& module) {
         .def("apply", &Apply, py::arg("preset"), py::arg("stream"),
              "The stream with what the section `preset` says. Raises HelperError for another codec's section, and "
              "PropertyError for what is missing.")
-        .def("correct", &Correct, py::arg("stream"),
+        .def("correct", &CorrectByHelper, py::arg("stream"),
              "The stream with legal settings. A stream is flat: codec_id, bitrate (bits per second), sample_rate (Hz), "
              "width and height (pixels), frame_rate and their like. Raises PropertyError for what is missing.")
         .def("__repr__", [](const Helper& it) { return TextFrom(Describe(it)); });

@@ -10,7 +10,7 @@ namespace NorvexApps {
 namespace {
 
 /// A text that is no request of the page's language.
-std::string Plain(const std::string& text) {
+std::string Escaped(const std::string& text) {
     std::string plain;
     bool isLineStart = true;
     for (const char c : text) {
@@ -37,7 +37,7 @@ std::string Wrapped(std::string text) {
         if (isBreak) text[blank] = '\n';
         begin = isBreak ? blank + 1 : end + 1;
     }
-    return Plain(text);
+    return Escaped(text);
 }
 
 std::string Section(const char* title, const std::string& body) {
@@ -51,14 +51,14 @@ std::string Paragraphs(const std::string& text) {
 }
 
 std::string Italic(const std::string& text) {
-    return "\\fI" + Plain(text) + "\\fR";
+    return "\\fI" + Escaped(text) + "\\fR";
 }
 
 /// ".TP" and what an option or argument is called, and what it is for.
 std::string Entry(const CLI::Option& option) {
     std::string names;
-    for (const std::string& name : option.get_snames()) names += Plain("-" + name) + ", ";
-    for (const std::string& name : option.get_lnames()) names += Plain("--" + name) + ", ";
+    for (const std::string& name : option.get_snames()) names += Escaped("-" + name) + ", ";
+    for (const std::string& name : option.get_lnames()) names += Escaped("--" + name) + ", ";
     names = names.empty() ? Italic(option.get_name(true)) : "\\fB" + names.substr(0, names.size() - 2) + "\\fR";
     const std::string value = option.get_positional() ? "" : option.get_option_text();
     if (!value.empty()) names += (value[0] == '[' ? "" : " ") + Italic(value);
@@ -83,13 +83,13 @@ std::string Entries(const CLI::App& app, bool hasHeadings) {
     std::string text = arguments;
     for (const auto& [name, entries] : groups) {
         const bool isUsual = name == "Options" || !hasHeadings;
-        text += (isUsual ? "" : ".SS " + Plain(name) + '\n') + entries;
+        text += (isUsual ? "" : ".SS " + Escaped(name) + '\n') + entries;
     }
     return text;
 }
 
 std::string Synopsis(const CLI::App& app) {
-    const std::string name = "\\fB" + Plain(app.get_name()) + "\\fR";
+    const std::string name = "\\fB" + Escaped(app.get_name()) + "\\fR";
     if (!app.get_subcommands({}).empty()) return name + " " + Italic("COMMAND") + " [" + Italic("ARGUMENTS") + "]";
     std::string text = name + " [" + Italic("OPTIONS") + "]";
     for (const CLI::Option* const option : app.get_options()) {
@@ -101,10 +101,10 @@ std::string Synopsis(const CLI::App& app) {
 std::string Commands(const CLI::App& app) {
     std::string text;
     for (const CLI::App* const command : app.get_subcommands({})) {
-        text += ".SS " + Plain(command->get_name());
+        text += ".SS " + Escaped(command->get_name());
         for (const CLI::Option* const option : command->get_options()) {
             if (!option->get_positional()) continue;
-            const std::string argument = Plain(option->get_name(true));
+            const std::string argument = Escaped(option->get_name(true));
             text += option->get_required() ? " " + argument : " [" + argument + "]";
         }
         text += '\n' + Wrapped(command->get_description()) + ".\n" + Entries(*command, false);
@@ -121,12 +121,12 @@ std::string ManPage(const CLI::App& app, const ManTexts& texts) {
     if (!summary.empty()) summary[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(summary[0])));
     const std::string examples = std::string(texts.examples).substr(std::string(texts.examples).find('\n') + 1);
     const std::string commands = Commands(app);
-    return ".TH " + Plain(boost::algorithm::to_upper_copy(name)) +
+    return ".TH " + Escaped(boost::algorithm::to_upper_copy(name)) +
            " 1 \"\" \"Norvex " NORVEX_VERSION "\" \"User Commands\"\n" +
-           Section("NAME", Plain(name) + " \\- " + Wrapped(summary)) + Section("SYNOPSIS", Synopsis(app)) +
+           Section("NAME", Escaped(name) + " \\- " + Wrapped(summary)) + Section("SYNOPSIS", Synopsis(app)) +
            Section("DESCRIPTION", Paragraphs(texts.description)) +
            (commands.empty() ? "" : Section("COMMANDS", commands)) + Section("OPTIONS", Entries(app, true)) +
-           Section("EXAMPLES", ".EX\n" + Plain(examples) + "\n.EE") +
+           Section("EXAMPLES", ".EX\n" + Escaped(examples) + "\n.EE") +
            Section("EXIT STATUS", Paragraphs(texts.exitStatus)) + Section("FILES", Paragraphs(texts.files)) +
            Section("SEE ALSO", Paragraphs(texts.seeAlso));
 }

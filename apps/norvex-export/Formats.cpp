@@ -65,7 +65,7 @@ constexpr Codec g_codecs[] = {
     {&S::CODEC_ID_SSA, "ass"},
 };
 
-struct Option {
+struct EncoderOption {
     const std::string* codec;
     const std::string* tag;
     const std::string* value;
@@ -108,7 +108,7 @@ struct Speed {
 };
 
 /// Only texts that FFmpeg has under other names than the rule book.
-constexpr Option g_options[] = {
+constexpr EncoderOption g_options[] = {
     {&V::CODEC_ID_MPEG4,  &C::TAG_PROFILE, &V::TAG_MPEG4_PROFILE_SIMPLE,          "profile", "0"},
     {&V::CODEC_ID_MPEG4,  &C::TAG_PROFILE, &V::TAG_MPEG4_PROFILE_CORE_SCALABLE,   "profile", "8"},
     {&V::CODEC_ID_MPEG4,  &C::TAG_PROFILE, &V::TAG_MPEG4_PROFILE_MAIN,            "profile", "3"},
@@ -255,8 +255,8 @@ std::string CodecNameOf(const std::string& codecId) {
 
 std::optional<std::pair<std::string, std::string>> EncoderOptionOf(const std::string& codecId, const std::string& tag,
                                                                    const std::string& value) {
-    const Option* const row =
-        FindRow(g_options, [&](const Option& r) { return *r.codec == codecId && *r.tag == tag && *r.value == value; });
+    const EncoderOption* const row = FindRow(
+        g_options, [&](const EncoderOption& r) { return *r.codec == codecId && *r.tag == tag && *r.value == value; });
     if (codecId == V::CODEC_ID_AV1 && tag == C::TAG_PRESET) return SpeedOf(value);
     const Tag* const named = FindRow(g_tags, [&](const Tag& r) { return *r.codec == codecId && *r.tag == tag; });
     if (row == nullptr) return std::pair(named != nullptr ? named->option : tag, value);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <boost/algorithm/string/join.hpp>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "Book.h"
+#include "Texts.h"
 #include "common/TextFiles.h"
 #include "norvex/document/DocumentException.h"
 
@@ -23,23 +25,19 @@ using Norvex::Document::Value;
 using Values = std::vector<std::string>;
 using Statements = std::map<std::string, Values>;
 
-std::string TextOf(const Value& value) {
-    return value.GetKind() == Value::Kind::Text ? value.GetText() : WriteJson(value, {-1, false});
-}
-
 Values AllowedOf(const Value& allowed) {
     Values values;
     if (const Value* const list = allowed.Find("values")) {
-        for (const Value& value : list->GetList()) values.push_back(TextOf(value["name"]));
+        for (const Value& value : list->GetList()) values.push_back(TextOfValue(value["name"]));
     } else {
-        values.push_back(TextOf(allowed["words"]));
+        values.push_back(TextOfValue(allowed["words"]));
     }
     return values;
 }
 
 void AddLeaves(const Value& node, const std::string& path, Statements& statements) {
     if (node.GetKind() != Value::Kind::Object) {
-        statements[path].push_back(TextOf(node));
+        statements[path].push_back(TextOfValue(node));
         return;
     }
     for (const auto& [name, value] : node.GetObject()) AddLeaves(value, path + "/" + name, statements);
@@ -53,9 +51,9 @@ void AddFacts(const Value& facts, Statements& statements) {
             for (const auto& [format, held] : value.GetObject()) values.push_back(format);
             std::sort(values.begin(), values.end());  // members have no order
         } else if (value.GetKind() == Value::Kind::List) {
-            for (const Value& one : value.GetList()) values.push_back(TextOf(one));
+            for (const Value& one : value.GetList()) values.push_back(TextOfValue(one));
         } else {
-            values.push_back(TextOf(value));
+            values.push_back(TextOfValue(value));
         }
     }
 }
@@ -69,28 +67,29 @@ Statements StatementsOf(const Value& helper) {
         if (name == "constraints") {
             for (const Value& constraint : value.GetList()) {
                 // What a container carries is told without it.
-                if (TextOf(constraint["path"]).compare(0, 12, "streams_any_") == 0) continue;
-                statements[TextOf(constraint["path"])] = AllowedOf(constraint["allowed"]);
+                if (TextOfValue(constraint["path"]).compare(0, 12, "streams_any_") == 0) continue;
+                statements[TextOfValue(constraint["path"])] = AllowedOf(constraint["allowed"]);
             }
         } else if (name == "rules") {
             for (const Value& rule : value.GetList()) {
-                std::string about = "rule: " + TextOf(rule["path"]);
+                std::string about = "rule: " + TextOfValue(rule["path"]);
                 if (!rule["when"].IsNull()) {
-                    about +=
-                        " when " + TextOf(rule["when"]["path"]) + " is " + TextOf(rule["when"]["allowed"]["words"]);
+                    about += " when " + TextOfValue(rule["when"]["path"]) + " is " +
+                             TextOfValue(rule["when"]["allowed"]["words"]);
                 }
                 for (std::string& allowed : AllowedOf(rule["allowed"])) statements[about].push_back(std::move(allowed));
             }
         } else if (name == "defaults") {
             AddLeaves(value, "default", statements);
         } else if (value.Find("codecs") != nullptr) {
-            for (const Value& codec : value["codecs"].GetList()) statements["carries " + name].push_back(TextOf(codec));
+            for (const Value& codec : value["codecs"].GetList())
+                statements["carries " + name].push_back(TextOfValue(codec));
         } else if (name == "facts" && !value.IsNull()) {
             AddFacts(value, statements);
         } else if (value.GetKind() == Value::Kind::Object) {
             AddLeaves(value, name, statements);
         } else {
-            statements[name].push_back(TextOf(value));
+            statements[name].push_back(TextOfValue(value));
         }
     }
     return statements;
@@ -104,18 +103,12 @@ Values Without(const Values& all, const Values& others) {
     return rest;
 }
 
-std::string Joined(const Values& values) {
-    std::string text;
-    for (const std::string& value : values) text += (text.empty() ? "" : ", ") + value;
-    return text;
-}
-
 /// A long list that came or went is told by its ends.
 std::string Shortened(const Values& values) {
     constexpr std::size_t most = 12;
-    if (values.size() <= most) return Joined(values);
+    if (values.size() <= most) return boost::algorithm::join(values, ", ");
     const Values first(values.begin(), values.begin() + most / 2);
-    return fmt::format("{}, ... {} ({} in all)", Joined(first), values.back(), values.size());
+    return fmt::format("{}, ... {} ({} in all)", boost::algorithm::join(first, ", "), values.back(), values.size());
 }
 
 /// What became of one statement; none where nothing did.
@@ -196,17 +189,17 @@ std::string SectionText(const char* title, const Value& before, const Value& aft
         }
     }
     std::string text;
-    if (!came.empty()) text += "  came: " + Joined(came) + '\n';
-    if (!went.empty()) text += "  went: " + Joined(went) + '\n';
+    if (!came.empty()) text += "  came: " + boost::algorithm::join(came, ", ") + '\n';
+    if (!went.empty()) text += "  went: " + boost::algorithm::join(went, ", ") + '\n';
     for (const auto& [ids, lines] : groups) {
-        text += "  " + Joined(ids) + '\n';
+        text += "  " + boost::algorithm::join(ids, ", ") + '\n';
         for (const std::string& line : lines) text += "    " + line + '\n';
     }
     return text.empty() ? text : std::string(title) + '\n' + text;
 }
 
 std::string VersionsOf(const Value& book) {
-    return fmt::format("library {}, FFmpeg {}", TextOf(book["library"]), TextOf(book["ffmpeg"]));
+    return fmt::format("library {}, FFmpeg {}", TextOfValue(book["library"]), TextOfValue(book["ffmpeg"]));
 }
 
 }  // namespace
@@ -218,7 +211,7 @@ Value ReadBook(const std::string& path) {
         const Value* const version = book.Find("norvex-rules");
         if (version == nullptr) throw std::runtime_error("'" + path + "' is no rule book");
         if (version->GetKind() != Value::Kind::Integer || version->GetInteger() != g_bookVersion) {
-            throw std::runtime_error("'" + path + "' is a rule book of another version, " + TextOf(*version));
+            throw std::runtime_error("'" + path + "' is a rule book of another version, " + TextOfValue(*version));
         }
         return book;
     } catch (const Norvex::Document::DocumentException& error) {

@@ -40,7 +40,7 @@ bool HoldsPicture(const FormatFit& fit) {
     return HasStream(fit, [](const StreamFit& s) { return s.isOnePicture; });
 }
 
-std::string Lines(const FileStreams& file) {
+std::string LinesOfStreams(const FileStreams& file) {
     std::string text = fmt::format("{} ({})\n", file.path, file.container);
     for (std::size_t i = 0; i < file.streams.size(); ++i) {
         text += fmt::format("  {:>2}  {}\n", i, file.streams[i].words);
@@ -126,7 +126,7 @@ std::string FitText(const FileStreams& file, const std::vector<FormatFit>& fits)
     for (const auto& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
     }
-    std::string text = Lines(file) + '\n';
+    std::string text = LinesOfStreams(file) + '\n';
     for (const auto& row : rows) {
         for (std::size_t i = 0; i < row.size(); ++i) text += fmt::format("{:<{}}", row[i], widths[i] + 2);
         text.erase(text.find_last_not_of(' ') + 1);
@@ -141,7 +141,8 @@ std::string FitText(const FileStreams& file, const std::vector<FormatFit>& fits)
 }
 
 std::string FitSentences(const FileStreams& file, const FormatFit& fit) {
-    std::string text = Lines(file) + fmt::format("\n{} holds at most: {}\n", fit.formatId, Counted(fit.limits));
+    std::string text =
+        LinesOfStreams(file) + fmt::format("\n{} holds at most: {}\n", fit.formatId, Counted(fit.limits));
     for (std::size_t i = 0; i < fit.streams.size(); ++i) {
         text += fmt::format("  {:>2}  {}\n", i, SentenceOf(fit.streams[i]));
     }

@@ -40,13 +40,9 @@ const Kind* FindKind(const std::string& name) {
     return kind != std::end(g_kinds) ? kind : nullptr;
 }
 
-std::string TextOf(const Value& value) {
-    return value.GetKind() == Value::Kind::Text ? value.GetText() : WriteJson(value, {-1, false});
-}
-
-std::string Joined(const Value& list) {
+std::string TextOfList(const Value& list) {
     std::string text;
-    for (const Value& item : list.GetList()) text += (text.empty() ? "" : ", ") + TextOf(item);
+    for (const Value& item : list.GetList()) text += (text.empty() ? "" : ", ") + TextOfValue(item);
     return text;
 }
 
@@ -57,7 +53,7 @@ void CollectLeaves(const Value& node, const std::string& path, std::string& text
         if (isSection && !value.GetObject().empty()) {
             CollectLeaves(value, below, text);
         } else {
-            text += fmt::format("  {:<44} {}\n", below, isSection ? "" : TextOf(value));
+            text += fmt::format("  {:<44} {}\n", below, isSection ? "" : TextOfValue(value));
         }
     }
 }
@@ -65,7 +61,8 @@ void CollectLeaves(const Value& node, const std::string& path, std::string& text
 std::string CarriedText(const Value& format, const char* kind) {
     const Value& carried = format[kind];
     if (carried.IsNull()) return {};
-    return fmt::format("  {:<10} {}  (default {})\n", kind, Joined(carried["codecs"]), TextOf(carried["default"]));
+    return fmt::format("  {:<10} {}  (default {})\n", kind, TextOfList(carried["codecs"]),
+                       TextOfValue(carried["default"]));
 }
 
 std::string WordsOf(const Value& allowed) {
@@ -81,12 +78,12 @@ std::string NameOf(const Kind& kind, const std::string& id) {
 /// What follows the id and the name in a list.
 std::string WordsOfItem(const Value& item) {
     if (item.Find("encoder") != nullptr) {
-        return item["encoder"].IsNull() ? "no encoder in this build" : TextOf(item["encoder"]);
+        return item["encoder"].IsNull() ? "no encoder in this build" : TextOfValue(item["encoder"]);
     }
     std::string carried;
     for (const char* kind : {"video", "audio", "subtitles"}) {
         if (item.Find(kind) == nullptr || item[kind].IsNull()) continue;
-        carried += fmt::format("{}{} {} ({})", carried.empty() ? "" : ", ", kind, TextOf(item[kind]["default"]),
+        carried += fmt::format("{}{} {} ({})", carried.empty() ? "" : ", ", kind, TextOfValue(item[kind]["default"]),
                                item[kind]["codecs"].GetList().size());
     }
     return carried;
@@ -175,6 +172,10 @@ std::string GridText(const Value& book, const char* kind, const char* codecList)
 
 }  // namespace
 
+std::string TextOfValue(const Value& value) {
+    return value.GetKind() == Value::Kind::Text ? value.GetText() : WriteJson(value, {-1, false});
+}
+
 std::vector<std::string> Kinds() {
     std::vector<std::string> names;
     for (const Kind& kind : g_kinds) names.emplace_back(kind.name);
@@ -219,7 +220,7 @@ std::optional<std::string> ShowText(const Value& book, const std::string& kind, 
     std::string text = fmt::format("{} {}\n", kind, id);
     if (helper->Find("encoder") != nullptr) {
         text += fmt::format("  encoder    {}\n",
-                            (*helper)["encoder"].IsNull() ? "none in this build" : TextOf((*helper)["encoder"]));
+                            (*helper)["encoder"].IsNull() ? "none in this build" : TextOfValue((*helper)["encoder"]));
     }
     if (kind == "format") {
         for (const char* stream : {"video", "audio", "subtitles"}) text += CarriedText(*helper, stream);
@@ -227,19 +228,20 @@ std::optional<std::string> ShowText(const Value& book, const std::string& kind, 
     if (found->carried != nullptr) text += WrappedLine("carried by", CarriersOf(book, found->carried, id));
     if (helper->Find("defaults") == nullptr) return text;
     if (!(*helper)["requires"].GetList().empty())
-        text += fmt::format("  requires   {}\n", Joined((*helper)["requires"]));
+        text += fmt::format("  requires   {}\n", TextOfList((*helper)["requires"]));
     text += "\nDefaults\n";
     CollectLeaves((*helper)["defaults"], {}, text);
     text += "\nAllowed\n";
     for (const Value& constraint : (*helper)["constraints"].GetList()) {
-        text += fmt::format("  {:<44} {}\n", TextOf(constraint["path"]), WordsOf(constraint["allowed"]));
+        text += fmt::format("  {:<44} {}\n", TextOfValue(constraint["path"]), WordsOf(constraint["allowed"]));
     }
     text += "\nRules\n";
     for (const Value& rule : (*helper)["rules"].GetList()) {
         if (!rule["when"].IsNull()) {
-            text += fmt::format("  when {} is {}:\n  ", TextOf(rule["when"]["path"]), WordsOf(rule["when"]["allowed"]));
+            text += fmt::format("  when {} is {}:\n  ", TextOfValue(rule["when"]["path"]),
+                                WordsOf(rule["when"]["allowed"]));
         }
-        text += fmt::format("  {} is {}\n", TextOf(rule["path"]), WordsOf(rule["allowed"]));
+        text += fmt::format("  {} is {}\n", TextOfValue(rule["path"]), WordsOf(rule["allowed"]));
     }
     if ((*helper)["rules"].GetList().empty()) text += "  none\n";
     return text;

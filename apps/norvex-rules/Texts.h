@@ -13,6 +13,9 @@ namespace NorvexRules {
 /// "filter".
 std::vector<std::string> Kinds();
 
+/// A value of the book as a line of text has it: a text without its quotes, all else as JSON.
+std::string TextOfValue(const Norvex::Document::Value& value);
+
 /// What is to be listed.
 struct Listing {
     std::string kind;     ///< empty for all

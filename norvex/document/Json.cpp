@@ -5,7 +5,7 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
-#include "norvex/document/DocumentException.h"
+#include "norvex/document/Fail.h"
 #include "norvex/foundation/Excerpt.h"
 
 namespace Norvex::Document {
@@ -14,10 +14,6 @@ namespace {
 
 using Core::Excerpt;
 using Json = nlohmann::ordered_json;
-
-[[noreturn]] void Fail(int line, const std::string& sentence) {
-    NORVEX_THROW(DocumentException(line, sentence));
-}
 
 /// A character of the text, counting lines as the parser takes them.
 class CountingIterator {

@@ -11,6 +11,7 @@
 #include "norvex/Conf/DataHelpers/Lookup/DataHelpers.h"
 #include "norvex/Conf/Review/PresetAssembly.h"
 #include "norvex/Conf/Review/PresetParameters.h"
+#include "norvex/document/Fail.h"
 #include "norvex/foundation/Excerpt.h"
 #include "norvex/interfaces/Conf/CodecLists.h"
 #include "norvex/interfaces/Conf/IFormatCodecVideo.h"
@@ -37,10 +38,6 @@ using Proc::IResize;
 constexpr const char* g_versionKey = "norvex-preset";
 constexpr const char* g_aboutKey = "about";
 constexpr const char* g_presetKey = "preset";
-
-[[noreturn]] void Fail(int line, const std::string& sentence) {
-    NORVEX_THROW(DocumentException(line, sentence));
-}
 
 std::string Join(const std::string& path, const std::string& tag) {
     return path.empty() ? tag : path + Property::SEPARATOR + tag;
@@ -94,7 +91,7 @@ PresetAbout AboutOf(const Value& object) {
     return {text("name"), text("description"), text("purpose")};
 }
 
-Value FormOf(const PresetAbout& about) {
+Value FormOfAbout(const PresetAbout& about) {
     return {{"name", about.name}, {"description", about.description}, {"purpose", about.purpose}};
 }
 
@@ -301,7 +298,7 @@ int PresetDocument::LineOf(std::string path) const {
 
 std::string WritePreset(const Property& preset, const PresetAbout& about) {
     Value document = {{g_versionKey, g_presetVersion}};
-    if (!(about == PresetAbout())) document[g_aboutKey] = FormOf(about);
+    if (!(about == PresetAbout())) document[g_aboutKey] = FormOfAbout(about);
     document[g_presetKey] = FormOf(preset, g_deepestDocument - 1);
     return WriteJson(document) + '\n';
 }

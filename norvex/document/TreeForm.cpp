@@ -5,7 +5,7 @@
 #include <limits>
 #include <set>
 
-#include "norvex/document/DocumentException.h"
+#include "norvex/document/Fail.h"
 #include "norvex/foundation/Excerpt.h"
 
 namespace Norvex::Document {
@@ -27,7 +27,7 @@ std::string RatioText(const Core::Ratio& ratio) {
 // ------------------------------------------------------------------------------------------------------ writing
 
 void RequireRoom(int levels) {
-    if (levels < 1) NORVEX_THROW(DocumentException(0, "the tree is too deep to be written"));
+    if (levels < 1) Fail(0, "the tree is too deep to be written");
 }
 
 Value Special(const char* name, Value value, int levels) {
@@ -78,13 +78,9 @@ Value FormOfChildren(const Property& node, int levels) {
 
 // ------------------------------------------------------------------------------------------------------ reading
 
-[[noreturn]] void Fail(const Value& value, const std::string& sentence) {
-    NORVEX_THROW(DocumentException(value.line, sentence));
-}
-
 std::string BytesFrom(const Value& value) {
     const std::string& text = value.GetText();
-    const auto fail = [&value, &text] { Fail(value, "'" + Excerpt(text) + "' is no hexadecimal text"); };
+    const auto fail = [&value, &text] { Fail(value.line, "'" + Excerpt(text) + "' is no hexadecimal text"); };
     const auto digit = [&fail](char c) {
         constexpr std::string_view digits = "0123456789abcdef";
         const std::size_t place = digits.find(c);
@@ -126,9 +122,9 @@ public:
                 break;
             case Kind::Null:
             case Kind::List:
-                Fail(value, "'" + Excerpt(path) + "' is neither a value nor a section");
+                Fail(value.line, "'" + Excerpt(path) + "' is neither a value nor a section");
         }
-        if (levels < 1) Fail(value, "the document is too deep");
+        if (levels < 1) Fail(value.line, "the document is too deep");
         const Value::Object& members = value.GetObject();
         RequireOnce(members, path);
         const bool isSpecial = members.size() == 1 && members.front().name.substr(0, 1) == "$";
@@ -143,14 +139,14 @@ private:
     static void RequireOnce(const Value::Object& members, const std::string& path) {
         std::set<std::string_view> names;
         for (const auto& [name, value] : members) {
-            if (!names.insert(name).second) Fail(value, "'" + Excerpt(Below(path, name)) + "' stands there twice");
+            if (!names.insert(name).second) Fail(value.line, "'" + Excerpt(Below(path, name)) + "' stands there twice");
         }
     }
 
     Property ReadMembers(const std::string& name, const Value::Object& members, const std::string& path, int levels) {
         Property node(name);
         for (const auto& [member, value] : members) {
-            if (member.substr(0, 1) == "$") Fail(value, "'" + Excerpt(member) + "' stands beside other members");
+            if (member.substr(0, 1) == "$") Fail(value.line, "'" + Excerpt(member) + "' stands beside other members");
             node.AddNamed(Read(member, value, Below(path, member), levels));
         }
         return node;
@@ -169,15 +165,15 @@ private:
         }
         if (kind == "$none" && value.GetKind() == Kind::Bool && value.GetBool()) return NodeWithoutValue(name);
         if (kind == "$children" && value.GetKind() == Kind::List) return ReadPairs(name, value, path, levels);
-        Fail(object, "'" + Excerpt(kind) + "' does not hold what it should");
+        Fail(object.line, "'" + Excerpt(kind) + "' does not hold what it should");
     }
 
     Property ReadPairs(const std::string& name, const Value& list, const std::string& path, int levels) {
         Property node(name);
         for (const Value& pair : list.GetList()) {
-            if (pair.GetKind() != Kind::List || pair.GetList().size() != 2) Fail(pair, "this is no named value");
+            if (pair.GetKind() != Kind::List || pair.GetList().size() != 2) Fail(pair.line, "this is no named value");
             const Property child = Reader(nullptr).Read(std::string(), pair.GetList()[0], std::string(), levels);
-            if (child.GetType() != PT_STRING) Fail(pair, "this is no name");
+            if (child.GetType() != PT_STRING) Fail(pair.line, "this is no name");
             node.AddNamed(Read(child.GetString(), pair.GetList()[1], Below(path, child.GetString()), levels));
         }
         return node;

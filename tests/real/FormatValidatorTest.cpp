@@ -13,19 +13,19 @@ using namespace NorvexTest;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
-using Ids = std::vector<std::string>;
+using IdList = std::vector<std::string>;
 
 /// Lists an encoder for the codecs that the test names, or for all.
 class MadeFactory final : public RefCounted<Proc::ICodecFactory> {
 public:
     explicit MadeFactory(std::set<std::string> codecs = {}) : m_codecs(std::move(codecs)) {}
 
-    Ids ListEncoders(const std::string& codecId, bool onlyStable, bool onlySoftware) const override {
+    IdList ListEncoders(const std::string& codecId, bool onlyStable, bool onlySoftware) const override {
         EXPECT_TRUE(onlyStable && onlySoftware);
         ++m_asked;
         if (codecId == throwsFor) throw std::out_of_range(codecId);
         const bool known = m_codecs.empty() || m_codecs.count(codecId) != 0;
-        return known ? Ids{"an encoder"} : Ids{};
+        return known ? IdList{"an encoder"} : IdList{};
     }
     int Asked() const { return m_asked; }
 
@@ -42,7 +42,7 @@ SP<MadeFactory> Fill(std::set<std::string> codecs = {}) {
     return factory;
 }
 
-Ids Video(const std::string& format, const Ids& fallback, const Ids& exclusions = {}) {
+IdList Video(const std::string& format, const IdList& fallback, const IdList& exclusions = {}) {
     return FormatValidator::Instance().GetSupportedVideoCodecs(format, fallback, exclusions);
 }
 
@@ -63,9 +63,9 @@ TEST_F(FormatValidatorTest, WithoutAnAnswerTheFallbackComesBackAsItIs) {
 TEST_F(FormatValidatorTest, FFmpegsNamesComeSortedAndTheFallbackBehindThem) {
     Fill({"h264", "mpeg4", "aac", "subrip"});
     // In a build with every helper MPEG-4 is among them; until it has one it is not offered.
-    Ids expected = {"h264"};
+    IdList expected = {"h264"};
     if (GetAvailableDataHelpers(IPreset::KEY_FILTER_VIDEO_CODEC).count("mpeg4") != 0) expected.emplace_back("mpeg4");
-    Ids all = expected;
+    IdList all = expected;
     all.insert(all.end(), {"x", "a"});
     EXPECT_EQ(Video("matroska", {"x", "h264", "x", "a"}), all);
     EXPECT_THAT(Video("matroska", {"h264", "x"}, {"h264", "mpeg4"}), ElementsAre("h264", "x"))
@@ -82,7 +82,7 @@ TEST_F(FormatValidatorTest, AnswersAsFFmpegDoesForEveryMuxerAndCodec) {
     while (const AVOutputFormat* muxer = av_muxer_iterate(&position)) {
         const AVOutputFormat* const guessed = av_guess_format(muxer->name, nullptr, nullptr);
         for (const std::string& kind : {IPreset::KEY_FILTER_VIDEO_CODEC, IPreset::KEY_FILTER_AUDIO_CODEC}) {
-            Ids expected;
+            IdList expected;
             for (const auto& [id, helper] : GetAvailableDataHelpers(kind)) {
                 const AVCodecID number = CodecIDFromTextID(id);
                 if (number != AV_CODEC_ID_NONE &&
@@ -117,7 +117,7 @@ TEST_F(FormatValidatorTest, AsksTheFactoryForEveryEntryAndKeepsWhatItFoundBefore
     position = nullptr;
     const AVCodec* codec = av_codec_iterate(&position);
     while (codec->id != AV_CODEC_ID_AAC && codec->id != AV_CODEC_ID_H264) codec = av_codec_iterate(&position);
-    EXPECT_EQ(Video("matroska", {}, {"hevc"}), codec->id == AV_CODEC_ID_H264 ? Ids{"h264"} : Ids{});
+    EXPECT_EQ(Video("matroska", {}, {"hevc"}), codec->id == AV_CODEC_ID_H264 ? IdList{"h264"} : IdList{});
 }
 
 TEST_F(FormatValidatorTest, AFormatKeepsTheListsOfTheCensusThatItWasBuiltWith) {
@@ -138,7 +138,7 @@ TEST_F(FormatValidatorTest, FormatsAskUnderOneNameAddTheirListAndRefuseWhatTheyD
     const struct {
         SP<IDataHelper> (*make)();
         const char* muxer;  ///< empty for a container that does not ask
-        Ids refused;
+        IdList refused;
     } rows[] = {
         {[] { return DataHelperFormatMp4::Create("", false, false); }, "mp4", {}},
         {DataHelperFormatMov::Create, "mov", {"av1", "vp8", "vp9", "flac"}},
@@ -157,7 +157,7 @@ TEST_F(FormatValidatorTest, FormatsAskUnderOneNameAddTheirListAndRefuseWhatTheyD
     };
     FormatValidator& validator = FormatValidator::Instance();
     const auto values = [](const auto& constraint) {
-        Ids ids;
+        IdList ids;
         for (const Property& id : WhatIsAllowed(*constraint).values) ids.push_back(id.GetString());
         return ids;
     };
@@ -178,7 +178,7 @@ TEST_F(FormatValidatorTest, FormatsAskUnderOneNameAddTheirListAndRefuseWhatTheyD
                                    : pattern.find("/audio_") != std::string::npos
                                        ? &FormatValidator::GetSupportedAudioCodecs
                                        : &FormatValidator::GetSupportedSubtitleCodecs;
-                const Ids list = values(lists.at(pattern)), offered = (validator.*query)(muxer, Ids(), Ids());
+                const IdList list = values(lists.at(pattern)), offered = (validator.*query)(muxer, IdList(), IdList());
                 EXPECT_EQ(values(codecs), *muxer == 0 ? list : (validator.*query)(muxer, list, exclusions));
                 for (const std::string& codec : exclusions) {
                     EXPECT_THAT(values(codecs), Not(Contains(codec)));
@@ -198,8 +198,8 @@ TEST(CodecFactory, ListsTheEncodersOfTheBuildAndNarrowsOnRequest) {
     const auto factory = Proc::FFmpegCodecFactory::Create();
     int stable = 0;
     for (const auto& [number, id] : GetFFCodecsMap()) {
-        Ids all;
-        Ids narrowed;
+        IdList all;
+        IdList narrowed;
         void* position = nullptr;
         while (const AVCodec* codec = av_codec_iterate(&position)) {
             if (codec->id != number || !av_codec_is_encoder(codec)) continue;

@@ -13,7 +13,7 @@ using Names = std::vector<std::string>;
 
 const std::string audioCodecs = "streams_any_audio/audio_codec/codec_id";
 const std::string sampleRate = "filter_resample/resample/sample_rate";
-const std::string layout = "filter_resample/resample/channel_layout";
+const std::string layoutPath = "filter_resample/resample/channel_layout";
 const std::string frameRate = "filter_rate/frame_rate";
 
 const Constraint modes = ConstraintSet::Create(PairList<std::string>{{"constant", "cbr"}, {"variable", "vbr"}});
@@ -76,12 +76,12 @@ TEST(ProxyAuto, LetsAutomaticValuesPassTheSecondConstraintOfARule) {
         {sampleRate, modes, {"add Auto=-1", "add constant=cbr", "add variable=vbr", "end"}},  // throws on a number
         {sampleRate, throwing, {"add Auto=-1", "end"}},
         {sampleRate, ConstraintMethod::CreateAlwaysTrue(""), {}},
-        {layout, ConstraintChannelLayout::Create(Names{"mono"}), {"add Auto=unknown", "add mono=mono", "end"}},
-        {layout, ConstraintChannelLayout::Create(Names{"mono", "unknown"}), {}},
-        {layout,
+        {layoutPath, ConstraintChannelLayout::Create(Names{"mono"}), {"add Auto=unknown", "add mono=mono", "end"}},
+        {layoutPath, ConstraintChannelLayout::Create(Names{"mono", "unknown"}), {}},
+        {layoutPath,
          ConstraintSampleFormat::Create({SampleFormats::Flt}),
          {"add Auto=unknown", "add flt=flt", "end"}},  // throws on the name
-        {layout, ConstraintCodecs::Create({}, "aac"), {"add Auto=unknown", "end"}},
+        {layoutPath, ConstraintCodecs::Create({}, "aac"), {"add Auto=unknown", "end"}},
         {frameRate,
          ConstraintSet::Create(PairList<Core::Ratio>{{"29.97", {30000, 1001}}}),
          {"add Auto=0/1", "add 29.97=30000/1001", "end"}},

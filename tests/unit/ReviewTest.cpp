@@ -72,7 +72,7 @@ RuleList Rule(const Constraint& first, const Constraint& second, const std::stri
 }
 
 /// A preset from the texts of its sections.
-Property Preset(const Lines& sections) {
+Property PresetOf(const Lines& sections) {
     std::vector<Property> trees;
     for (const std::string& section : sections) trees.push_back(Tree(section));
     return AssemblePreset(trees);
@@ -107,7 +107,7 @@ TEST(PresetCheck, SaysOfEachFaultWhatIsAllowedAndWhen) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.message);
-        const auto findings = CheckPreset(Preset({std::string("audio_codec{") + c.values + "}"}), {Audio(c.codec)});
+        const auto findings = CheckPreset(PresetOf({std::string("audio_codec{") + c.values + "}"}), {Audio(c.codec)});
         ASSERT_THAT(Messages(findings), ElementsAre(c.message));
         EXPECT_EQ(findings[0].problem, c.problem);
         EXPECT_EQ(findings[0].helperKind + ' ' + findings[0].helperId, "audio_codec test");
@@ -120,7 +120,7 @@ TEST(PresetCheck, IsTranslatedWithTheWordsWithinItsSentence) {
     const Translation translation({{"Parameter %1 is %2 but must be %3 when %4 is %5", "%5/%4: %1=%2, nur %3; %6 %"},
                                    {"one of %1", "eines von %1"}});
     const auto codec = Ruled(Rule(Texts({"%2"}), Numbers({1, 2})));
-    EXPECT_THAT(Messages(CheckPreset(Preset({"audio_codec{a: %2, b: 3}"}), {Audio(codec)})),
+    EXPECT_THAT(Messages(CheckPreset(PresetOf({"audio_codec{a: %2, b: 3}"}), {Audio(codec)})),
                 ElementsAre("%2/audio_codec/a: audio_codec/b=3, nur eines von 1, 2; %6 %"));
 }
 
@@ -132,7 +132,7 @@ TEST(PresetCheck, ExplainsAlsoWhatIsKeptAndWhatDoesNotApply) {
     rules.emplace_back("/", nullptr);
     const SP<TestCodec> codec = Ruled(rules, {{"a", yes}, {"b", nullptr}, {"c", yes}});
     const auto explain = [&](const char* section) {
-        return Looked(ExplainPreset(Preset({section}), {Audio(nullptr), Audio(codec)}));
+        return Looked(ExplainPreset(PresetOf({section}), {Audio(nullptr), Audio(codec)}));
     };
     EXPECT_THAT(explain("audio_codec{a: yes, b: 1}"),
                 ElementsAre("constraint kept audio_codec/a = yes", "constraint kept audio_codec/b = 1",
@@ -195,7 +195,7 @@ TEST(PresetCheck, TellsWhatAContainerHasNoRoomFor) {
          {"Section format/streams/0/video_codec has no place in a stream of type audio"}},
     };
     for (const auto& c : cases) {
-        const Property preset = Preset(c.sections);
+        const Property preset = PresetOf(c.sections);
         const std::vector<Finding> findings = CheckPreset(preset, {HelpersOf(preset).front()});
         EXPECT_EQ(Messages(findings), c.messages) << Dump(preset);
         for (const Finding& finding : findings) {
@@ -222,7 +222,7 @@ TEST(PresetCheck, TellsWhatAContainerHasNoRoomFor) {
 TEST(PresetCheck, TellsAFaultOnce) {
     const Constraint two = Numbers({1, 2});
     const SP<TestCodec> codec = Ruled(Rule(Texts({"yes"}), Numbers({1, 2})), {{"b", two}, {"c", two}});
-    const auto findings = CheckPreset(Preset({"audio_codec{a: yes, b: 3, c: 3}"}), {Audio(codec)});
+    const auto findings = CheckPreset(PresetOf({"audio_codec{a: yes, b: 3, c: 3}"}), {Audio(codec)});
     EXPECT_EQ(findings.size(), 3U);
     EXPECT_THAT(Messages(TellOnce(findings)), ElementsAre("Parameter audio_codec/b is 3 but must be one of 1, 2",
                                                           "Parameter audio_codec/c is 3 but must be one of 1, 2"));
@@ -253,14 +253,14 @@ TEST(PresetAssembly, PutsAStreamWhereRulesLookAndFindsTheWayBack) {
           {"format/container", "format/container"}}},
     };
     for (const auto& [stream, preset, ways] : cases) {
-        EXPECT_EQ(Core::PropertyValueToString(Preset({stream})), preset);
+        EXPECT_EQ(Core::PropertyValueToString(PresetOf({stream})), preset);
         for (const auto& [path, tag] : ways) EXPECT_EQ(StreamPathOf(path), tag);
     }
 }
 
 TEST(PresetCheck, TakesAutomaticHelpers) {
-    const Property preset =
-        Preset({"filter_resample{resample: {sample_rate: -1}}", "audio_codec{codec_id: mp3, bitrate_mode: cbr_auto}"});
+    const Property preset = PresetOf(
+        {"filter_resample{resample: {sample_rate: -1}}", "audio_codec{codec_id: mp3, bitrate_mode: cbr_auto}"});
     const auto mp3 = FindHelper("audio_codec", "mp3");
     EXPECT_EQ(CheckPreset(preset, {mp3}).size(), 2U);
     EXPECT_THAT(CheckPreset(preset, {{mp3.kind, mp3.id, CreateDataHelperAuto(mp3.kind, mp3.id)}}), IsEmpty());

@@ -15,7 +15,7 @@ namespace Norvex::Conf {
 namespace {
 
 using A = IFormatCodecAudio;
-using M = ModernAudio;
+using MA = ModernAudio;
 
 constexpr long long sampleRates_opus[] = {48000, 24000, 16000, 12000, 8000};  // Hz; RFC 6716, 2
 
@@ -54,11 +54,11 @@ const Channels& ChannelsRow(int channels) {
 }  // namespace
 
 DataHelperAudioCodecOpus::DataHelperAudioCodecOpus()
-    : AudioCodecHelper(M::CODEC_ID_OPUS),
-      m_rates(RatesTaken(M::CODEC_ID_OPUS, sampleRates_opus)),
-      m_options(M::CODEC_ID_OPUS) {
-    m_options.Add(M::TAG_APPLICATION, "audio", {"audio", "voip", "lowdelay"});
-    m_options.Add(M::TAG_FRAME_DURATION, "20", frameDurations_opus);
+    : AudioCodecHelper(MA::CODEC_ID_OPUS),
+      m_rates(RatesTaken(MA::CODEC_ID_OPUS, sampleRates_opus)),
+      m_options(MA::CODEC_ID_OPUS) {
+    m_options.Add(MA::TAG_APPLICATION, "audio", {"audio", "voip", "lowdelay"});
+    m_options.Add(MA::TAG_FRAME_DURATION, "20", frameDurations_opus);
 }
 
 Core::Property DataHelperAudioCodecOpus::GetDefaults() const {
@@ -90,7 +90,7 @@ void DataHelperAudioCodecOpus::GetValidationRules(RuleList& rules) const {
 void DataHelperAudioCodecOpus::GetConstraints(ConstraintMap& constraints) const {
     AudioCodecHelper::GetConstraints(constraints);
     constraints[A::TAG_BITRATE_MODE] =
-        OneOf({A::TAG_BITRATE_MODE_VBR, M::TAG_BITRATE_MODE_CVBR, A::TAG_BITRATE_MODE_CBR});
+        OneOf({A::TAG_BITRATE_MODE_VBR, MA::TAG_BITRATE_MODE_CVBR, A::TAG_BITRATE_MODE_CBR});
     const long long highest = channels_opus[std::size(channels_opus) - 1].highest;
     constraints[A::TAG_BITRATE] = ConstraintRange::Create(lowestBitrate, highest, 0LL);
     m_options.AddTo(constraints);

@@ -18,7 +18,7 @@ namespace Norvex::Conf {
 
 namespace {
 
-using M = ModernVideo;
+using MV = ModernVideo;
 using V = IFormatCodecVideo;
 
 // clang-format off
@@ -38,13 +38,13 @@ struct Compression {
 /// interlaced ones are left out.
 constexpr Compression compressions_dnxhd[] = {
     // profile                 width  height  23.976  24   25  29.97   50  59.94
-    {M::TAG_DNX_PROFILE_HD,     1920, 1080, {   36,   36,   36,   45,   75,   90}},  // 188416 bytes a frame
-    {M::TAG_DNX_PROFILE_HD,     1920, 1080, {  115,  115,  120,  145,  240,  290}},  // 606208
-    {M::TAG_DNX_PROFILE_HD,     1920, 1080, {  175,  175,  185,  220,  365,  440}},  // 917504
-    {M::TAG_DNX_PROFILE_HD,     1280,  720, {   60,   60,   60,   75,  120,  145}},  // 303104
-    {M::TAG_DNX_PROFILE_HD,     1280,  720, {   90,   90,   90,  110,  180,  220}},  // 458752
-    {M::TAG_DNX_PROFILE_HD_X,   1920, 1080, {  175,  175,  185,  185,  365,  440}},  // 917504
-    {M::TAG_DNX_PROFILE_HD_X,   1280,  720, {   90,   90,   90,   90,  180,  220}},  // 458752
+    {MV::TAG_DNX_PROFILE_HD,     1920, 1080, {   36,   36,   36,   45,   75,   90}},  // 188416 bytes a frame
+    {MV::TAG_DNX_PROFILE_HD,     1920, 1080, {  115,  115,  120,  145,  240,  290}},  // 606208
+    {MV::TAG_DNX_PROFILE_HD,     1920, 1080, {  175,  175,  185,  220,  365,  440}},  // 917504
+    {MV::TAG_DNX_PROFILE_HD,     1280,  720, {   60,   60,   60,   75,  120,  145}},  // 303104
+    {MV::TAG_DNX_PROFILE_HD,     1280,  720, {   90,   90,   90,  110,  180,  220}},  // 458752
+    {MV::TAG_DNX_PROFILE_HD_X,   1920, 1080, {  175,  175,  185,  185,  365,  440}},  // 917504
+    {MV::TAG_DNX_PROFILE_HD_X,   1280,  720, {   90,   90,   90,   90,  180,  220}},  // 458752
 };
 
 struct Scale {
@@ -53,11 +53,11 @@ struct Scale {
 };
 /// As FFmpeg's encoder has them; ST 2019-1 has the bytes of a frame. They come in whole steps of 4096, from 8192 on.
 constexpr Scale scales_dnxhr[] = {
-    {M::TAG_DNX_PROFILE_HR_LB,   5888},
-    {M::TAG_DNX_PROFILE_HR_SQ,  18944},
-    {M::TAG_DNX_PROFILE_HR_HQ,  28672},
-    {M::TAG_DNX_PROFILE_HR_HQX, 28672},
-    {M::TAG_DNX_PROFILE_HR_444, 57344},
+    {MV::TAG_DNX_PROFILE_HR_LB,   5888},
+    {MV::TAG_DNX_PROFILE_HR_SQ,  18944},
+    {MV::TAG_DNX_PROFILE_HR_HQ,  28672},
+    {MV::TAG_DNX_PROFILE_HR_HQX, 28672},
+    {MV::TAG_DNX_PROFILE_HR_444, 57344},
 };
 // clang-format on
 
@@ -87,7 +87,7 @@ double BytesOfFrame(const Scale& scale, long long width, long long height) {
     return std::max(std::floor((bytes + 2048) / 4096) * 4096, 8192.0);
 }
 
-PairList<Core::Ratio> FrameRates() {
+PairList<Core::Ratio> RatesOfDnxhd() {
     PairList<Core::Ratio> rates;
     for (const auto& rate : rates_dnxhd) rates.emplace_back(rate.name, Core::Ratio(rate.numerator, rate.denominator));
     return rates;
@@ -96,17 +96,17 @@ PairList<Core::Ratio> FrameRates() {
 }  // namespace
 
 DataHelperVideoCodecDnxhd::DataHelperVideoCodecDnxhd()
-    : PictureRateCodecHelper(M::CODEC_ID_DNXHD, V::TAG_BITRATE_MODE_CBR) {
+    : PictureRateCodecHelper(MV::CODEC_ID_DNXHD, V::TAG_BITRATE_MODE_CBR) {
     std::vector<EncoderOptions::Value> profiles;
     for (const Scale& row : scales_dnxhr) {
         const std::string& profile = row.profile;
         profiles.push_back({{std::string(), profile}, profile});
     }
     // FFmpeg has one name for both.
-    for (const std::string& profile : {M::TAG_DNX_PROFILE_HD, M::TAG_DNX_PROFILE_HD_X}) {
-        profiles.push_back({{std::string(), profile}, M::TAG_DNX_PROFILE_HD});
+    for (const std::string& profile : {MV::TAG_DNX_PROFILE_HD, MV::TAG_DNX_PROFILE_HD_X}) {
+        profiles.push_back({{std::string(), profile}, MV::TAG_DNX_PROFILE_HD});
     }
-    m_options.AddValues(V::TAG_PROFILE, {std::string(), M::TAG_DNX_PROFILE_HR_HQ}, profiles, {});
+    m_options.AddValues(V::TAG_PROFILE, {std::string(), MV::TAG_DNX_PROFILE_HR_HQ}, profiles, {});
 }
 
 void DataHelperVideoCodecDnxhd::GetValidationRules(RuleList& rules) const {
@@ -117,7 +117,7 @@ void DataHelperVideoCodecDnxhd::GetValidationRules(RuleList& rules) const {
     AddRule(rules, VideoCodecIdPath(), isDnx, HeightPath(), ConstraintRange::Create(120LL, 4320LL, 2LL));
 
     const std::string profilePath = Path(m_presetKey, ProfileKey());
-    for (const std::string& profile : {M::TAG_DNX_PROFILE_HD, M::TAG_DNX_PROFILE_HD_X}) {
+    for (const std::string& profile : {MV::TAG_DNX_PROFILE_HD, MV::TAG_DNX_PROFILE_HD_X}) {
         const SP<IPropertyConstraint> isProfile = OneOf({profile});
         std::set<long long> bitrates;
         SizeConstraints::SizeList sizes;
@@ -129,7 +129,7 @@ void DataHelperVideoCodecDnxhd::GetValidationRules(RuleList& rules) const {
         }
         const std::vector<long long> list(bitrates.begin(), bitrates.end());
         AddRule(rules, profilePath, isProfile, FrameSizeModePath(), SizeConstraints::Create(sizes));
-        AddRule(rules, profilePath, isProfile, FrameRatePath(), ConstraintSet::Create(FrameRates()));
+        AddRule(rules, profilePath, isProfile, FrameRatePath(), ConstraintSet::Create(RatesOfDnxhd()));
         AddRule(rules, profilePath, isProfile, Path(m_presetKey, V::TAG_BITRATE),
                 OneOf(list.data(), list.data() + list.size()));
     }

@@ -10,7 +10,7 @@ namespace Norvex::Conf {
 namespace {
 
 using A = IFormatCodecAudio;
-using M = ModernAudio;
+using MA = ModernAudio;
 
 /// Hz: those of the DVD and the Blu-ray disc, of which TrueHD is the lossless sound.
 constexpr long long sampleRates_truehd[] = {44100, 48000, 88200, 96000, 176400, 192000};
@@ -63,7 +63,7 @@ void DataHelperAudioCodecTrueHD::GetValidationRules(RuleList& rules) const {
     AddLists(rules, m_codecId, sampleRates_truehd, channelLayouts_truehd);
 }
 
-DataHelperAudioCodecWavPack::DataHelperAudioCodecWavPack() : LosslessAudioCodecHelper(M::CODEC_ID_WAVPACK) {}
+DataHelperAudioCodecWavPack::DataHelperAudioCodecWavPack() : LosslessAudioCodecHelper(MA::CODEC_ID_WAVPACK) {}
 
 void DataHelperAudioCodecWavPack::GetValidationRules(RuleList& rules) const {
     LosslessAudioCodecHelper::GetValidationRules(rules);

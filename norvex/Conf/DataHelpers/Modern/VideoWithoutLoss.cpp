@@ -9,18 +9,18 @@ namespace Norvex::Conf {
 
 namespace {
 
-using M = ModernVideo;
+using MV = ModernVideo;
 using V = IFormatCodecVideo;
 
 }  // namespace
 
-DataHelperVideoCodecFfv1::DataHelperVideoCodecFfv1() : EstimatedCodecHelper(M::CODEC_ID_FFV1, 6.0) {
-    m_options.Add(M::TAG_LEVEL, 3, {3});  // the version of RFC 9043 with slices and checksums; 4 is not finished
-    m_options.Add(M::TAG_CODER, "range_tab", {"range_tab", "range_def", "rice"});
-    m_options.Add(M::TAG_CONTEXT, 0, {0, 1});
+DataHelperVideoCodecFfv1::DataHelperVideoCodecFfv1() : EstimatedCodecHelper(MV::CODEC_ID_FFV1, 6.0) {
+    m_options.Add(MV::TAG_LEVEL, 3, {3});  // the version of RFC 9043 with slices and checksums; 4 is not finished
+    m_options.Add(MV::TAG_CODER, "range_tab", {"range_tab", "range_def", "rice"});
+    m_options.Add(MV::TAG_CONTEXT, 0, {0, 1});
     // Of the counts that the encoder can make a grid of, those from 4 to 30.
-    m_options.Add(M::TAG_SLICES, 4, {4, 6, 9, 12, 15, 16, 20, 24, 30});
-    m_options.Add(M::TAG_SLICE_CRC, true);
+    m_options.Add(MV::TAG_SLICES, 4, {4, 6, 9, 12, 15, 16, 20, 24, 30});
+    m_options.Add(MV::TAG_SLICE_CRC, true);
 }
 
 Core::Property DataHelperVideoCodecFfv1::GetDefaults() const {
@@ -33,7 +33,7 @@ Core::Property DataHelperVideoCodecFfv1::GetDefaults() const {
 DataHelperVideoCodecHuffYuv::DataHelperVideoCodecHuffYuv(const std::string& codecId)
     : EstimatedCodecHelper(codecId, 8.0) {
     // The median goes with YUV alone.
-    m_options.Add(M::TAG_PREDICTION, "left", {"left", "plane", "median"});
+    m_options.Add(MV::TAG_PREDICTION, "left", {"left", "plane", "median"});
 }
 
 }  // namespace Norvex::Conf

@@ -13,7 +13,7 @@ namespace Norvex::Conf {
 
 namespace {
 
-using M = ModernVideo;
+using MV = ModernVideo;
 using V = IFormatCodecVideo;
 
 /// Steps of FFmpeg's encoder of CineForm, from "film3+" to "low".
@@ -40,7 +40,7 @@ constexpr double standardBitsPerPixel_vc2 = 4;
 }  // namespace
 
 DataHelperVideoCodecCineForm::DataHelperVideoCodecCineForm()
-    : EstimatedCodecHelper(M::CODEC_ID_CFHD, 4.0, worstQuality_cfhd, standardQuality_cfhd) {}
+    : EstimatedCodecHelper(MV::CODEC_ID_CFHD, 4.0, worstQuality_cfhd, standardQuality_cfhd) {}
 
 void DataHelperVideoCodecCineForm::GetValidationRules(RuleList& rules) const {
     EstimatedCodecHelper::GetValidationRules(rules);
@@ -57,9 +57,9 @@ void DataHelperVideoCodecCineForm::GetValidationRules(RuleList& rules) const {
 }
 
 DataHelperVideoCodecVc2::DataHelperVideoCodecVc2()
-    : PictureRateCodecHelper(M::CODEC_ID_DIRAC, V::TAG_BITRATE_MODE_CBR) {
-    m_options.Add(M::TAG_WAVELET, "9_7", {"9_7", "5_3", "haar", "haar_noshift"});  // of ST 2042 what the encoder has
-    m_options.Add(M::TAG_WAVELET_DEPTH, 4, {1, 2, 3, 4, 5});
+    : PictureRateCodecHelper(MV::CODEC_ID_DIRAC, V::TAG_BITRATE_MODE_CBR) {
+    m_options.Add(MV::TAG_WAVELET, "9_7", {"9_7", "5_3", "haar", "haar_noshift"});  // of ST 2042 what the encoder has
+    m_options.Add(MV::TAG_WAVELET_DEPTH, 4, {1, 2, 3, 4, 5});
 }
 
 void DataHelperVideoCodecVc2::GetConstraints(ConstraintMap& constraints) const {

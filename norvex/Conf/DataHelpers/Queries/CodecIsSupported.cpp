@@ -38,7 +38,7 @@ bool IsIn(const List& list, const T& value) {
 }
 
 /// What a stream says of itself, and what judging it needs.
-struct Stream {
+struct AskedStream {
     const IFormatCodec& codec;
     bool isLossless;
     AVCodecID id;
@@ -90,7 +90,7 @@ const std::vector<UntaggedMuxers>& UntaggedTable() {
 }
 // clang-format on
 
-bool IsSupportedWithoutTags(const std::string& muxer, const Stream& stream) {
+bool IsSupportedWithoutTags(const std::string& muxer, const AskedStream& stream) {
     const auto& table = UntaggedTable();
     const auto row = std::find_if(table.begin(), table.end(), [&muxer](const UntaggedMuxers& r) {
         return r.match == Match::Equals ? IsIn(r.names, muxer) : ContainsOneOf(muxer, r.names);
@@ -106,7 +106,7 @@ bool IsSupportedWithoutTags(const std::string& muxer, const Stream& stream) {
 // --------------------------------------------------------------------------------------- muxers with a tag table
 
 /// What the muxer's table of tags says. It is asked only for streams that are carried over unchanged.
-bool TagIsSupported(const AVOutputFormat& muxer, const Stream& stream) {
+bool TagIsSupported(const AVOutputFormat& muxer, const AskedStream& stream) {
     if (!stream.isLossless) return false;
     if (stream.tag == 0) {
         unsigned tag = 0;
@@ -126,7 +126,7 @@ bool TagIsSupported(const AVOutputFormat& muxer, const Stream& stream) {
     return stream.tag == tag_mp4v && ContainsOneOf(muxer.name, {"mp4"});
 }
 
-bool IsFlvCodec(const Stream& stream) {
+bool IsFlvCodec(const AskedStream& stream) {
     static constexpr AVCodecID codecs[] = {
         AV_CODEC_ID_H263, AV_CODEC_ID_FLV1, AV_CODEC_ID_H264, AV_CODEC_ID_AAC,      AV_CODEC_ID_FLASHSV,
         AV_CODEC_ID_VP6,  AV_CODEC_ID_VP6F, AV_CODEC_ID_VP6A, AV_CODEC_ID_FLASHSV2,
@@ -161,7 +161,7 @@ bool IsMp4Codec(AVCodecID id) {
 }
 
 /// The adjustments are by substrings of the muxer's name and do not exclude each other: each is tried on each muxer.
-bool IsSupportedByTags(const AVOutputFormat& muxer, const Stream& stream) {
+bool IsSupportedByTags(const AVOutputFormat& muxer, const AskedStream& stream) {
     bool supported = TagIsSupported(muxer, stream);
     if (ContainsOneOf(muxer.name, {"flv"})) supported = IsFlvCodec(stream);
     if (ContainsOneOf(muxer.name, {"avi"})) {
@@ -192,7 +192,7 @@ bool CodecIsSupported(const SP<const IFormatFile>& format, const SP<const IForma
     const bool isLossless = settings.ChildExists(C::TAG_LOSSLESS) && settings[C::TAG_LOSSLESS].GetBool();
     const AVCodecID id = CodecIDFromTextID(settings[C::TAG_CODEC_ID].GetString());
     const long long tag = settings[C::TAG_FOURCC].GetInt64();
-    const Stream stream = {*codec, isLossless, id, tag, codec->GetMediaType()};
+    const AskedStream stream = {*codec, isLossless, id, tag, codec->GetMediaType()};
 
     if (stream.type == MediaType::Video && isLossless && !settings[C::TAG_MAIN_STREAM].GetBool()) return false;
     if (id != AV_CODEC_ID_NONE &&
