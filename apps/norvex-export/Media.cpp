@@ -232,8 +232,9 @@ InputInfo Probe(const std::string& path) {
 }
 
 std::vector<StreamFailure> FindUnwritableCopies(const ExportJob& job) {
+    if (job.copies.empty()) return {};
     Input input(job.inputPath);
-    if (job.copies.empty() || WhyNotWritable(input, job).empty()) return {};
+    if (WhyNotWritable(input, job).empty()) return {};
     ExportJob part = job;
     part.copies.clear();
     const bool hasOthers = !part.video.empty() || !part.audio.empty() || !part.subtitles.empty();

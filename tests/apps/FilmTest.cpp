@@ -7,10 +7,9 @@
 namespace {
 
 using nlohmann::json;
-using NorvexTest::Outcome;
-using testing::HasSubstr;
+using namespace NorvexTest;
 
-class FilmTest : public NorvexTest::ProgramFixture {
+class FilmTest : public ProgramFixture {
 protected:
     FilmTest() : ProgramFixture(NORVEX_EXPORT) {}
 

@@ -29,10 +29,7 @@ extern "C" {
 namespace {
 
 using namespace NorvexExport;
-using NorvexTest::ClipSettings;
-using NorvexTest::MakeClip;
-using NorvexTest::ReadFile;
-using NorvexTest::WriteFile;
+using namespace NorvexTest;
 using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
@@ -90,7 +87,7 @@ struct Content {
 };
 
 std::string OutputOf(const std::string& command) {
-    const NorvexTest::Outcome outcome = NorvexTest::RunCommand(command);
+    const Outcome outcome = RunCommand(command);
     if (outcome.status != 0) throw std::runtime_error("cannot read it: " + command);
     return outcome.text;
 }
@@ -249,7 +246,7 @@ protected:
     }
 
 private:
-    NorvexTest::TemporaryFolder m_folder;
+    TemporaryFolder m_folder;
     std::optional<std::string> m_oldTemporary;
 };
 
@@ -475,15 +472,16 @@ TEST_F(Media, AStillPictureIsTheFirstFrame) {
     };
     ClipSettings clip;
     clip.markTime = 0.04, clip.frames = 6;  // all frames but the first are white
+    std::string inputs, outputs;            // all are read by one run of the command: each takes long to begin
+    std::vector<std::string> stills;
     for (const char* const source : {"yuv420p", "rgb24", "pal8"}) {
         clip.pixelFormat = source;
         const std::string input = Clip(clip);
-        std::vector<std::string> stills;
-        std::string inputs, outputs;  // all are read by one run of the command: each takes long to begin
         for (const char* const row : table) {
             SCOPED_TRACE(std::string(source) + " to " + row);
             ExportJob job = VideoJobFor(input, Words(row)[0], Words(row)[1]);
-            job.outputPath = Path(std::to_string(stills.size()) + "." + Words(row)[2]);
+            const std::string number = std::to_string(stills.size());
+            job.outputPath = stills.emplace_back(Path(number + '.' + Words(row)[2]));
             job.video.at(0).isStill = job.video.at(0).twoPass = true;
             job.video.at(0).frameRate = {0, 1};
             job.video.at(0).width = 32;
@@ -498,21 +496,18 @@ TEST_F(Media, AStillPictureIsTheFirstFrame) {
             files.insert(job.outputPath);
             EXPECT_EQ(Files(), files);
             inputs += " -i '" + job.outputPath + "'";
-            outputs += " -map " + std::to_string(stills.size()) +
-                       ":v:0 -fps_mode passthrough -f rawvideo -pix_fmt gray '" + job.outputPath + ".v'";
-            stills.push_back(job.outputPath);
+            outputs +=
+                " -map " + number + ":v:0 -fps_mode passthrough -f rawvideo -pix_fmt gray '" + Path(number) + "'";
         }
-        OutputOf("ffmpeg -nostdin -v fatal -y" + inputs + outputs);
-        for (const std::string& still : stills) {
-            SCOPED_TRACE(std::string(source) + " in " + still);
-            const Picture picture{0, 32, 48, ReadFile(still + ".v")};
-            ASSERT_EQ(picture.luma.size(), 32u * 48) << "one picture";
-            double left = 0, right = 0;  // means over some columns, for some formats are black and white alone
-            for (int x = 0; x < 4; ++x) left += picture.Column(x), right += picture.Column(31 - x);
-            EXPECT_NEAR(left / 4, ClipSettings::RAMP_LEFT, 25);
-            EXPECT_NEAR(right / 4, ClipSettings::RAMP_RIGHT, 25);
-            fs::remove(still), fs::remove(still + ".v");
-        }
+    }
+    OutputOf("ffmpeg -nostdin -v fatal -y" + inputs + outputs);
+    for (std::size_t i = 0; i < stills.size(); ++i) {
+        const Picture picture{0, 32, 48, ReadFile(Path(std::to_string(i)))};
+        ASSERT_EQ(picture.luma.size(), 32u * 48) << "one picture in " << stills[i];
+        double left = 0, right = 0;  // means over some columns, for some formats are black and white alone
+        for (int x = 0; x < 4; ++x) left += picture.Column(x), right += picture.Column(31 - x);
+        EXPECT_NEAR(left / 4, ClipSettings::RAMP_LEFT, 25) << stills[i];
+        EXPECT_NEAR(right / 4, ClipSettings::RAMP_RIGHT, 25) << stills[i];
     }
 }
 

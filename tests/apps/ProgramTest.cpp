@@ -12,16 +12,14 @@
 
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
 using testing::StartsWith;
-using Outcome = NorvexTest::Outcome;
+using namespace NorvexTest;
 
-class ProgramTest : public NorvexTest::ProgramFixture {
+class ProgramTest : public ProgramFixture {
 protected:
     ProgramTest() : ProgramFixture(NORVEX_EXPORT) {}
 
-    std::string Clip() const { return NorvexTest::MakeClip(File("in.mkv"), {}); }
+    std::string Clip() const { return MakeClip(File("in.mkv"), {}); }
 };
 
 TEST_F(ProgramTest, ExportsWhatWasAskedFor) {
@@ -54,7 +52,7 @@ TEST_F(ProgramTest, DryRunWritesNothing) {
 }
 
 TEST_F(ProgramTest, EveryExampleOfItsHelpRuns) {
-    NorvexTest::MakeClip(File("film.mov"), {});
+    MakeClip(File("film.mov"), {});
     std::istringstream help(Run("--help").text);
     int examples = 0;
     for (std::string line; std::getline(help, line);) {
@@ -68,9 +66,9 @@ TEST_F(ProgramTest, EveryExampleOfItsHelpRuns) {
 }
 
 TEST_F(ProgramTest, ASignalEndsItAndLeavesNothing) {
-    NorvexTest::ClipSettings clip;
+    ClipSettings clip;
     clip.frames = 200;
-    NorvexTest::MakeClip(File("in.nut"), clip);
+    MakeClip(File("in.nut"), clip);
     const std::string slow = "in.nut out.mp4 --quiet --size 4k --encoder-preset veryslow";
     const struct {
         const char* signal;

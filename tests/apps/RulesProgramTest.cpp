@@ -10,12 +10,9 @@
 namespace {
 
 using nlohmann::json;
-using NorvexTest::Outcome;
-using testing::AllOf;
-using testing::HasSubstr;
-using testing::Not;
+using namespace NorvexTest;
 
-class RulesProgramTest : public NorvexTest::ProgramFixture {
+class RulesProgramTest : public ProgramFixture {
 protected:
     RulesProgramTest() : ProgramFixture(NORVEX_RULES) {}
 
@@ -153,7 +150,7 @@ TEST_F(RulesProgramTest, ChecksAndMendsPresets) {
 }
 
 TEST_F(RulesProgramTest, MendsWhatTheHostSavedForAnotherContainer) {
-    NorvexTest::MakeClip(File("in.mkv"), {});
+    MakeClip(File("in.mkv"), {});
     const auto exported = [this](const std::string& arguments) {
         const Outcome outcome = RunOther(NORVEX_EXPORT, "in.mkv " + arguments + " --quiet");
         EXPECT_EQ(outcome.status, 0) << outcome.text;
@@ -174,11 +171,11 @@ TEST_F(RulesProgramTest, MendsWhatTheHostSavedForAnotherContainer) {
 }
 
 TEST_F(RulesProgramTest, TellsWhatMayBecomeOfAFile) {
-    NorvexTest::ClipSettings clip;
+    ClipSettings clip;
     clip.muxer = "matroska";
     clip.titles = {{0.1, 0.5, "A line"}};
     clip.coverPicture = true;
-    NorvexTest::MakeClip(File("in.mkv"), clip);
+    MakeClip(File("in.mkv"), clip);
     const std::string text = Say("fit in.mkv");
     EXPECT_THAT(text, AllOf(HasSubstr("rawvideo, 64x48, 25 fps\n"), HasSubstr("png, 32x32, a cover\n"),
                             HasSubstr("Hold the first picture:\n  png jpeg ")));

@@ -7,12 +7,11 @@
 namespace {
 
 using nlohmann::json;
-using NorvexTest::Outcome;
+using namespace NorvexTest;
 using testing::DoubleNear;
-using testing::HasSubstr;
 using testing::Pointwise;
 
-class TimeTest : public NorvexTest::ProgramFixture {
+class TimeTest : public ProgramFixture {
 protected:
     TimeTest() : ProgramFixture(NORVEX_EXPORT) {}
 

@@ -5,7 +5,6 @@
 namespace {
 
 using namespace NorvexTest;
-using testing::ElementsAre;
 
 /// Stands in every process of this program, also for the tests that are not about the second set.
 class WithModernHelpers final : public testing::Environment {

@@ -147,6 +147,7 @@ TEST(Names, AreThoseThatPeopleKnow) {
     EXPECT_THAT(FileExtensions("nothing"), testing::IsEmpty());
     EXPECT_EQ(ParameterForPeople("video_codec/encode_options/profile"), "profile");
     EXPECT_EQ(ParameterForPeople("our_own"), "our own");
+    EXPECT_EQ(UnitForPeople("our_own"), "");
 }
 
 TEST(Names, OfValuesHaveUnits) {

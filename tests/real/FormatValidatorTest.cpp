@@ -11,8 +11,6 @@ namespace {
 
 using namespace NorvexTest;
 using testing::Contains;
-using testing::ElementsAre;
-using testing::Not;
 using IdList = std::vector<std::string>;
 
 /// Lists an encoder for the codecs that the test names, or for all.

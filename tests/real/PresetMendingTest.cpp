@@ -8,8 +8,6 @@
 namespace {
 
 using namespace NorvexTest;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 std::vector<std::string> Messages(const std::vector<Finding>& findings) {
     std::vector<std::string> messages;

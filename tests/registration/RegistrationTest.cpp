@@ -10,8 +10,6 @@ namespace {
 
 using namespace NorvexTest;
 using testing::Contains;
-using testing::ElementsAre;
-using testing::Not;
 
 class HostHelper final : public RefCounted<PlainHelper> {
 public:

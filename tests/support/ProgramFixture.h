@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -11,6 +12,10 @@
 #include "support/TemporaryFolder.h"
 
 namespace NorvexTest {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
 
 /// Runs a program in a folder of the test's own.
 class ProgramFixture : public testing::Test {

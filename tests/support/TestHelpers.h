@@ -16,6 +16,10 @@ namespace NorvexTest {
 using namespace Norvex;
 using namespace Norvex::Conf;
 using Core::Property;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
 
 /// A node with these children.
 inline Property Node(const std::string& name, std::initializer_list<Property> children) {

@@ -5,7 +5,6 @@ namespace {
 
 using namespace NorvexTest;
 using A = IFormatCodecAudio;
-using testing::ElementsAre;
 
 SP<IDataHelper> PcmS16() {
     return DataHelperAudioCodecPCM::Create(A::CODEC_ID_PCM_S16LE);

@@ -6,7 +6,6 @@
 namespace {
 
 using namespace NorvexTest;
-using testing::ElementsAre;
 
 TEST(ConstraintRange, TellsBoundsThenStepIfItHasOne) {
     EXPECT_THAT(CallsOf(*ConstraintRange::Create(0LL, 10LL, 0LL)), ElementsAre("min 0", "max 10"));

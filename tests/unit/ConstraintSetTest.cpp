@@ -8,7 +8,6 @@ namespace {
 
 using namespace NorvexTest;
 using Core::Ratio;
-using testing::ElementsAre;
 using Texts = ConstraintSet::ValueList<std::string>;
 
 template <class T>

@@ -8,8 +8,6 @@
 namespace {
 
 using namespace NorvexTest;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 const std::string g_rate = "audio_codec/codec_id in test -> filter_resample/resample/sample_rate in ";
 const std::string g_format = "audio_codec/codec_id in test -> filter_resample/resample/sample_format in ";

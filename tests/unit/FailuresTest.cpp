@@ -7,7 +7,6 @@ namespace {
 
 using namespace NorvexTest;
 using testing::EndsWith;
-using testing::HasSubstr;
 
 template <class E, class Base>
 constexpr bool isA = std::is_convertible_v<E*, Base*>;

@@ -3,7 +3,6 @@
 namespace {
 
 using namespace NorvexTest;
-using testing::ElementsAre;
 
 /// A format that says what a case needs.
 class TestFormat final : public FormatHelper {

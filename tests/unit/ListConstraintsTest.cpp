@@ -5,7 +5,6 @@
 namespace {
 
 using namespace NorvexTest;
-using testing::ElementsAre;
 using F = SampleFormats;
 using Names = std::vector<std::string>;
 using Pairs = std::vector<std::pair<std::string, std::string>>;

@@ -9,8 +9,6 @@
 namespace {
 
 using namespace NorvexTest;
-using testing::ElementsAre;
-using testing::IsEmpty;
 using Lines = std::vector<std::string>;
 using Constraint = SP<IPropertyConstraint>;
 

@@ -13,7 +13,7 @@ SP<IPropertyConstraint> Number(long long value) {
 }
 
 /// A tree that is whole for the rule of the tests, with its two values.
-Property Tree(long long first, long long second) {
+Property TreeOf(long long first, long long second) {
     Property root("root");
     root.SetChild("a").SetChildT("first", first);
     root.SetChildT("second", second);
@@ -25,21 +25,21 @@ SP<IValidationRule> Rule(const std::string& first = "a/first", const std::string
 }
 
 TEST(PairValidationRule, AsksForTheSecondOnlyWhereTheFirstHolds) {
-    EXPECT_TRUE(Rule()->IsValid(Tree(1, 2)));
-    EXPECT_FALSE(Rule()->IsValid(Tree(1, 3)));
-    EXPECT_TRUE(Rule()->IsValid(Tree(0, 2)));
-    EXPECT_TRUE(Rule()->IsValid(Tree(0, 3)));
-    EXPECT_TRUE(Rule("a/first", "missing")->IsValid(Tree(0, 0)));
-    EXPECT_TRUE(Rule("a/first", "")->IsValid(Tree(0, 0)));
+    EXPECT_TRUE(Rule()->IsValid(TreeOf(1, 2)));
+    EXPECT_FALSE(Rule()->IsValid(TreeOf(1, 3)));
+    EXPECT_TRUE(Rule()->IsValid(TreeOf(0, 2)));
+    EXPECT_TRUE(Rule()->IsValid(TreeOf(0, 3)));
+    EXPECT_TRUE(Rule("a/first", "missing")->IsValid(TreeOf(0, 0)));
+    EXPECT_TRUE(Rule("a/first", "")->IsValid(TreeOf(0, 0)));
 }
 
 TEST(PairValidationRuleDeathTest, EndsTheProcessOnATreeThatItCannotRead) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    Property wrongType = Tree(1, 2);
+    Property wrongType = TreeOf(1, 2);
     wrongType["second"] = "2";
-    EXPECT_DEATH(Rule("missing")->IsValid(Tree(1, 2)), "terminate");
-    EXPECT_DEATH(Rule("a/first", "missing")->IsValid(Tree(1, 2)), "terminate");
-    EXPECT_DEATH(Rule("a")->IsValid(Tree(1, 2)), "terminate");
+    EXPECT_DEATH(Rule("missing")->IsValid(TreeOf(1, 2)), "terminate");
+    EXPECT_DEATH(Rule("a/first", "missing")->IsValid(TreeOf(1, 2)), "terminate");
+    EXPECT_DEATH(Rule("a")->IsValid(TreeOf(1, 2)), "terminate");
     EXPECT_DEATH(Rule()->IsValid(wrongType), "terminate");
 }
 
