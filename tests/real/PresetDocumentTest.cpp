@@ -243,6 +243,7 @@ TEST(PresetDocument, KnowsTheParametersOfASectionAlone) {
     }
     EXPECT_EQ(ParametersOf("audio_codec", "aac").at("codec_id").automatic, Property("", "auto"));
     EXPECT_FALSE(ParametersOf("video_codec", "h264").at("codec_id").automatic);
+    EXPECT_EQ(ParametersOf("filter_rate", "filter_rate").at("frame_rate").automatic, Property("", Core::Ratio(0)));
 }
 
 /// The value at a path that may have to be made.

@@ -131,6 +131,11 @@ TEST_F(PresetMending, KeepsWhatMeansTheSameAndTellsTheRest) {
           "Parameter filter_resize/resize/frame_size_mode is custom now, the default of filter_resize"},
          "{video_codec: {codec_id: dvvideo, bitrate_mode: cbr, bitrate: 2000000}, filter_resize: {resize: "
          "{frame_size_mode: custom, width: 720, height: 576}}}"},
+        // A value that is mended brings another rule into play.
+        {R"("filter_resample": {"resample": {"sample_rate": 7000}}, "audio_codec": {"codec_id": "mp3", "bitrate": 320000})",
+         {"Parameter filter_resample/resample/sample_rate is 11025 now; it was 7000",
+          "Parameter audio_codec/bitrate is 64000 now; it was 320000"},
+         "{filter_resample: {resample: {sample_rate: 11025}}, audio_codec: {codec_id: mp3, bitrate: 64000}}"},
         // A mode that the codec has not, and what the other one needs.
         {R"("video_codec": {"codec_id": "dvvideo", "bitrate_mode": "vbr"})",
          {"Parameter video_codec/bitrate_mode is cbr now, the default of dvvideo",

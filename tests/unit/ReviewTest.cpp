@@ -431,6 +431,7 @@ TEST(CorrectionReport, TellsApartValuesThatShareAPath) {
         return Changes(CorrectWithReport(stream, {Audio(SP<IDataHelper>(new Corrector(change)))}));
     };
     EXPECT_THAT(changes([](Property&) {}), IsEmpty());
+    EXPECT_THAT(changes([](Property& tree) { tree.RemoveChild("full"), tree.SetChildT("full", 5); }), IsEmpty());
     EXPECT_THAT(changes([](Property& tree) { tree[1] = 7, tree[3]["a"] = 8; }),
                 ElementsAre("test a: 2 > 7 helper", "test /a: 3 > 8 helper"));
     EXPECT_THAT(changes([](Property& tree) { tree["full"].CopyDataFrom(Tree("x{y: 1}")); }),
