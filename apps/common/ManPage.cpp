@@ -11,20 +11,20 @@ namespace {
 
 /// A text that is no request of the page's language.
 std::string Escaped(const std::string& text) {
-    std::string plain;
+    std::string escaped;
     bool isLineStart = true;
     for (const char c : text) {
-        if (isLineStart && (c == '.' || c == '\'')) plain += "\\&";
+        if (isLineStart && (c == '.' || c == '\'')) escaped += "\\&";
         if (c == '\\') {
-            plain += "\\e";
+            escaped += "\\e";
         } else if (c == '-') {
-            plain += "\\-";
+            escaped += "\\-";
         } else {
-            plain += c;
+            escaped += c;
         }
         isLineStart = c == '\n';
     }
-    return plain;
+    return escaped;
 }
 
 /// Lines as short as those who read the source of pages expect; man fills them.
